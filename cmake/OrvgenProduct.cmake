@@ -1,0 +1,62 @@
+# How the product is made: every room hands in object files, one link step makes the shared library of them, and the
+# same objects make the static archive that white-box tests link.
+
+# The C++ of the product carries arithmetic and must need neither a C++ runtime nor writable data: no exceptions, no
+# type information, no guarded statics; rounding as written, no contraction, no vectors where scalars are written.
+set(ORVGEN_PRODUCT_FLAGS
+    -fPIC -fvisibility=hidden -fno-stack-protector
+    -ffp-contract=off -fno-tree-vectorize -fno-tree-slp-vectorize
+    $<$<COMPILE_LANGUAGE:CXX>:-fvisibility-inlines-hidden>
+    $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions>
+    $<$<COMPILE_LANGUAGE:CXX>:-fno-rtti>
+    $<$<COMPILE_LANGUAGE:CXX>:-fno-threadsafe-statics>
+    -frounding-math)
+list(TRANSFORM ORVGEN_PRODUCT_FLAGS REPLACE "^(-[^$]*)$" "$<$<COMPILE_LANGUAGE:C,CXX>:\\1>"
+     OUTPUT_VARIABLE ORVGEN_PRODUCT_FLAGS)
+
+# orvgen_add_objects(NAME sources...): a part of the product, as an object library of that name.
+function(orvgen_add_objects name)
+    add_library(${name} OBJECT ${ARGN})
+    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
+    target_compile_options(${name} PRIVATE ${ORVGEN_PRODUCT_FLAGS})
+    set_property(GLOBAL APPEND PROPERTY ORVGEN_OBJECTS ${name})
+endfunction()
+
+# orvgen_add_product(): the targets orvgen (shared) and orvgen_static, made of all objects handed in so far.
+function(orvgen_add_product)
+    get_property(rooms GLOBAL PROPERTY ORVGEN_OBJECTS)
+    set(objects "")
+    foreach(room IN LISTS rooms)
+        list(APPEND objects $<TARGET_OBJECTS:${room}>)
+    endforeach()
+
+    add_library(orvgen SHARED ${objects})
+    add_library(orvgen::orvgen ALIAS orvgen)
+    set_target_properties(orvgen PROPERTIES
+        OUTPUT_NAME orvgenm7 VERSION 6.1 SOVERSION 6.1
+        # The C driver: the C++ one would bring in the C++ runtime.
+        LINKER_LANGUAGE C
+        # The stand-in core library lies beside the product, in the build tree as where both are installed.
+        BUILD_RPATH_USE_ORIGIN ON INSTALL_RPATH "$ORIGIN"
+        LINK_DEPENDS ${ORVGEN_VERSION_SCRIPT})
+    target_link_options(orvgen PRIVATE
+        # No start files: they bring initialisers and writable data. Calls and tables of functions inside the library
+        # are bound at link time; only the allocator goes through the dynamic linker.
+        -nostartfiles LINKER:-Bsymbolic-functions LINKER:-z,now LINKER:-z,relro LINKER:-z,noexecstack
+        LINKER:--version-script=${ORVGEN_VERSION_SCRIPT}
+        # Exactly the three libraries named below, and nothing that CMake appends for C++ objects.
+        LINKER:--as-needed)
+    if(NOT ORVGEN_SANITIZE)
+        target_link_options(orvgen PRIVATE LINKER:-z,defs LINKER:-z,text)
+    endif()
+    # By file, not as a target: whoever links the installed product need not know the core library.
+    target_link_libraries(orvgen PRIVATE
+        -Wl,--push-state,--no-as-needed $<BUILD_INTERFACE:$<TARGET_FILE:orvcorexwide>> m c -Wl,--pop-state)
+    add_dependencies(orvgen orvcorexwide)
+    target_include_directories(orvgen INTERFACE
+        $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+
+    add_library(orvgen_static STATIC EXCLUDE_FROM_ALL ${objects})
+    target_include_directories(orvgen_static INTERFACE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
+    target_link_libraries(orvgen_static INTERFACE orvcorexwide m)
+endfunction()
