@@ -1,0 +1,38 @@
+// Comparison of counted operations with a table, row by row and column by column, with the list of
+// known differences taken exactly: see known_differences.csv.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "support/data_table.h"
+
+namespace orvgen::test {
+
+class CountCheck {
+  public:
+    // `family` is the name of the table, as in the first column of the known differences.
+    explicit CountCheck(std::string family);
+    CountCheck(std::string family, const DataTable& knownDifferences);
+
+    void compare(long row, const std::string& column, long required, long achieved);
+    // What is wrong: differences not listed, entries not compared or not as found. A check that
+    // compared nothing is wrong too.
+    std::vector<std::string> complaints() const;
+    // The complaints, one a line; empty when all is well (for EXPECT_EQ(check.report(), "")).
+    std::string report() const;
+
+  private:
+    struct Entry {
+        long required;
+        long achieved;
+        bool used;
+    };
+    std::string family;
+    std::map<std::pair<long, std::string>, Entry> known;
+    std::vector<std::string> found;
+    long compared = 0;
+};
+
+}  // namespace orvgen::test
