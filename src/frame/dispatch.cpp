@@ -1,5 +1,5 @@
-// The by-length dispatchers: one range test, one table of kernel addresses, one call. They test neither pointers nor
-// flag; the kernel does.
+// The by-length dispatchers: one range test, one table of kernel addresses, one call. They test
+// neither pointers nor flag; the kernel does.
 
 #include "frame/families.h"
 
@@ -10,7 +10,8 @@ using orvgen::firstOrder;
 using orvgen::lastLength;
 using orvgen::lastOrder;
 
-// Rows for the numbers first to last; null where the family has no such member.
+// The kernels of the numbers first to last. A family that lacks members answers for them as for a
+// number out of range.
 template <class Kernel, int first, int last>
 struct Table {
     struct Row {
@@ -18,30 +19,36 @@ struct Table {
         Kernel* kernel;
     };
 
-    Kernel* kernel[last - first + 1] = {};
+    static constexpr int rows = last - first + 1;
 
-    template <int rows>
-    constexpr explicit Table(const Row (&list)[rows]) {
+    Kernel* kernel[rows] = {};
+
+    template <int members>
+    constexpr explicit Table(const Row (&list)[members]) {
         for (const Row& row : list) kernel[row.number - first] = row.kernel;
     }
 
-    Kernel* find(int32_t number) const {
+    template <bool complete, class... Arguments>
+    OrvStatus call(int32_t number, Arguments... arguments) const {
+        // As an unsigned value a number below first is out of range as well.
         const uint32_t row = static_cast<uint32_t>(number) - first;
-        return row <= last - first ? kernel[row] : nullptr;
+        if (row >= rows) return orvErrSize;
+        if (!complete && !kernel[row]) return orvErrSize;
+        return kernel[row](arguments...);
     }
 };
 
 }  // namespace
 
 #define ROW(NAME, N, T) {N, orvg##NAME##_##N##_##T},
+#define PLUS_ONE(NAME, N, T) +1
 
-#define LENGTH_DISPATCHER(NAME, T, LIST)                                                       \
-    OrvStatus orvg##NAME##_##T(const Orv##T* src, Orv##T* dst, int32_t len, int32_t flag) {    \
-        using Kernel = OrvStatus(const Orv##T*, Orv##T*, int32_t);                             \
-        using Rows = Table<Kernel, firstLength, lastLength>;                                   \
-        static constexpr Rows table({LIST(ROW, NAME, T)});                                     \
-        Kernel* const kernel = table.find(len);                                                \
-        return kernel ? kernel(src, dst, flag) : orvErrSize;                                   \
+#define LENGTH_DISPATCHER(NAME, T, LIST)                                                      \
+    OrvStatus orvg##NAME##_##T(const Orv##T* src, Orv##T* dst, int32_t len, int32_t flag) {   \
+        using Kernel = OrvStatus(const Orv##T*, Orv##T*, int32_t);                            \
+        using Kernels = Table<Kernel, firstLength, lastLength>;                               \
+        static constexpr Kernels table({LIST(ROW, NAME, T)});                                 \
+        return table.call<(0 LIST(PLUS_ONE, NAME, T)) == Kernels::rows>(len, src, dst, flag); \
     }
 ORVGEN_LENGTH_FAMILIES(LENGTH_DISPATCHER)
 
@@ -49,9 +56,9 @@ ORVGEN_LENGTH_FAMILIES(LENGTH_DISPATCHER)
     OrvStatus orvg##NAME##_##T(const Orv##T* src, Orv##T* dst, int32_t order, int32_t flag,    \
                                uint8_t* buffer) {                                              \
         using Kernel = OrvStatus(const Orv##T*, Orv##T*, int32_t, uint8_t*);                   \
-        using Rows = Table<Kernel, firstOrder, lastOrder>;                                     \
-        static constexpr Rows table({LIST(ROW, NAME, T)});                                     \
-        Kernel* const kernel = table.find(order);                                              \
-        return kernel ? kernel(src, dst, flag, buffer) : orvErrSize;                           \
+        using Kernels = Table<Kernel, firstOrder, lastOrder>;                                  \
+        static constexpr Kernels table({LIST(ROW, NAME, T)});                                  \
+        return table.call<(0 LIST(PLUS_ONE, NAME, T)) == Kernels::rows>(order, src, dst, flag, \
+                                                                        buffer);               \
     }
 ORVGEN_ORDER_FAMILIES(ORDER_DISPATCHER)

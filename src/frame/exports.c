@@ -1,15 +1,14 @@
-/* Not compiled: cmake/OrvgenExports.cmake preprocesses this file and takes every name behind the word EXPORTED. */
+/* Not compiled: cmake/OrvgenExports.cmake preprocesses this file and takes every name that stands
+ * behind the word EXPORTED. */
 #include "orvgen.h"
 
-#define NAME_OF_MEMBER(NAME, N, T) EXPORTED orvg##NAME##_##N##_##T
-#define NAMES_OF_LENGTH_FAMILY(NAME, T, LIST) LIST(NAME_OF_MEMBER, NAME, T) EXPORTED orvg##NAME##_##T
-#define NAMES_OF_ORDER_FAMILY(NAME, T, LIST) \
-    LIST(NAME_OF_MEMBER, NAME, T) EXPORTED orvg##NAME##_##T EXPORTED orvg##NAME##GetBufferSize_##T
-#define NAMES_OF_DCT4_FAMILY(T)                                                             \
-    EXPORTED orvgDCT4GetSize_##T EXPORTED orvgDCT4Init_##T EXPORTED orvgDCT4InitAlloc_##T   \
-    EXPORTED orvgDCT4Free_##T EXPORTED orvgDCT4_##T
+#define MEMBER(NAME, N, T) EXPORTED orvg##NAME##_##N##_##T
+#define LENGTH_FAMILY(NAME, T, LIST) LIST(MEMBER, NAME, T) EXPORTED orvg##NAME##_##T
+#define ORDER_FAMILY(NAME, T, LIST) \
+    LENGTH_FAMILY(NAME, T, LIST) EXPORTED orvg##NAME##GetBufferSize_##T
+#define DCT4_FAMILY(NAME, T)                                                \
+    EXPORTED orvg##NAME##GetSize_##T EXPORTED orvg##NAME##Init_##T EXPORTED \
+        orvg##NAME##InitAlloc_##T EXPORTED orvg##NAME##Free_##T EXPORTED orvg##NAME##_##T
 
-EXPORTED orvgenGetLibVersion
-ORVGEN_LENGTH_FAMILIES(NAMES_OF_LENGTH_FAMILY)
-ORVGEN_ORDER_FAMILIES(NAMES_OF_ORDER_FAMILY)
-ORVGEN_DCT4_FAMILIES(NAMES_OF_DCT4_FAMILY)
+EXPORTED orvgenGetLibVersion ORVGEN_LENGTH_FAMILIES(LENGTH_FAMILY)
+    ORVGEN_ORDER_FAMILIES(ORDER_FAMILY) ORVGEN_DCT4_FAMILIES(DCT4_FAMILY)

@@ -1,4 +1,5 @@
-// The version record. buildMinor and the number behind the point in versionText are two different quantities.
+// The version record. buildMinor and the number behind the point in versionText are two different
+// quantities.
 
 #include "orvgen.h"
 
