@@ -20,7 +20,7 @@ struct Symbol {
 };
 
 class ElfImage {
-public:
+  public:
     // Throws when the file is not such a library or has no symbol table.
     explicit ElfImage(const std::string& path);
 
@@ -34,7 +34,7 @@ public:
     // Name of the function of another library whose address the dynamic linker stores here.
     std::optional<std::string> importedAt(std::uint64_t address) const;
 
-private:
+  private:
     struct Segment {
         std::uint64_t address;
         bool writable;

@@ -45,7 +45,7 @@ std::uint64_t signExtend(std::uint64_t v, int size) {
 }
 
 class Core {
-public:
+  public:
     Core(const MachineCode& c, const CallSetup& s) : code(c), setup(s) {}
 
     Trace run(const std::string& name) {
@@ -63,7 +63,7 @@ public:
         return std::move(trace);
     }
 
-private:
+  private:
     enum class Shadow : std::uint8_t { untouched, data, known };
 
     const MachineCode& code;
@@ -374,9 +374,8 @@ private:
     bool condition(const std::string& suffix) {
         if (!flagsKnown) throw Stop{"branch or choice on unknown data"};
         static const std::map<std::string, int> codes = {
-            {"o", 0}, {"no", 1}, {"b", 2},  {"ae", 3}, {"e", 4},  {"ne", 5},
-            {"be", 6}, {"a", 7}, {"s", 8},  {"ns", 9}, {"l", 10}, {"ge", 11},
-            {"le", 12}, {"g", 13}};
+            {"o", 0}, {"no", 1}, {"b", 2},  {"ae", 3}, {"e", 4},   {"ne", 5},  {"be", 6},
+            {"a", 7}, {"s", 8},  {"ns", 9}, {"l", 10}, {"ge", 11}, {"le", 12}, {"g", 13}};
         const auto it = codes.find(suffix);
         if (it == codes.end()) throw Stop{"condition not understood"};
         const bool values[] = {of, cf, zf, cf || zf, sf, sf != of, zf || sf != of};
@@ -403,8 +402,7 @@ private:
     void external() {
         const std::string name = importNames[ip];
         if ((reg[rsp].bits + 8) % 16 != 0) complain("calls with a misaligned stack");
-        trace.calls.push_back(
-            {name, static_cast<std::int64_t>(reg[rdi].bits), trace.steps.size()});
+        trace.calls.push_back({name, static_cast<std::int64_t>(reg[rdi].bits), trace.steps.size()});
         Value result{0, false};
         if (name == "orvMalloc") {
             trace.calls.back().argument = static_cast<std::int32_t>(reg[rdi].bits);

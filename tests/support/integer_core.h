@@ -5,7 +5,8 @@
 //
 // Pointers are plain numbers with a range of their own for each buffer, so that whatever a kernel
 // does to its pointers (bias, alignment masks, running offsets) is simply computed. A value that is
-// not known (a register at entry, data) is marked so; a branch or an address made of it is reported.
+// not known (a register at entry, data) is marked so; a branch or an address made of it is
+// reported.
 #pragma once
 
 #include <cstdint>
@@ -43,7 +44,8 @@ struct CallSetup {
     bool dstNull = false;
     bool bufferNull = false;
     std::int32_t flag = 8;
-    std::optional<std::int32_t> length;  // a dispatcher's third argument; the flag is then the fourth
+    std::optional<std::int32_t>
+        length;  // a dispatcher's third argument; the flag is then the fourth
     bool inPlace = false;
 };
 

@@ -80,11 +80,12 @@ constexpr VectorRow vectorRows[] = {
 
 // Integer instructions of gates, frames and pass loops; IntegerCore executes exactly these.
 constexpr const char* integerMnemonics[] = {
-    "mov", "movabs", "lea", "add", "sub", "and", "or", "xor", "test", "cmp", "inc", "dec",
-    "neg", "not", "shl", "sal", "shr", "sar", "imul", "bt", "movzx", "movsx", "movsxd", "cdqe",
-    "push", "pop", "leave", "sete", "setne", "setb", "setae", "setbe", "seta", "setl", "setge",
-    "setle", "setg", "sets", "setns", "cmove", "cmovne", "cmovb", "cmovae", "cmovbe", "cmova",
-    "cmovl", "cmovge", "cmovle", "cmovg", "cmovs", "cmovns",
+    "mov",   "movabs", "lea",    "add",   "sub",    "and",    "or",     "xor",    "test",
+    "cmp",   "inc",    "dec",    "neg",   "not",    "shl",    "sal",    "shr",    "sar",
+    "imul",  "bt",     "movzx",  "movsx", "movsxd", "cdqe",   "push",   "pop",    "leave",
+    "sete",  "setne",  "setb",   "setae", "setbe",  "seta",   "setl",   "setge",  "setle",
+    "setg",  "sets",   "setns",  "cmove", "cmovne", "cmovb",  "cmovae", "cmovbe", "cmova",
+    "cmovl", "cmovge", "cmovle", "cmovg", "cmovs",  "cmovns",
 };
 
 const std::unordered_map<std::string, const VectorRow*>& vectorTable() {
@@ -226,8 +227,8 @@ void fill(const cs_insn& raw, Instruction& in, csh decoder) {
         if (!known) return;  // foreign
     }
     // Prefixes (lock, rep) belong to nothing that a kernel does, but for padding.
-    const bool prefixed = x86.prefix[0] != 0 && x86.prefix[0] != X86_PREFIX_REP &&
-                          x86.prefix[0] != X86_PREFIX_REPNE;
+    const bool prefixed =
+        x86.prefix[0] != 0 && x86.prefix[0] != X86_PREFIX_REP && x86.prefix[0] != X86_PREFIX_REPNE;
     if (prefixed) return;
     classify(in, cs_insn_group(decoder, &raw, X86_GRP_JUMP),
              cs_insn_group(decoder, &raw, X86_GRP_CALL), cs_insn_group(decoder, &raw, X86_GRP_RET));
@@ -260,9 +261,9 @@ bool Instruction::stores() const {
 }
 
 const Instruction* Function::at(std::uint64_t address) const {
-    const auto it = std::lower_bound(
-        instructions.begin(), instructions.end(), address,
-        [](const Instruction& in, std::uint64_t a) { return in.address < a; });
+    const auto it =
+        std::lower_bound(instructions.begin(), instructions.end(), address,
+                         [](const Instruction& in, std::uint64_t a) { return in.address < a; });
     return it != instructions.end() && it->address == address ? &*it : nullptr;
 }
 
@@ -308,9 +309,10 @@ const Function& MachineCode::function(const std::string& name) const {
     function->instructions.resize(count);
     for (std::size_t i = 0; i < count; ++i) fill(raw[i], function->instructions[i], decoder);
     cs_free(raw, count);
-    const std::uint64_t end = count ? function->instructions.back().address +
-                                          static_cast<unsigned>(function->instructions.back().length)
-                                    : symbol->address;
+    const std::uint64_t end = count
+                                  ? function->instructions.back().address +
+                                        static_cast<unsigned>(function->instructions.back().length)
+                                  : symbol->address;
     if (end != symbol->address + symbol->size) {
         throw std::runtime_error(name + ": bytes that are no instruction");
     }

@@ -36,9 +36,9 @@ enum class Lanes { none, scalar32, scalar64, packed32, packed64, whole };
 struct Operand {
     enum class Type { none, general, vector, immediate, memory };
     Type type = Type::none;
-    int size = 0;        // bytes
-    int number = -1;     // register
-    bool high = false;   // ah, bh, ch, dh
+    int size = 0;            // bytes
+    int number = -1;         // register
+    bool high = false;       // ah, bh, ch, dh
     std::int64_t value = 0;  // immediate
     // Memory: base + index * scale + displacement; -1 where there is none, 16 for rip.
     int base = -1;
@@ -50,7 +50,7 @@ struct Operand {
 struct Instruction {
     std::uint64_t address = 0;
     int length = 0;
-    std::string text;          // mnemonic and operands, for messages
+    std::string text;  // mnemonic and operands, for messages
     std::string mnemonic;
     Kind kind = Kind::foreign;
     Lanes lanes = Lanes::none;
@@ -77,7 +77,7 @@ struct Function {
 };
 
 class MachineCode {
-public:
+  public:
     explicit MachineCode(const std::string& libraryPath);
     ~MachineCode();
     MachineCode(const MachineCode&) = delete;
@@ -91,7 +91,7 @@ public:
     // Code without a symbol (the linkage table of imported functions), one instruction at a time.
     Instruction decodeAt(std::uint64_t address) const;
 
-private:
+  private:
     ElfImage elf;
     std::uint64_t decoder = 0;
     mutable std::map<std::string, std::unique_ptr<Function>> decoded;

@@ -1,10 +1,11 @@
-// The reader of machine code on small functions: it takes the sound ones and finds the fault of each
-// of the others.
+// The reader of machine code on small functions: it takes the sound ones and finds the fault of
+// each of the others.
+#include "support/machine_code.h"
+
 #include <gtest/gtest.h>
 
 #include <stdexcept>
 
-#include "support/machine_code.h"
 #include "support/shape.h"
 
 namespace orvgen::test {
@@ -60,13 +61,12 @@ INSTANTIATE_TEST_SUITE_P(
         Fault{"control_word", "no kernel may hold"}, Fault{"x87", "no kernel may hold"},
         Fault{"stale_slot", "never written"}, Fault{"stale_register", "nothing has written"},
         Fault{"spoils_rbx", "not restored"}, Fault{"spoils_stack", "returns to an unknown place"},
-        Fault{"below_red_zone", "below the red zone"},
-        Fault{"misaligned_slot", "off its boundary"}, Fault{"strays", "nobody"},
-        Fault{"reads_all_first", "reads src after a store"},
+        Fault{"below_red_zone", "below the red zone"}, Fault{"misaligned_slot", "off its boundary"},
+        Fault{"strays", "nobody"}, Fault{"reads_all_first", "reads src after a store"},
         Fault{"flag_before_null", "null: status -16"}, Fault{"no_dst_test", "null: status 0"},
         Fault{"no_dst_test", "null: touches data"}, Fault{"flag_as_mask", "flag 3: status 0"},
-        Fault{"reads_before_gate", "flag 3: touches data"},
-        Fault{"flag_of_64_bits", "status -16"}, Fault{"dead_code", "never runs"}));
+        Fault{"reads_before_gate", "flag 3: touches data"}, Fault{"flag_of_64_bits", "status -16"},
+        Fault{"dead_code", "never runs"}));
 
 TEST(MachineCode, TakesSoundKernels) {
     KernelFacts vector = facts("good_vector");
@@ -127,8 +127,9 @@ TEST(MachineCode, FindsFaultsOfTwins) {
     EXPECT_NE(join(checkKernel(fixtures(), f)).find("off its boundary"), std::string::npos);
     f = facts("half_gate");
     f.twin = "half_gate_unaligned";
-    EXPECT_NE(join(checkKernel(fixtures(), f)).find("dst off by 8 flag 8: runs through half_gate\n"),
-              std::string::npos);
+    EXPECT_NE(
+        join(checkKernel(fixtures(), f)).find("dst off by 8 flag 8: runs through half_gate\n"),
+        std::string::npos);
 }
 
 TEST(MachineCode, FindsFaultsOfBuffers) {
@@ -163,8 +164,8 @@ TEST(MachineCode, Counts) {
     EXPECT_EQ(scalar.loads(Region::frame, 4), 2);
     EXPECT_EQ(scalar.frameBytes, 40);
     const Function& function = fixtures().function("good_two_bodies");
-    EXPECT_EQ(function.symbol.size, function.instructions.back().address + 1 -
-                                        function.symbol.address);
+    EXPECT_EQ(function.symbol.size,
+              function.instructions.back().address + 1 - function.symbol.address);
 }
 
 TEST(MachineCode, ThrowsAtWhatIsNotThere) {

@@ -19,14 +19,14 @@ std::string describe(const Step& step) {
 }
 
 bool data(const Step& step) {
-    return step.access && (step.access->region == Region::src ||
-                           step.access->region == Region::dst ||
-                           step.access->region == Region::buffer);
+    return step.access &&
+           (step.access->region == Region::src || step.access->region == Region::dst ||
+            step.access->region == Region::buffer);
 }
 
 // Which bytes of a buffer have been touched, and how often.
 class ByteMap {
-public:
+  public:
     explicit ByteMap(std::int64_t size) : counts(static_cast<std::size_t>(size)) {}
     bool holds(const Access& a) const {
         return a.offset >= 0 && a.offset + a.size <= static_cast<std::int64_t>(counts.size());
@@ -51,12 +51,12 @@ public:
     }
     std::int64_t size() const { return static_cast<std::int64_t>(counts.size()); }
 
-private:
+  private:
     std::vector<int> counts;
 };
 
 class BodyCheck {
-public:
+  public:
     BodyCheck(const Trace& t, const ShapeRules& r)
         : trace(t),
           rules(r),
@@ -78,7 +78,7 @@ public:
         return texts;
     }
 
-private:
+  private:
     const Trace& trace;
     const ShapeRules& rules;
     Texts texts;
@@ -187,9 +187,9 @@ bool scalarAllowed(const Instruction& in) {
     if (memory && memory->size > 8) return false;
     if (in.lanes == Lanes::scalar32 || in.lanes == Lanes::scalar64) {
         // Half moves are for vectors; the others are moves, arithmetic, conversions.
-        return in.kind == Kind::move ? !in.mnemonic.starts_with("movl") &&
-                                           !in.mnemonic.starts_with("movh")
-                                     : true;
+        return in.kind == Kind::move
+                   ? !in.mnemonic.starts_with("movl") && !in.mnemonic.starts_with("movh")
+                   : true;
     }
     if (memory) return false;
     if (in.mnemonic == "movaps") return true;
@@ -234,7 +234,7 @@ namespace {
 
 // One kernel under all gates and flags.
 class KernelCheck {
-public:
+  public:
     KernelCheck(const MachineCode& c, const KernelFacts& f) : code(c), facts(f) {}
 
     Texts run() {
@@ -265,7 +265,7 @@ public:
         return texts;
     }
 
-private:
+  private:
     const MachineCode& code;
     const KernelFacts& facts;
     Texts texts;

@@ -1,6 +1,7 @@
 // What the machine code of a kernel promises, checked on traces of its runs (integer_core.h) and on
-// its instructions: straight-line bodies, the instruction set, every access inside its buffer, every
-// byte of dst written once, src read before it can be overwritten; and counts of what it does.
+// its instructions: straight-line bodies, the instruction set, every access inside its buffer,
+// every byte of dst written once, src read before it can be overwritten; and counts of what it
+// does.
 #pragma once
 
 #include <cstdint>
@@ -37,23 +38,23 @@ std::vector<std::string> checkInstructions(const Function& function, const Shape
 
 // The instructions that traces ran.
 class Coverage {
-public:
+  public:
     void add(const Trace& trace);
     // The instructions of a function, but for padding, that have not run.
     std::vector<std::string> missing(const Function& function) const;
 
-private:
+  private:
     std::set<const Instruction*> ran;
 };
 
 struct KernelFacts {
     std::string name;
-    std::string twin;         // empty: none
-    bool twoBodies = false;   // an alignment-free body in the same function
-    int pointerStep = 4;      // alignment of the elements
-    bool takesBuffer = false; // obtains one where the caller gives none
-    ShapeRules rules;         // of the aligned body
-    ShapeRules twinRules;     // of the twin or second body
+    std::string twin;          // empty: none
+    bool twoBodies = false;    // an alignment-free body in the same function
+    int pointerStep = 4;       // alignment of the elements
+    bool takesBuffer = false;  // obtains one where the caller gives none
+    ShapeRules rules;          // of the aligned body
+    ShapeRules twinRules;      // of the twin or second body
 };
 
 // A kernel whole: gate and bodies under every flag, alignment and null pointer, twin included.
@@ -69,10 +70,10 @@ struct BodyCounts {
     long stores(Region region, int size) const { return access(region, size, true); }
     long stackStores() const;  // of vector registers
     long shuffles() const;     // of all kinds, register and memory forms
-    long instructions = 0;  // that ran, integer ones included
+    long instructions = 0;     // that ran, integer ones included
     std::int64_t frameBytes = 0;
 
-private:
+  private:
     long access(Region region, int size, bool store) const;
     std::map<std::pair<Kind, Lanes>, long> kinds;
     std::map<std::string, long> mnemonics;
