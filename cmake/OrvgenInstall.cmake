@@ -1,0 +1,34 @@
+# Installed: the library with its header, CMake package and pkg-config file (components `library` and `development`),
+# and the core library's stand-in (component `core`).
+
+include(CMakePackageConfigHelpers)
+
+install(TARGETS orvgen EXPORT orvgen
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
+    INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES ${PROJECT_SOURCE_DIR}/include/orvgen.h
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT library)
+
+set(package ${CMAKE_INSTALL_LIBDIR}/cmake/orvgen)
+install(EXPORT orvgen NAMESPACE orvgen:: FILE orvgenConfig.cmake DESTINATION ${package} COMPONENT development)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/orvgenConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/orvgenConfigVersion.cmake DESTINATION ${package} COMPONENT development)
+
+# The prefix of the pkg-config file is found from its own place, so that an installed tree can be moved.
+file(RELATIVE_PATH up "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+string(REGEX REPLACE "/$" "" up "${up}")
+configure_file(${PROJECT_SOURCE_DIR}/cmake/orvgen.pc.in ${PROJECT_BINARY_DIR}/orvgen.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/orvgen.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+configure_file(${PROJECT_SOURCE_DIR}/cmake/InstallCore.cmake.in ${PROJECT_BINARY_DIR}/InstallCore.cmake.in @ONLY)
+file(GENERATE OUTPUT ${PROJECT_BINARY_DIR}/InstallCore-$<CONFIG>.cmake INPUT ${PROJECT_BINARY_DIR}/InstallCore.cmake.in)
+install(SCRIPT ${PROJECT_BINARY_DIR}/InstallCore-$<CONFIG>.cmake COMPONENT core)
+
+if(PROJECT_IS_TOP_LEVEL)
+    set(CPACK_PACKAGE_NAME orvgen)
+    set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+    set(CPACK_GENERATOR TGZ)
+    include(CPack)
+endif()
