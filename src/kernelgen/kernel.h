@@ -1,0 +1,50 @@
+// A kernel to be compiled: its names, its flow, and what the frame around the flow needs to know.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "graph.h"
+
+namespace orvgen::kernelgen {
+
+enum class Direction : std::uint8_t { Forward, Inverse };
+
+// Which scaling flags select 1/N; the flag for 1/sqrt(N) is common to all.
+enum class ScaleRule : std::uint8_t {
+    ForwardByN,  // flag 1
+    InverseByN,  // flag 2
+    BothByN,     // flags 1 and 2
+};
+
+// How the kernel treats buffers that are not on a 16-byte boundary.
+enum class Alignment : std::uint8_t {
+    Any,       // no test, one body
+    Twin,      // test, and a second function for the alignment-free body
+    TwoBodies, // test, and both bodies in one function
+};
+
+struct Kernel {
+    std::string name;      // orvgDFTFwd_CToC_16_32fc
+    int length = 0;        // N, which the scale is made of
+    std::string method;    // one line: how this length is computed ("4 T 4")
+    ScaleRule scale = ScaleRule::ForwardByN;
+    Alignment alignment = Alignment::Any;
+    Graph flow;
+};
+
+// All kernels of one family. The flow of a length is built when asked for.
+struct Family {
+    std::string name;  // orvgDFTFwd_CToC_32fc: the by-length dispatcher
+    std::vector<int> lengths;
+    std::function<Kernel(int length)> kernel;
+};
+
+// The member's name: orvgDFTFwd_CToC_32fc with 16 is orvgDFTFwd_CToC_16_32fc.
+inline std::string memberName(const std::string &family, int length) {
+    const std::size_t at = family.rfind('_');
+    return family.substr(0, at) + "_" + std::to_string(length) + family.substr(at);
+}
+
+}  // namespace orvgen::kernelgen
