@@ -37,6 +37,11 @@ public:
     friend Number operator*(const Constant &c, const Number &a) {
         return make(c.magnitude().asDouble() * a.value_, true, a.negative_ != c.isNegative());
     }
+    friend Number twice(const Number &a) {
+        const double doubled = a.isDouble_ ? 2 * a.value_
+                                           : static_cast<double>(2 * static_cast<float>(a.value_));
+        return make(doubled, a.isDouble_, a.negative_);
+    }
     friend Number narrow(const Number &a) {
         if (arithmetic == Arithmetic::Double || !a.isDouble_) return a;
         return make(static_cast<double>(static_cast<float>(a.value_)), false, a.negative_);

@@ -35,6 +35,11 @@ Value operator*(const Constant &c, const Value &a) {
     return {g, product, a.negative_ != c.isNegative()};
 }
 
+Value twice(const Value &a) {
+    Graph &g = *a.graph_;
+    return {g, g.mul(a.id_, {Constant(2)}), a.negative_};
+}
+
 Value operator*(const std::array<Constant, 4> &c, const Value &a) {
     Graph &g = *a.graph_;
     return {g, g.mul(a.id_, {c.begin(), c.end()}), a.negative_};

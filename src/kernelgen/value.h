@@ -32,6 +32,8 @@ public:
     friend Value operator+(const Value &a, const Value &b);
     friend Value operator-(const Value &a, const Value &b) { return a + (-b); }
     friend Value operator*(const Constant &c, const Value &a);
+    // The double, in the arithmetic of the value itself: exact but for an overflow.
+    friend Value twice(const Value &a);
     // One constant per lane (Arithmetic::SingleLanes).
     friend Value operator*(const std::array<Constant, 4> &c, const Value &a);
 

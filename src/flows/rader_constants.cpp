@@ -1,0 +1,38 @@
+#include "rader_constants.h"
+
+#include <string>
+
+#include "number_theory.h"
+
+namespace orvgen::flows {
+
+using kernelgen::Constant;
+using kernelgen::cosTurn;
+using kernelgen::Real;
+using kernelgen::sinTurn;
+
+RaderConstants::RaderConstants(int p, long e) {
+    const int cycle = p - 1;
+    const long g = smallestRoot(p);
+    e = (e % p + p) % p;
+    const std::string root =
+        "rader " + std::to_string(p) + (e == 1 ? "" : " root " + std::to_string(e));
+    for (int k = 0; 2 * k <= cycle; ++k) {
+        const bool isInner = k != 0 && 2 * k != cycle;
+        Real sumRe = 0;
+        Real sumIm = 0;
+        for (long r = 0; r < cycle; ++r) {
+            const long angle = e * powerModulo(g, r, p);
+            const Real c =
+                k % 2 == 0 ? cosTurn(angle, p).exact() : Real(-sinTurn(angle, p).exact());
+            sumRe += c * cosTurn(k * r, cycle).exact();
+            sumIm -= c * sinTurn(k * r, cycle).exact();
+        }
+        const Real factor = Real(isInner ? 2 : 1) / cycle;
+        const std::string name = (isInner ? "2K[" : "K[") + std::to_string(k) + "], " + root;
+        re.push_back(k == 0 ? -kernelgen::ratio(1, cycle) : Constant(factor * sumRe, "re " + name));
+        im.push_back(isInner ? Constant(factor * sumIm, "im " + name) : Constant(0));
+    }
+}
+
+}  // namespace orvgen::flows

@@ -1,0 +1,52 @@
+// Rotation of a bin by an angle: z exp(2 pi i num/den).
+//
+// A quarter turn is an exchange and a sign. At 45 degrees the one constant sqrt(1/2) multiplies
+// each component once, and sum and difference follow: 2 products. Any other angle takes 4 products
+// and 2 sums, as two expressions that the next block forms or merges.
+#pragma once
+
+#include "flow.h"
+
+namespace orvgen::flows {
+
+template <class V>
+Bin<V> quarterTurns(const Bin<V>& z, long quarters) {
+    switch (modulo(quarters, 4)) {
+        case 1:
+            return {-z.im, z.re};
+        case 2:
+            return {-z.re, -z.im};
+        case 3:
+            return {z.im, -z.re};
+        default:
+            return z;
+    }
+}
+
+template <class V>
+Bin<V> rotate(const Bin<V>& z, long num, long den) {
+    num = modulo(num, den);
+    if (4 * num % den == 0) return quarterTurns(z, 4 * num / den);
+    if (8 * num % den == 0) {
+        const Constant c = kernelgen::cosTurn(1, 8);
+        const V p = narrow(product(c, z.re));
+        const V r = narrow(product(c, z.im));
+        switch (8 * num / den) {  // the eighth nearest to the real axis, then quarters
+            case 1:
+                return {p - r, r + p};
+            case 3:
+                return quarterTurns(Bin<V>{p + r, r - p}, 2);
+            case 5:
+                return quarterTurns(Bin<V>{p - r, r + p}, 2);
+            default:
+                return {p + r, r - p};
+        }
+    }
+    const V a = narrow(z.re);
+    const V b = narrow(z.im);
+    const Constant c = kernelgen::cosTurn(num, den);
+    const Constant s = kernelgen::sinTurn(num, den);
+    return {Expression<V>::ofProducts(c, a, -s, b), Expression<V>::ofProducts(c, b, s, a)};
+}
+
+}  // namespace orvgen::flows
