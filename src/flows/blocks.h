@@ -51,7 +51,7 @@ std::vector<V> Flow<V>::inverseReal(const PlanPtr& plan, long e, const Bins<V>& 
 }
 
 template <class V>
-Bins<V> Flow<V>::odd(const PlanPtr& plan, const std::vector<V>& x) {
+Bins<V> Flow<V>::odd(const PlanPtr& plan, const Samples<V>& x) {
     if (plan->length % 2 == 1) return alternatingOdd(*this, plan, x);
     const PlanPtr p = plans_->resolve(Transform::Odd, plan);
     switch (p->method) {

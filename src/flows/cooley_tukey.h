@@ -34,13 +34,15 @@ Bins<V> cooleyTukeyReal(Flow<V>& flow, const Plan& plan, long e, const std::vect
         const typename Flow<V>::Scope scope(flow, "second" + std::to_string(k));
         const auto row = static_cast<std::size_t>(k);
         if (k == 0 || 2 * k == r) {
-            std::vector<V> across;
-            for (const Bins<V>& bins : u) across.push_back(bins[row].re.formed());
             if (k == 0) {
+                std::vector<V> across;
+                for (const Bins<V>& bins : u) across.push_back(bins[row].re.formed());
                 const Bins<V> y = flow.real(plan.parts[1], e, across);
                 for (int q = 0; 2 * q <= m; ++q)
                     setBin(half, n, r * q, y[static_cast<std::size_t>(q)]);
             } else {
+                Samples<V> across;
+                for (const Bins<V>& bins : u) across.push_back(bins[row].re.formed());
                 const Bins<V> y = flow.odd(plan.parts[1], across);
                 for (int f = 1; f <= m; f += 2) setBin(half, n, r / 2 * f, oddBinAt(y, m, e * f));
             }
@@ -128,13 +130,13 @@ Bins<V> cooleyTukeyComplex(Flow<V>& flow, const Plan& plan, long e, const Bins<V
 // Odd frequencies 2 (j + R q) + 1: R-point blocks at odd frequencies, twiddles w(2n)^(-(2j+1) c),
 // complex M-point blocks; the middle row of an odd R is real and at odd frequencies again.
 template <class V>
-Bins<V> cooleyTukeyOdd(Flow<V>& flow, const Plan& plan, const std::vector<V>& x) {
+Bins<V> cooleyTukeyOdd(Flow<V>& flow, const Plan& plan, const Samples<V>& x) {
     const int n = plan.length;
     const int r = plan.parts[0]->length;
     const int m = plan.parts[1]->length;
     std::vector<Bins<V>> u;  // by c
     for (int c = 0; c < m; ++c) {
-        std::vector<V> row;
+        Samples<V> row;
         for (int t = 0; t < r; ++t) row.push_back(x[static_cast<std::size_t>(c + m * t)]);
         const typename Flow<V>::Scope scope(flow, "first" + std::to_string(c));
         u.push_back(flow.odd(plan.parts[0], row));
@@ -144,7 +146,7 @@ Bins<V> cooleyTukeyOdd(Flow<V>& flow, const Plan& plan, const std::vector<V>& x)
         const typename Flow<V>::Scope scope(flow, "second" + std::to_string(j));
         const auto row = static_cast<std::size_t>(j);
         if (2 * j + 1 == r) {
-            std::vector<V> across;
+            Samples<V> across;
             for (const Bins<V>& bins : u) across.push_back(bins[row].re.formed());
             const Bins<V> y = flow.odd(plan.parts[1], across);
             for (int f = 1; f <= m; f += 2) setOddBin(half, n, r * f, oddBinAt(y, m, f));

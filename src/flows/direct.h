@@ -119,7 +119,8 @@ Bins<V> directReal(Flow<V>& flow, int n, long e, const std::vector<V>& x) {
     const V x0 = narrow(x[0]);
     Bins<V> half{{sumOf(a) + x0, {}}};
     for (long k = 1; k <= n / 2; ++k)
-        half.push_back({cosineSum(pairs, n, e * k, x0, a), sineSum(pairs, n, -e * k, d)});
+        half.push_back({cosineSum(pairs, n, e * k, flow.operand(x[0]), a),
+                        sineSum(pairs, n, -e * k, d)});
     return half;
 }
 
@@ -136,7 +137,8 @@ std::vector<V> directInverseReal(Flow<V>& flow, int n, long e, const Bins<V>& z)
         }
         case 3: {
             const V u = narrow(z[1].re);
-            const V centre = narrow(flow.operand(z[0].re) - half() * u);
+            const V centre =
+                narrow(flow.operand(z[0].re) - half() * flow.operand(z[1].re, ":re"));
             const V sine = narrow(product(sineOf60(), e == 1 ? z[1].im : -z[1].im));
             return {narrow(z[0].re) + u, centre - sine, centre + sine};
         }
@@ -163,7 +165,7 @@ std::vector<V> directInverseReal(Flow<V>& flow, int n, long e, const Bins<V>& z)
     std::vector<V> y(static_cast<std::size_t>(n));
     y[0] = sumOf(a) + z0;
     for (long q = 1; q <= n / 2; ++q) {
-        const V c = narrow(cosineSum(pairs, n, e * q, z0, a));
+        const V c = narrow(cosineSum(pairs, n, e * q, flow.operand(z[0].re), a));
         const V s = narrow(sineSum(pairs, n, e * q, d));
         y[static_cast<std::size_t>(q)] = c - s;
         y[static_cast<std::size_t>(n - q)] = c + s;

@@ -19,6 +19,10 @@ using Bin = Complex<Expression<V>>;
 template <class V>
 using Bins = std::vector<Bin<V>>;
 
+// Samples that come straight from another block or from the caller, not formed yet.
+template <class V>
+using Samples = std::vector<Expression<V>>;
+
 inline long modulo(long k, long n) { return (k % n + n) % n; }
 
 // Bin k of a real sequence of length n out of its half spectrum: X[n-k] is the conjugate of X[k].
@@ -60,7 +64,8 @@ inline std::size_t oddBinCount(int n) { return static_cast<std::size_t>((n + 1) 
 
 // A value of a double expression that is rounded for the sums that take it, and goes on unrounded
 // into the double expression that takes it too. `place` is the end of the path of the block that
-// does so, as Flow::path() writes it.
+// does so, as Flow::path() writes it, or the whole path if it begins with '/'; behind a colon stands
+// which of the block's operands is meant, where it is not the first.
 struct Carry {
     int length;  // of the kernel
     const char* place;
@@ -93,7 +98,9 @@ class Flow {
     const std::string& path() const { return path_; }
 
     // A value as a double expression takes it: rounded, but for the places that carry it on.
-    V operand(const Expression<V>& e) const { return carries() ? e.formed() : narrow(e); }
+    V operand(const Expression<V>& e, const char* which = "") const {
+        return carries(path_ + which) ? e.formed() : narrow(e);
+    }
 
     // Names what follows, for the comments of the emitted kernel; only the outermost steps.
     void stage(const std::string& name) {
@@ -103,7 +110,7 @@ class Flow {
     // The transforms (see Transform), by plan. `e` is the exponent of the root of unity.
     Bins<V> real(const PlanPtr& plan, long e, const std::vector<V>& x);
     std::vector<V> inverseReal(const PlanPtr& plan, long e, const Bins<V>& z);
-    Bins<V> odd(const PlanPtr& plan, const std::vector<V>& x);
+    Bins<V> odd(const PlanPtr& plan, const Samples<V>& x);
     std::vector<V> inverseOdd(const PlanPtr& plan, const Bins<V>& z);
     Bins<V> complex(const PlanPtr& plan, const PlanPtr& complexPlan, long e, const Bins<V>& z);
     // As complex(), with the exponent +; results by sample.
@@ -111,9 +118,9 @@ class Flow {
                            const Bins<V>& z);
 
   private:
-    bool carries() const {
+    bool carries(const std::string& operand) const {
         for (const std::string& place : carries_)
-            if (path_.ends_with(place)) return true;
+            if (place[0] == '/' ? operand == place : operand.ends_with(place)) return true;
         return false;
     }
 

@@ -108,7 +108,7 @@ Bins<V> goodThomasComplex(Flow<V>& flow, const Plan& plan, long e, const Bins<V>
 // stand at q t1 + 4 t2 (beyond n with a minus), and the frequencies f = 1 modulo 4 give one complex
 // transform of length q, f modulo q being its bin; the others are the conjugates.
 template <class V>
-Bins<V> goodThomasOdd(Flow<V>& flow, const Plan& plan, const std::vector<V>& x) {
+Bins<V> goodThomasOdd(Flow<V>& flow, const Plan& plan, const Samples<V>& x) {
     const int n = plan.length;
     const int q = plan.parts[1]->length;
     if (plan.parts[0]->length != 2 || q % 2 == 0)

@@ -83,11 +83,12 @@ std::vector<V> raderInverseReal(Flow<V>& flow, const Plan& plan, long e, const B
     const RaderConstants k(p, e);
 
     flow.stage("even and odd frequencies of the cycle of length " + std::to_string(cycle));
-    std::vector<V> re, im;
+    std::vector<V> re;
+    Samples<V> im;
     for (int q = 0; q < m; ++q) {
         const Bin<V> bin = binAt(z, p, powerModulo(inverse, q, p));
         re.push_back(bin.re.formed());
-        im.push_back(bin.im.formed());
+        im.push_back(bin.im);
     }
     Bins<V> even, odd;
     {
