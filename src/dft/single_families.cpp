@@ -1,0 +1,64 @@
+// The complex binary32 kernels: lengths 2 to 5 on scalars, from 6 up in lanes.
+#include "butterflies.h"
+#include "families.h"
+#include "joins.h"
+#include "single_kernels.h"
+#include "single_table.h"
+
+namespace orvgen::dft {
+
+using kernelgen::Alignment;
+using kernelgen::Arithmetic;
+using kernelgen::Family;
+using kernelgen::Kernel;
+using kernelgen::ScaleRule;
+
+Graph scalarFlow(Direction direction, std::size_t length) {
+    Graph graph(Arithmetic::Single);
+    std::vector<Complex<Value>> x;
+    for (int n = 0; n < static_cast<int>(length); ++n)
+        x.push_back({Value(graph, graph.input(2 * n)), Value(graph, graph.input(2 * n + 1))});
+    const std::vector<Complex<Value>> y = scalarTransform(direction, x);
+    for (std::size_t k = 0; k < length; ++k) {
+        graph.output(static_cast<int>(2 * k), scaled(y[k].re).id());
+        graph.output(static_cast<int>(2 * k + 1), scaled(y[k].im).id());
+    }
+    return graph;
+}
+
+Graph laneFlow(Direction direction, std::size_t length) {
+    Graph graph(Arithmetic::SingleLanes);
+    Lanes lanes(graph);
+    Joins joins(lanes, direction);
+    lanes.store(joins.run(singleDecomposition(length), {lanes.load(length)})[0]);
+    return graph;
+}
+
+namespace {
+
+Kernel kernel(const std::string& family, Direction direction, int length) {
+    const auto n = static_cast<std::size_t>(length);
+    const bool scalar = length <= 5;
+    return {kernelgen::memberName(family, length),
+            length,
+            singleDecomposition(n)->stages(),
+            direction == Direction::Forward ? ScaleRule::ForwardByN : ScaleRule::InverseByN,
+            scalar ? Alignment::Any : Alignment::Twin,
+            scalar ? scalarFlow(direction, n) : laneFlow(direction, n)};
+}
+
+Family family(const std::string& name, Direction direction, const std::vector<int>& lengths) {
+    return {name, lengths, [name, direction](int n) { return kernel(name, direction, n); }};
+}
+
+}  // namespace
+
+std::vector<Family> complexSingleFamilies() {
+    const std::vector<int> lengths{2,  3,  4,  5,  6,  8,  9,  10, 12, 14, 15, 16, 18,
+                                   20, 21, 22, 24, 25, 27, 28, 30, 32, 33, 35, 36, 40,
+                                   42, 44, 45, 48, 49, 50, 54, 55, 56, 60, 63, 64};
+    return {family("orvgDFTFwd_CToC_32fc", Direction::Forward, lengths),
+            family("orvgDFTInv_CToC_32fc", Direction::Inverse, lengths)};
+}
+
+}  // namespace orvgen::dft

@@ -1,0 +1,31 @@
+// Every binary32 flow computes its transform.
+#include <gtest/gtest.h>
+
+#include "dft/complex_proof.h"
+#include "dft/families.h"
+
+namespace orvgen {
+namespace {
+
+using kernelgen::Direction;
+using kernelgen::Real;
+
+class SingleProof : public testing::TestWithParam<int> {};
+
+TEST_P(SingleProof, IsTheTransform) {
+    const auto families = dft::complexSingleFamilies();
+    const Direction directions[] = {Direction::Forward, Direction::Inverse};
+    for (std::size_t d = 0; d < 2; ++d) {
+        const auto kernel = families[d].kernel(GetParam());
+        EXPECT_LT(test::complexProofError(kernel.flow, directions[d], GetParam()), Real("1e-60"))
+            << kernel.name;
+        EXPECT_TRUE(kernel.flow.deadNodes().empty()) << kernel.name;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Lengths, SingleProof,
+                         testing::ValuesIn(dft::complexSingleFamilies()[0].lengths),
+                         [](const auto& length) { return std::to_string(length.param); });
+
+}  // namespace
+}  // namespace orvgen
