@@ -111,60 +111,62 @@ ORVGEN_API const OrvLibraryVersion* orvgenGetLibVersion(void);
  * tables and export list, its tests and benchmarks are made of these lists. A caller may use them
  * too, for instance to run over all lengths. F is a macro of the user's. */
 
+/* clang-format off */
+
 /* The lengths of a fixed-length family: F(NAME, N, T) for N = 2 to 64. */
 #define ORVGEN_LENGTHS(F, NAME, T)                                                                 \
-    F(NAME, 2, T)                                                                                  \
-    F(NAME, 3, T) F(NAME, 4, T) F(NAME, 5, T) F(NAME, 6, T) F(NAME, 7, T) F(NAME, 8, T) F(         \
-        NAME, 9, T) F(NAME, 10, T) F(NAME, 11, T) F(NAME, 12, T) F(NAME, 13, T) F(NAME, 14, T)     \
-        F(NAME, 15, T) F(NAME, 16, T) F(NAME, 17, T) F(NAME, 18, T) F(NAME, 19, T) F(NAME, 20, T)  \
-            F(NAME, 21, T) F(NAME, 22, T) F(NAME, 23, T) F(NAME, 24, T) F(NAME, 25, T)             \
-                F(NAME, 26, T) F(NAME, 27, T) F(NAME, 28, T) F(NAME, 29, T) F(NAME, 30, T)         \
-                    F(NAME, 31, T) F(NAME, 32, T) F(NAME, 33, T) F(NAME, 34, T) F(NAME, 35, T)     \
-                        F(NAME, 36, T) F(NAME, 37, T) F(NAME, 38, T) F(NAME, 39, T) F(NAME, 40, T) \
-                            F(NAME, 41, T) F(NAME, 42, T) F(NAME, 43, T) F(NAME, 44, T)            \
-                                F(NAME, 45, T) F(NAME, 46, T) F(NAME, 47, T) F(NAME, 48, T)        \
-                                    F(NAME, 49, T) F(NAME, 50, T) F(NAME, 51, T) F(NAME, 52, T)    \
-                                        F(NAME, 53, T) F(NAME, 54, T) F(NAME, 55, T)               \
-                                            F(NAME, 56, T) F(NAME, 57, T) F(NAME, 58, T)           \
-                                                F(NAME, 59, T) F(NAME, 60, T) F(NAME, 61, T)       \
-                                                    F(NAME, 62, T) F(NAME, 63, T) F(NAME, 64, T)
+    F(NAME, 2, T) F(NAME, 3, T) F(NAME, 4, T) F(NAME, 5, T) F(NAME, 6, T)                          \
+    F(NAME, 7, T) F(NAME, 8, T) F(NAME, 9, T) F(NAME, 10, T) F(NAME, 11, T)                        \
+    F(NAME, 12, T) F(NAME, 13, T) F(NAME, 14, T) F(NAME, 15, T) F(NAME, 16, T)                     \
+    F(NAME, 17, T) F(NAME, 18, T) F(NAME, 19, T) F(NAME, 20, T) F(NAME, 21, T)                     \
+    F(NAME, 22, T) F(NAME, 23, T) F(NAME, 24, T) F(NAME, 25, T) F(NAME, 26, T)                     \
+    F(NAME, 27, T) F(NAME, 28, T) F(NAME, 29, T) F(NAME, 30, T) F(NAME, 31, T)                     \
+    F(NAME, 32, T) F(NAME, 33, T) F(NAME, 34, T) F(NAME, 35, T) F(NAME, 36, T)                     \
+    F(NAME, 37, T) F(NAME, 38, T) F(NAME, 39, T) F(NAME, 40, T) F(NAME, 41, T)                     \
+    F(NAME, 42, T) F(NAME, 43, T) F(NAME, 44, T) F(NAME, 45, T) F(NAME, 46, T)                     \
+    F(NAME, 47, T) F(NAME, 48, T) F(NAME, 49, T) F(NAME, 50, T) F(NAME, 51, T)                     \
+    F(NAME, 52, T) F(NAME, 53, T) F(NAME, 54, T) F(NAME, 55, T) F(NAME, 56, T)                     \
+    F(NAME, 57, T) F(NAME, 58, T) F(NAME, 59, T) F(NAME, 60, T) F(NAME, 61, T)                     \
+    F(NAME, 62, T) F(NAME, 63, T) F(NAME, 64, T)
 
 /* The orders of a Walsh-Hadamard family: F(NAME, K, T) for K = 1 to 13. */
-#define ORVGEN_ORDERS(F, NAME, T)                                                       \
-    F(NAME, 1, T)                                                                       \
-    F(NAME, 2, T) F(NAME, 3, T) F(NAME, 4, T) F(NAME, 5, T) F(NAME, 6, T) F(NAME, 7, T) \
-        F(NAME, 8, T) F(NAME, 9, T) F(NAME, 10, T) F(NAME, 11, T) F(NAME, 12, T) F(NAME, 13, T)
+#define ORVGEN_ORDERS(F, NAME, T)                                                                  \
+    F(NAME, 1, T) F(NAME, 2, T) F(NAME, 3, T) F(NAME, 4, T) F(NAME, 5, T)                          \
+    F(NAME, 6, T) F(NAME, 7, T) F(NAME, 8, T) F(NAME, 9, T) F(NAME, 10, T)                         \
+    F(NAME, 11, T) F(NAME, 12, T) F(NAME, 13, T)
 
 /* The fixed-length families: F(NAME, T, LIST), LIST being the list of the lengths that exist. */
-#define ORVGEN_LENGTH_FAMILIES(F)                \
-    /* F(DFTFwd_CToC, 32fc, ORVGEN_LENGTHS) */   \
-    /* F(DFTInv_CToC, 32fc, ORVGEN_LENGTHS) */   \
-    /* F(DFTFwd_CToC, 64fc, ORVGEN_LENGTHS) */   \
-    /* F(DFTInv_CToC, 64fc, ORVGEN_LENGTHS) */   \
-    /* F(DFTFwd_RToCCS, 32f, ORVGEN_LENGTHS) */  \
-    /* F(DFTFwd_RToPack, 32f, ORVGEN_LENGTHS) */ \
-    /* F(DFTFwd_RToPerm, 32f, ORVGEN_LENGTHS) */ \
-    /* F(DFTFwd_RToCCS, 64f, ORVGEN_LENGTHS) */  \
-    /* F(DFTFwd_RToPack, 64f, ORVGEN_LENGTHS) */ \
-    /* F(DFTFwd_RToPerm, 64f, ORVGEN_LENGTHS) */ \
-    /* F(DFTInv_CCSToR, 32f, ORVGEN_LENGTHS) */  \
-    /* F(DFTInv_PackToR, 32f, ORVGEN_LENGTHS) */ \
-    /* F(DFTInv_PermToR, 32f, ORVGEN_LENGTHS) */ \
-    /* F(DFTInv_CCSToR, 64f, ORVGEN_LENGTHS) */  \
-    /* F(DFTInv_PackToR, 64f, ORVGEN_LENGTHS) */ \
-    /* F(DFTInv_PermToR, 64f, ORVGEN_LENGTHS) */ \
-    /* F(Hartley, 32f, ORVGEN_LENGTHS) */        \
+#define ORVGEN_LENGTH_FAMILIES(F)                                                                  \
+    /* F(DFTFwd_CToC, 32fc, ORVGEN_LENGTHS) */                                                     \
+    /* F(DFTInv_CToC, 32fc, ORVGEN_LENGTHS) */                                                     \
+    /* F(DFTFwd_CToC, 64fc, ORVGEN_LENGTHS) */                                                     \
+    /* F(DFTInv_CToC, 64fc, ORVGEN_LENGTHS) */                                                     \
+    /* F(DFTFwd_RToCCS, 32f, ORVGEN_LENGTHS) */                                                    \
+    /* F(DFTFwd_RToPack, 32f, ORVGEN_LENGTHS) */                                                   \
+    /* F(DFTFwd_RToPerm, 32f, ORVGEN_LENGTHS) */                                                   \
+    /* F(DFTFwd_RToCCS, 64f, ORVGEN_LENGTHS) */                                                    \
+    /* F(DFTFwd_RToPack, 64f, ORVGEN_LENGTHS) */                                                   \
+    /* F(DFTFwd_RToPerm, 64f, ORVGEN_LENGTHS) */                                                   \
+    /* F(DFTInv_CCSToR, 32f, ORVGEN_LENGTHS) */                                                    \
+    /* F(DFTInv_PackToR, 32f, ORVGEN_LENGTHS) */                                                   \
+    /* F(DFTInv_PermToR, 32f, ORVGEN_LENGTHS) */                                                   \
+    /* F(DFTInv_CCSToR, 64f, ORVGEN_LENGTHS) */                                                    \
+    /* F(DFTInv_PackToR, 64f, ORVGEN_LENGTHS) */                                                   \
+    /* F(DFTInv_PermToR, 64f, ORVGEN_LENGTHS) */                                                   \
+    /* F(Hartley, 32f, ORVGEN_LENGTHS) */                                                          \
     /* F(Hartley, 64f, ORVGEN_LENGTHS) */
 
 /* The Walsh-Hadamard families: F(NAME, T, LIST), LIST being the list of the orders that exist. */
-#define ORVGEN_ORDER_FAMILIES(F)     \
-    /* F(WHT, 32f, ORVGEN_ORDERS) */ \
+#define ORVGEN_ORDER_FAMILIES(F)                                                                   \
+    /* F(WHT, 32f, ORVGEN_ORDERS) */                                                               \
     /* F(WHT, 64f, ORVGEN_ORDERS) */
 
 /* The DCT-IV families: F(NAME, T). */
-#define ORVGEN_DCT4_FAMILIES(F) \
-    /* F(DCT4, 32f) */          \
+#define ORVGEN_DCT4_FAMILIES(F)                                                                    \
+    /* F(DCT4, 32f) */                                                                             \
     /* F(DCT4, 64f) */
+
+/* clang-format on */
 
 /* ---- Transforms of a fixed length, 2 to 64 ---------------------------------------------------
  *

@@ -5,11 +5,6 @@
 
 namespace {
 
-using orvgen::firstLength;
-using orvgen::firstOrder;
-using orvgen::lastLength;
-using orvgen::lastOrder;
-
 // The kernels of the numbers first to last. A family that lacks members answers for them as for a
 // number out of range.
 template <class Kernel, int first, int last>
@@ -46,7 +41,7 @@ struct Table {
 #define LENGTH_DISPATCHER(NAME, T, LIST)                                                      \
     OrvStatus orvg##NAME##_##T(const Orv##T* src, Orv##T* dst, int32_t len, int32_t flag) {   \
         using Kernel = OrvStatus(const Orv##T*, Orv##T*, int32_t);                            \
-        using Kernels = Table<Kernel, firstLength, lastLength>;                               \
+        using Kernels = Table<Kernel, orvgen::firstLength, orvgen::lastLength>;               \
         static constexpr Kernels table({LIST(ROW, NAME, T)});                                 \
         return table.call<(0 LIST(PLUS_ONE, NAME, T)) == Kernels::rows>(len, src, dst, flag); \
     }
@@ -56,7 +51,7 @@ ORVGEN_LENGTH_FAMILIES(LENGTH_DISPATCHER)
     OrvStatus orvg##NAME##_##T(const Orv##T* src, Orv##T* dst, int32_t order, int32_t flag,    \
                                uint8_t* buffer) {                                              \
         using Kernel = OrvStatus(const Orv##T*, Orv##T*, int32_t, uint8_t*);                   \
-        using Kernels = Table<Kernel, firstOrder, lastOrder>;                                  \
+        using Kernels = Table<Kernel, orvgen::firstOrder, orvgen::lastOrder>;                  \
         static constexpr Kernels table({LIST(ROW, NAME, T)});                                  \
         return table.call<(0 LIST(PLUS_ONE, NAME, T)) == Kernels::rows>(order, src, dst, flag, \
                                                                         buffer);               \

@@ -17,8 +17,7 @@ static void expect(int condition, const char* what) {
     expect(orvg##NAME##_##T(NULL, NULL, 65, orvScaleNone) == orvErrSize, #NAME "_" #T " 65");
 #define REFUSES_ORDERS(NAME, T, LIST)                                                             \
     expect(orvg##NAME##_##T(NULL, NULL, 0, orvScaleNone, NULL) == orvErrSize, #NAME "_" #T " 0"); \
-    expect(orvg##NAME##_##T(NULL, NULL, 14, orvScaleNone, NULL) == orvErrSize, #NAME "_" #T " 1"  \
-                                                                                            "4");
+    expect(orvg##NAME##_##T(NULL, NULL, 14, orvScaleNone, NULL) == orvErrSize, #NAME "_" #T " 14");
 #define REFUSES_NULL(NAME, T) \
     expect(orvg##NAME##_##T(NULL, NULL, NULL) == orvErrNullPtr, #NAME "_" #T);
 

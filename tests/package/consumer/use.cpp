@@ -18,8 +18,7 @@ void expect(bool condition, const char* what) {
 
 #define REFUSES_LENGTHS(NAME, T, LIST)                                                            \
     expect(orvg##NAME##_##T(nullptr, nullptr, 1, orvScaleNone) == orvErrSize, #NAME "_" #T " 1"); \
-    expect(orvg##NAME##_##T(nullptr, nullptr, 65, orvScaleNone) == orvErrSize, #NAME "_" #T " 6"  \
-                                                                                            "5");
+    expect(orvg##NAME##_##T(nullptr, nullptr, 65, orvScaleNone) == orvErrSize, #NAME "_" #T " 65");
 #define REFUSES_ORDERS(NAME, T, LIST)                                                   \
     expect(orvg##NAME##_##T(nullptr, nullptr, 0, orvScaleNone, nullptr) == orvErrSize,  \
            #NAME "_" #T " 0");                                                          \
