@@ -31,6 +31,10 @@ struct Kernel {
     std::string method;    // one line: how this length is computed ("4 T 4")
     ScaleRule scale = ScaleRule::ForwardByN;
     Alignment alignment = Alignment::Any;
+    bool halvesOnly = false;  // src and dst are touched by 8-byte halves only
+    // All of src is read before dst is written, so that any overlap is harmless; otherwise only src
+    // equal to dst is.
+    bool readsAllFirst = false;
     Graph flow;
 };
 
