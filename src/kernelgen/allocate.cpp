@@ -19,8 +19,8 @@ constexpr int kReloadDistance = 12;
 constexpr int kRecentWrite = 12;
 
 class Allocator {
-public:
-    Allocator(const Code &code, const std::vector<int> &order, const AllocationOptions &options)
+  public:
+    Allocator(const Code& code, const std::vector<int>& order, const AllocationOptions& options)
         : code_(code), order_(order), options_(options) {
         values_.resize(static_cast<std::size_t>(code.registers));
         owner_.fill(kNoRegister);
@@ -31,7 +31,7 @@ public:
 
     Allocation run() {
         for (position_ = 0; position_ < static_cast<int>(order_.size()); ++position_) {
-            const Instruction &i = instructionAt(position_);
+            const Instruction& i = instructionAt(position_);
             stage_ = i.stage;
             if (isLoad(i.op)) continue;
             if (isStore(i.op))
@@ -44,7 +44,7 @@ public:
         return std::move(result_);
     }
 
-private:
+  private:
     struct Value {
         int definition = -1;  // index of the instruction
         std::vector<int> uses;
@@ -54,11 +54,12 @@ private:
         int barrier = kNever;  // a src load is not possible from this position on
     };
 
-    const Instruction &instructionAt(int position) const {
-        return code_.instructions[static_cast<std::size_t>(order_[static_cast<std::size_t>(position)])];
+    const Instruction& instructionAt(int position) const {
+        return code_
+            .instructions[static_cast<std::size_t>(order_[static_cast<std::size_t>(position)])];
     }
-    Value &value(Register r) { return values_[static_cast<std::size_t>(r)]; }
-    const Instruction &definition(Register r) {
+    Value& value(Register r) { return values_[static_cast<std::size_t>(r)]; }
+    const Instruction& definition(Register r) {
         return code_.instructions[static_cast<std::size_t>(value(r).definition)];
     }
 
@@ -67,13 +68,13 @@ private:
             if (code_.instructions[i].dst != kNoRegister)
                 value(code_.instructions[i].dst).definition = static_cast<int>(i);
         for (int p = 0; p < static_cast<int>(order_.size()); ++p) {
-            const Instruction &i = instructionAt(p);
+            const Instruction& i = instructionAt(p);
             if (i.a != kNoRegister) value(i.a).uses.push_back(p);
             if (i.b != kNoRegister && i.b != i.a) value(i.b).uses.push_back(p);
         }
     }
 
-    static bool overlap(const Address &a, int aSize, const Address &b, int bSize) {
+    static bool overlap(const Address& a, int aSize, const Address& b, int bSize) {
         return a.offset < b.offset + bSize && b.offset < a.offset + aSize;
     }
 
@@ -81,17 +82,17 @@ private:
     void findBarriers() {
         std::vector<int> stores;
         for (int p = 0; p < static_cast<int>(order_.size()); ++p) {
-            const Instruction &i = instructionAt(p);
+            const Instruction& i = instructionAt(p);
             if (isStore(i.op) && i.address.base == Base::Dst) stores.push_back(p);
         }
         for (Register r = 0; r < code_.registers; ++r) {
-            Value &v = value(r);
+            Value& v = value(r);
             if (v.definition < 0) continue;
-            const Instruction &load = definition(r);
+            const Instruction& load = definition(r);
             if (!isLoad(load.op) || load.op == Opcode::Zero || load.address.base != Base::Src)
                 continue;
             for (const int p : stores) {
-                const Instruction &s = instructionAt(p);
+                const Instruction& s = instructionAt(p);
                 const int size = accessSize(load.op);
                 if (options_.storesEndAllOfSrc ||
                     overlap(load.address, size, s.address, accessSize(s.op)) ||
@@ -106,30 +107,31 @@ private:
     }
 
     int nextUse(Register r) {
-        Value &v = value(r);
+        Value& v = value(r);
         while (v.next < v.uses.size() && v.uses[v.next] < position_) ++v.next;
         return v.next < v.uses.size() ? v.uses[v.next] : kNever;
     }
     int useAfter(Register r) {
         const int now = nextUse(r);
         if (now != position_) return now;
-        const Value &v = value(r);
+        const Value& v = value(r);
         return v.next + 1 < v.uses.size() ? v.uses[v.next + 1] : kNever;
     }
     bool dies(Register r) { return useAfter(r) == kNever; }
 
     // The value can be had from memory without having been stored by us.
     bool isClean(Register r) {
-        const Instruction &d = definition(r);
+        const Instruction& d = definition(r);
         return isLoad(d.op) && d.op != Opcode::SpreadSS && d.op != Opcode::SpreadSD;
     }
     // The address from which an instruction can read the value, if it can.
-    bool memoryOperand(Register r, Address &address) {
-        Value &v = value(r);
-        const Instruction &d = definition(r);
+    bool memoryOperand(Register r, Address& address) {
+        Value& v = value(r);
+        const Instruction& d = definition(r);
         const bool scalar = d.op == Opcode::LoadSS || d.op == Opcode::LoadSD;
-        if (v.barrier >= position_ && ((scalar && (d.address.base != Base::Src || options_.foldSrc)) ||
-                                       d.op == Opcode::LoadAligned)) {
+        if (v.barrier >= position_ &&
+            ((scalar && (d.address.base != Base::Src || options_.foldSrc)) ||
+             d.op == Opcode::LoadAligned)) {
             address = d.address;
             return true;
         }
@@ -138,7 +140,7 @@ private:
         return true;
     }
 
-    MachineInstruction &emit(Opcode op) {
+    MachineInstruction& emit(Opcode op) {
         MachineInstruction m{};
         m.op = op;
         m.stage = stage_;
@@ -150,7 +152,7 @@ private:
     }
 
     int newSlot(int size) {
-        auto &free = freeSlots_[size];
+        auto& free = freeSlots_[size];
         if (!free.empty()) {
             const int slot = free.back();
             free.pop_back();
@@ -162,12 +164,12 @@ private:
 
     void evict(int reg) {
         const Register r = owner_[static_cast<std::size_t>(reg)];
-        Value &v = value(r);
+        Value& v = value(r);
         const bool reloadable = isClean(r) && nextUse(r) < v.barrier;
         if (v.slot < 0 && !reloadable) {
             const int size = resultSize(definition(r).op);
             v.slot = newSlot(size);
-            MachineInstruction &m = emit(size == 4   ? Opcode::StoreSS
+            MachineInstruction& m = emit(size == 4   ? Opcode::StoreSS
                                          : size == 8 ? Opcode::StoreSD
                                                      : Opcode::StoreAligned);
             m.src = reg;
@@ -185,7 +187,8 @@ private:
         for (int reg = 0; reg < kRegisters; ++reg) {
             const auto at = static_cast<std::size_t>(reg);
             if (owner_[at] != kNoRegister || locked_[at]) continue;
-            if (best < 0 || (leastRecent && lastWrite_[at] < lastWrite_[static_cast<std::size_t>(best)]))
+            if (best < 0 ||
+                (leastRecent && lastWrite_[at] < lastWrite_[static_cast<std::size_t>(best)]))
                 best = reg;
         }
         if (best < 0) {
@@ -193,11 +196,11 @@ private:
             for (int reg = 0; reg < kRegisters; ++reg) {
                 if (locked_[static_cast<std::size_t>(reg)]) continue;
                 const Register o = owner_[static_cast<std::size_t>(reg)];
-                const Value &v = value(o);
+                const Value& v = value(o);
                 const int use = nextUse(o);
                 const bool clean = v.slot >= 0 || (isClean(o) && use < v.barrier);
-                const double distance = static_cast<double>(use - position_ + 1) *
-                                        (clean ? kCleanPreference : 1.0);
+                const double distance =
+                    static_cast<double>(use - position_ + 1) * (clean ? kCleanPreference : 1.0);
                 if (distance > furthest) {
                     furthest = distance;
                     best = reg;
@@ -217,11 +220,11 @@ private:
 
     // Puts the value of r from memory into `reg`.
     void loadInto(Register r, int reg) {
-        const Value &v = value(r);
-        const Instruction &d = definition(r);
+        const Value& v = value(r);
+        const Instruction& d = definition(r);
         if (v.slot >= 0 && !(isClean(r) && v.barrier >= position_)) {
             const int size = resultSize(d.op);
-            MachineInstruction &m = emit(size == 4   ? Opcode::LoadSS
+            MachineInstruction& m = emit(size == 4   ? Opcode::LoadSS
                                          : size == 8 ? Opcode::LoadSD
                                                      : Opcode::LoadAligned);
             m.dst = reg;
@@ -235,7 +238,7 @@ private:
                 lock(reg);
                 scratch = take(kNoRegister);
             }
-            MachineInstruction &m = emit(d.op);
+            MachineInstruction& m = emit(d.op);
             m.dst = reg;
             m.scratch = scratch;
             m.hasAddress = d.hasAddress;
@@ -246,7 +249,7 @@ private:
     }
 
     int ensure(Register r) {
-        Value &v = value(r);
+        Value& v = value(r);
         if (v.reg < 0) {
             const int reg = take(r);
             loadInto(r, reg);
@@ -257,7 +260,7 @@ private:
     // Ends the life of an operand whose last use this was.
     void release(Register r) {
         if (r == kNoRegister || !dies(r)) return;
-        Value &v = value(r);
+        Value& v = value(r);
         if (v.reg >= 0) owner_[static_cast<std::size_t>(v.reg)] = kNoRegister;
         v.reg = -1;
         if (v.slot >= 0) {
@@ -270,16 +273,14 @@ private:
         return op != Opcode::Movlhps && op != Opcode::Movhlps;
     }
 
-    double costAsTied(Register r) {
-        return value(r).reg >= 0 ? (dies(r) ? 0.0 : 0.6) : 1.0;
-    }
+    double costAsTied(Register r) { return value(r).reg >= 0 ? (dies(r) ? 0.0 : 0.6) : 1.0; }
     double costAsOther(Register r, Opcode op) {
         if (value(r).reg >= 0) return 0.0;
         Address unused;
         return takesMemoryOperand(op) && memoryOperand(r, unused) ? 0.2 : 1.0;
     }
 
-    void twoOperand(const Instruction &i) {
+    void twoOperand(const Instruction& i) {
         Register x = i.a;
         Register y = i.b;
         if (y != kNoRegister && x != y && isCommutative(i.op) &&
@@ -307,7 +308,7 @@ private:
         } else if (target >= 0) {
             const int from = target;
             target = take(i.dst);
-            MachineInstruction &m = emit(Opcode::Move);
+            MachineInstruction& m = emit(Opcode::Move);
             m.dst = target;
             m.src = from;
             wrote(target);
@@ -316,7 +317,7 @@ private:
             loadInto(x, target);
         }
         if (y == x) other = target;
-        MachineInstruction &m = emit(i.op);
+        MachineInstruction& m = emit(i.op);
         m.dst = target;
         m.src = other;
         m.hasAddress = fromMemory;
@@ -332,7 +333,7 @@ private:
         return std::find(owner_.begin(), owner_.end(), kNoRegister) != owner_.end();
     }
 
-    void convert(const Instruction &i) {
+    void convert(const Instruction& i) {
         const Register x = i.a;
         const int from = value(x).reg;
         int target = -1;
@@ -352,7 +353,7 @@ private:
         const bool recent = static_cast<int>(result_.instructions.size()) -
                                 lastWrite_[static_cast<std::size_t>(target)] <
                             kRecentWrite;
-        MachineInstruction &m = emit(i.op);
+        MachineInstruction& m = emit(i.op);
         m.dst = target;
         m.src = fromMemory ? -1 : (value(x).reg >= 0 ? value(x).reg : target);
         m.hasAddress = fromMemory;
@@ -363,7 +364,7 @@ private:
         release(x);
     }
 
-    void store(const Instruction &i) {
+    void store(const Instruction& i) {
         if (i.a != kNoRegister) lock(ensure(i.a));
         if (const auto found = barriers_.find(position_); found != barriers_.end()) {
             for (const Register r : found->second) {
@@ -371,7 +372,7 @@ private:
                 if (value(r).reg < 0 && value(r).slot < 0) ensure(r);
             }
         }
-        MachineInstruction &m = emit(i.op);
+        MachineInstruction& m = emit(i.op);
         m.src = i.a == kNoRegister ? -1 : value(i.a).reg;
         m.hasAddress = true;
         m.address = i.address;
@@ -379,8 +380,8 @@ private:
         release(i.a);
     }
 
-    const Code &code_;
-    const std::vector<int> &order_;
+    const Code& code_;
+    const std::vector<int>& order_;
     AllocationOptions options_;
     std::vector<Value> values_;
     std::array<Register, kRegisters> owner_;
@@ -395,8 +396,8 @@ private:
 
 }  // namespace
 
-Allocation allocate(const Code &code, const std::vector<int> &order,
-                    const AllocationOptions &options) {
+Allocation allocate(const Code& code, const std::vector<int>& order,
+                    const AllocationOptions& options) {
     return Allocator(code, order, options).run();
 }
 

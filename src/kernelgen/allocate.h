@@ -24,7 +24,7 @@ struct Allocation {
     int spills = 0;              // stores to the frame
 };
 
-Allocation allocate(const Code &code, const std::vector<int> &order,
-                    const AllocationOptions &options);
+Allocation allocate(const Code& code, const std::vector<int>& order,
+                    const AllocationOptions& options);
 
 }  // namespace orvgen::kernelgen

@@ -16,8 +16,10 @@ bool isCommutative(Opcode op) {
         case Opcode::MulPS:
         case Opcode::AddPD:
         case Opcode::MulPD:
-        case Opcode::XorPS: return true;
-        default: return false;
+        case Opcode::XorPS:
+            return true;
+        default:
+            return false;
     }
 }
 
@@ -27,13 +29,16 @@ int resultSize(Opcode op) {
         case Opcode::AddSS:
         case Opcode::SubSS:
         case Opcode::MulSS:
-        case Opcode::Narrow: return 4;
+        case Opcode::Narrow:
+            return 4;
         case Opcode::LoadSD:
         case Opcode::AddSD:
         case Opcode::SubSD:
         case Opcode::MulSD:
-        case Opcode::Widen: return 8;
-        default: return 16;
+        case Opcode::Widen:
+            return 8;
+        default:
+            return 16;
     }
 }
 
@@ -46,7 +51,8 @@ int accessSize(Opcode op) {
         case Opcode::MulSS:
         case Opcode::Widen:
         case Opcode::StoreSS:
-        case Opcode::StoreZero4: return 4;
+        case Opcode::StoreZero4:
+            return 4;
         case Opcode::LoadSD:
         case Opcode::SpreadSD:
         case Opcode::LoadHalf:
@@ -58,9 +64,12 @@ int accessSize(Opcode op) {
         case Opcode::StoreSD:
         case Opcode::StoreLow:
         case Opcode::StoreHigh:
-        case Opcode::StoreZero8: return 8;
-        case Opcode::Zero: return 0;
-        default: return 16;
+        case Opcode::StoreZero8:
+            return 8;
+        case Opcode::Zero:
+            return 0;
+        default:
+            return 16;
     }
 }
 

@@ -17,7 +17,7 @@ enum class Base : std::uint8_t { Src, Dst, Pool, Scale, Frame, Buffer, Count };
 struct Address {
     Base base = Base::Src;
     int offset = 0;  // bytes
-    bool operator==(const Address &) const = default;
+    bool operator==(const Address&) const = default;
 };
 
 using Register = int;
@@ -26,37 +26,53 @@ inline constexpr Register kNoRegister = -1;
 enum class Opcode : std::uint8_t {
     // Values that come from outside. They emit nothing where they stand: the allocator loads them
     // when they are needed, or reads them as memory operands.
-    LoadSS,      // 4 bytes
-    LoadSD,      // 8 bytes of binary64
-    LoadHalf,    // 8 bytes into the low half, zeros above
-    LoadHalves,  // 8 bytes at `address` into the low half, 8 bytes at `high` into the high half
-    Load16,      // 16 bytes at a multiple of 16 from an aligned buffer; the twin's unaligned move
-    Load16At8,   // 16 bytes at 8 modulo 16: two aligned loads shifted and merged; the twin's
-                 // unaligned move
-    Load16Split, // 16 bytes; the twin moves two 8-byte halves
-    LoadAligned, // 16 bytes, aligned in every body (pool, buffer, frame)
-    SpreadSS,    // a binary32 scalar to four lanes, by two self-unpacks
-    SpreadSD,    // a binary64 scalar to two lanes, by a double-broadcast move
+    LoadSS,       // 4 bytes
+    LoadSD,       // 8 bytes of binary64
+    LoadHalf,     // 8 bytes into the low half, zeros above
+    LoadHalves,   // 8 bytes at `address` into the low half, 8 bytes at `high` into the high half
+    Load16,       // 16 bytes at a multiple of 16 from an aligned buffer; the twin's unaligned move
+    Load16At8,    // 16 bytes at 8 modulo 16: two aligned loads shifted and merged; the twin's
+                  // unaligned move
+    Load16Split,  // 16 bytes; the twin moves two 8-byte halves
+    LoadAligned,  // 16 bytes, aligned in every body (pool, buffer, frame)
+    SpreadSS,     // a binary32 scalar to four lanes, by two self-unpacks
+    SpreadSD,     // a binary64 scalar to two lanes, by a double-broadcast move
     Zero,
 
-    AddSS, SubSS, MulSS,
-    AddSD, SubSD, MulSD,
-    AddPS, SubPS, MulPS,
-    AddPD, SubPD, MulPD,
+    AddSS,
+    SubSS,
+    MulSS,
+    AddSD,
+    SubSD,
+    MulSD,
+    AddPS,
+    SubPS,
+    MulPS,
+    AddPD,
+    SubPD,
+    MulPD,
     XorPS,
     Widen,   // cvtss2sd
     Narrow,  // cvtsd2ss
-    Shufps, Unpcklps, Unpckhps, Movlhps, Movhlps,
-    Shufpd, Unpcklpd, Unpckhpd,
+    Shufps,
+    Unpcklps,
+    Unpckhps,
+    Movlhps,
+    Movhlps,
+    Shufpd,
+    Unpcklpd,
+    Unpckhpd,
 
-    StoreSS, StoreSD,
-    StoreLow,   // low 8 bytes
-    StoreHigh,  // high 8 bytes
-    Store16,        // as Load16
-    Store16At8,     // unaligned in both bodies
-    Store16Split,   // as Load16Split
+    StoreSS,
+    StoreSD,
+    StoreLow,      // low 8 bytes
+    StoreHigh,     // high 8 bytes
+    Store16,       // as Load16
+    Store16At8,    // unaligned in both bodies
+    Store16Split,  // as Load16Split
     StoreAligned,
-    StoreZero4, StoreZero8,  // +0.0 without a register
+    StoreZero4,
+    StoreZero8,  // +0.0 without a register
 
     Move,  // between registers; only the allocator makes it
 };
@@ -93,10 +109,10 @@ struct Code {
 struct MachineInstruction {
     Opcode op;
     int dst = -1;
-    int src = -1;       // second operand, or the value of a store
-    int scratch = -1;   // Load16At8 only
+    int src = -1;      // second operand, or the value of a store
+    int scratch = -1;  // Load16At8 only
     bool hasAddress = false;
-    Address address;    // Address{Frame, slot number} until the frame is laid out
+    Address address;  // Address{Frame, slot number} until the frame is laid out
     Address high;
     int immediate = 0;
     int stage = 0;

@@ -19,15 +19,16 @@ constexpr int kBias = 128;  // one-byte displacements reach from -128 to 127
 
 }  // namespace
 
-Block compileBlock(const Code &code, const AllocationOptions &options) {
+Block compileBlock(const Code& code, const AllocationOptions& options) {
     Block best;
     double bestCost = 0;
     bool any = false;
-    for (const std::vector<int> &order : candidateOrders(code)) {
+    for (const std::vector<int>& order : candidateOrders(code)) {
         Allocation allocation = allocate(code, order, options);
         const double cycles = modelCycles(allocation.instructions);
-        const double cost = cycles + kSpillWeight * allocation.spills +
-                            kInstructionWeight * static_cast<double>(allocation.instructions.size());
+        const double cost =
+            cycles + kSpillWeight * allocation.spills +
+            kInstructionWeight * static_cast<double>(allocation.instructions.size());
         if (any && cost >= bestCost) continue;
         any = true;
         bestCost = cost;
@@ -47,25 +48,24 @@ double storedScale(ScaleKind kind, int length, bool single) {
         const Constant c = ratio(1, length);
         return single ? static_cast<double>(c.asFloat()) : c.asDouble();
     }
-    if (single)
-        return static_cast<double>(Constant(1 / sqrt(Real(length)), "").asFloat());
+    if (single) return static_cast<double>(Constant(1 / sqrt(Real(length)), "").asFloat());
     // In binary64 the square root is rounded before the division is.
     return 1.0 / std::sqrt(static_cast<double>(length));
 }
 
-std::string functionHead(const std::string &name, bool exported) {
+std::string functionHead(const std::string& name, bool exported) {
     std::string text = "\t.p2align\t5\n";
     text += "\t.globl\t" + name + "\n";
     if (!exported) text += "\t.hidden\t" + name + "\n";
     return text + "\t.type\t" + name + ", @function\n" + name + ":\n\t.cfi_startproc\n";
 }
 
-std::string functionTail(const std::string &name) {
+std::string functionTail(const std::string& name) {
     return "\t.cfi_endproc\n\t.size\t" + name + ", . - " + name + "\n\n";
 }
 
-std::string printFlagGate(const GateScales &scales, ScaleRule rule, int poolBias,
-                          const std::string &bodyLabel) {
+std::string printFlagGate(const GateScales& scales, ScaleRule rule, int poolBias,
+                          const std::string& bodyLabel) {
     const int flag1 = rule == ScaleRule::InverseByN ? scales.none : scales.byN;
     const int flag2 = rule == ScaleRule::ForwardByN ? scales.none : scales.byN;
     std::string text;
@@ -89,14 +89,14 @@ std::string printFlagGate(const GateScales &scales, ScaleRule rule, int poolBias
 namespace {
 
 class KernelPrinter {
-public:
-    explicit KernelPrinter(const Kernel &kernel) : kernel_(kernel) {}
+  public:
+    explicit KernelPrinter(const Kernel& kernel) : kernel_(kernel) {}
 
     CompiledKernel run() {
-        const Graph &flow = kernel_.flow;
+        const Graph& flow = kernel_.flow;
         const Code code = lower(flow, {kernel_.halvesOnly});
-        const bool scalar = flow.arithmetic() == Arithmetic::Single ||
-                            flow.arithmetic() == Arithmetic::Double;
+        const bool scalar =
+            flow.arithmetic() == Arithmetic::Single || flow.arithmetic() == Arithmetic::Double;
         block_ = compileBlock(code, {scalar, kernel_.readsAllFirst});
         stages_ = code.stages;
         layOutScales(flow);
@@ -123,13 +123,13 @@ public:
         return result;
     }
 
-private:
+  private:
     // The scale stands at the head of the pool in the form that the body multiplies by: a scalar; a
     // binary32 scalar and the same value in binary64 where double expressions are scaled; a vector.
-    void layOutScales(const Graph &flow) {
-        single_ = flow.arithmetic() == Arithmetic::Single ||
-                  flow.arithmetic() == Arithmetic::SingleLanes;
-        for (const MachineInstruction &m : block_.instructions)
+    void layOutScales(const Graph& flow) {
+        single_ =
+            flow.arithmetic() == Arithmetic::Single || flow.arithmetic() == Arithmetic::SingleLanes;
+        for (const MachineInstruction& m : block_.instructions)
             if (m.hasAddress && m.address.base == Base::Scale && m.address.offset == 8)
                 scaleWidened_ = true;
         pair_ = flow.arithmetic() == Arithmetic::DoublePair;
@@ -140,7 +140,7 @@ private:
 
     void addressing() {
         int srcEnd = 0, dstEnd = 0;
-        for (const MachineInstruction &m : block_.instructions) {
+        for (const MachineInstruction& m : block_.instructions) {
             if (!m.hasAddress) continue;
             if (m.address.base == Base::Src) srcEnd = std::max(srcEnd, m.address.offset);
             if (m.op == Opcode::LoadHalves) srcEnd = std::max(srcEnd, m.high.offset);
@@ -163,21 +163,20 @@ private:
         text += "# Length " + std::to_string(kernel_.length) + ": " + kernel_.method + ".\n";
         text += "# " + counts.text + ".\n";
         text += "# " + std::to_string(f.instructions) + " instructions, frame " +
-                std::to_string(f.frameBytes) + " bytes, " + std::to_string(f.spills) +
-                " spills; " + bound + ".\n";
+                std::to_string(f.frameBytes) + " bytes, " + std::to_string(f.spills) + " spills; " +
+                bound + ".\n";
         return text;
     }
 
     struct LaneCountsText {
-        explicit LaneCountsText(const Graph &flow) {
+        explicit LaneCountsText(const Graph& flow) {
             if (flow.arithmetic() == Arithmetic::SingleLanes) {
                 const LaneCounts c = countLanes(flow);
                 text = std::to_string(c.distinctAdditions) + " additions and " +
                        std::to_string(c.distinctMultiplications) +
                        " multiplications on distinct values, " +
                        std::to_string(c.executedAdditions) + " and " +
-                       std::to_string(c.executedMultiplications) +
-                       " in all lanes, the scale apart";
+                       std::to_string(c.executedMultiplications) + " in all lanes, the scale apart";
             } else {
                 const Counts c = countOperations(flow);
                 text = std::to_string(c.additions) + " additions, " +
@@ -190,13 +189,14 @@ private:
         std::string text;
     };
 
-    std::string function(const std::string &name, bool exported,
-                         const std::vector<Variant> &variants) const {
+    std::string function(const std::string& name, bool exported,
+                         const std::vector<Variant>& variants) const {
         const std::string local = ".L" + name;
         std::string text = functionHead(name, exported);
         if (variants.front() == Variant::Aligned) {
             text += "\tmov\teax, edi\n\tor\teax, esi\n\ttest\tal, 15\n";
-            text += "\tjne\t" + (variants.size() > 1 ? local + "_unaligned" : twinName(name)) + "\n";
+            text +=
+                "\tjne\t" + (variants.size() > 1 ? local + "_unaligned" : twinName(name)) + "\n";
         }
         for (std::size_t v = 0; v < variants.size(); ++v) {
             const std::string suffix = v == 0 ? "" : "_2";
@@ -207,8 +207,8 @@ private:
         return text + functionTail(name);
     }
 
-    std::string body(const std::string &local, const std::string &suffix, Variant variant) const {
-        const Binding &pool = addressing_.at(Base::Pool);
+    std::string body(const std::string& local, const std::string& suffix, Variant variant) const {
+        const Binding& pool = addressing_.at(Base::Pool);
         std::string text;
         text += "\ttest\trdi, rdi\n\tje\t" + local + "_null\n";
         text += "\ttest\trsi, rsi\n\tje\t" + local + "_null\n";
@@ -228,11 +228,12 @@ private:
         if (addressing_.at(Base::Src).bias) text += "\tsub\trdi, -128\n";
         if (addressing_.at(Base::Dst).bias) text += "\tsub\trsi, -128\n";
         int stage = -1;
-        for (const MachineInstruction &m : block_.instructions) {
-            const bool named = m.stage != stage && !stages_[static_cast<std::size_t>(m.stage)].empty();
+        for (const MachineInstruction& m : block_.instructions) {
+            const bool named =
+                m.stage != stage && !stages_[static_cast<std::size_t>(m.stage)].empty();
             if (named) text += "\t# " + stages_[static_cast<std::size_t>(m.stage)] + "\n";
             stage = m.stage;
-            for (const std::string &l : printInstruction(m, addressing_, variant)) text += l + "\n";
+            for (const std::string& l : printInstruction(m, addressing_, variant)) text += l + "\n";
         }
         text += "\txor\teax, eax\n";
         if (frame)
@@ -241,9 +242,9 @@ private:
         return text + "\tret\n";
     }
 
-    std::string pool(const Code &code) const {
+    std::string pool(const Code& code) const {
         std::string text = "\t.section\t.rodata\n\t.p2align\t6\n.L" + kernel_.name + "_pool:\n";
-        const auto scale = [&](ScaleKind kind, const char *what) {
+        const auto scale = [&](ScaleKind kind, const char* what) {
             const double value = storedScale(kind, kernel_.length, single_);
             const Type type = single_ ? Type::F32 : pair_ ? Type::F64x2 : Type::F64;
             PoolEntry e{type, {value}, what};
@@ -266,14 +267,14 @@ private:
 
     KernelFigures figures() const {
         int instructions = 0;
-        for (const MachineInstruction &m : block_.instructions)
-            instructions += static_cast<int>(
-                printInstruction(m, addressing_, Variant::Aligned).size());
+        for (const MachineInstruction& m : block_.instructions)
+            instructions +=
+                static_cast<int>(printInstruction(m, addressing_, Variant::Aligned).size());
         return {instructions, block_.frameBytes, block_.spills, block_.modelCycles,
                 block_.portBound};
     }
 
-    const Kernel &kernel_;
+    const Kernel& kernel_;
     Block block_;
     PoolLayout pool_;
     GateScales scales_;
@@ -285,6 +286,6 @@ private:
 
 }  // namespace
 
-CompiledKernel compileKernel(const Kernel &kernel) { return KernelPrinter(kernel).run(); }
+CompiledKernel compileKernel(const Kernel& kernel) { return KernelPrinter(kernel).run(); }
 
 }  // namespace orvgen::kernelgen

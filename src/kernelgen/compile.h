@@ -16,7 +16,7 @@ struct Block {
     double modelCycles = 0;
     double portBound = 0;
 };
-Block compileBlock(const Code &code, const AllocationOptions &options);
+Block compileBlock(const Code& code, const AllocationOptions& options);
 
 struct KernelFigures {
     int instructions = 0;  // of the body, as assembled for aligned buffers
@@ -30,7 +30,7 @@ struct CompiledKernel {
     std::string assembly;  // a whole source file: functions, pool
     KernelFigures figures;
 };
-CompiledKernel compileKernel(const Kernel &kernel);
+CompiledKernel compileKernel(const Kernel& kernel);
 
 // The stored scale for a flag's kind, as part of every kernel's pool.
 enum class ScaleKind : std::uint8_t { None, BySqrtN, ByN };
@@ -41,11 +41,11 @@ double storedScale(ScaleKind kind, int length, bool single);
 struct GateScales {
     int none = 0, bySqrtN = 0, byN = 0;  // byte offsets in the pool
 };
-std::string printFlagGate(const GateScales &scales, ScaleRule rule, int poolBias,
-                          const std::string &bodyLabel);
+std::string printFlagGate(const GateScales& scales, ScaleRule rule, int poolBias,
+                          const std::string& bodyLabel);
 
 // Directives around a function: section, alignment, type, CFI start; and the end.
-std::string functionHead(const std::string &name, bool exported);
-std::string functionTail(const std::string &name);
+std::string functionHead(const std::string& name, bool exported);
+std::string functionTail(const std::string& name);
 
 }  // namespace orvgen::kernelgen

@@ -6,7 +6,7 @@ namespace orvgen::kernelgen {
 
 namespace {
 
-const Real &pi() {
+const Real& pi() {
     static const Real value = boost::math::constants::pi<Real>();
     return value;
 }
@@ -30,7 +30,7 @@ Real cosineOf(long num, long den) {
     return octant(den - 4 * num, 4 * den, true);  // cos(a) = sin(quarter - a)
 }
 
-std::string turnText(const char *function, long num, long den) {
+std::string turnText(const char* function, long num, long den) {
     const long common = std::gcd(num, den);
     return std::string(function) + "(2pi*" + std::to_string(num / common) + "/" +
            std::to_string(den / common) + ")";
@@ -54,27 +54,25 @@ Constant Constant::pinnedTo(double stored) const {
 
 Constant Constant::magnitude() const { return isNegative() ? -*this : *this; }
 
-Constant operator-(const Constant &a) {
+Constant operator-(const Constant& a) {
     Constant c(-a.value_, a.formula_.rfind("-", 0) == 0 ? a.formula_.substr(1) : "-" + a.formula_);
     if (a.stored_) c.stored_ = -*a.stored_;
     return c;
 }
 
-Constant operator*(const Constant &a, const Constant &b) {
+Constant operator*(const Constant& a, const Constant& b) {
     return {a.value_ * b.value_, a.formula_ + "*" + b.formula_};
 }
 
-Constant operator+(const Constant &a, const Constant &b) {
+Constant operator+(const Constant& a, const Constant& b) {
     return {a.value_ + b.value_, "(" + a.formula_ + " + " + b.formula_ + ")"};
 }
 
-Constant operator-(const Constant &a, const Constant &b) {
+Constant operator-(const Constant& a, const Constant& b) {
     return {a.value_ - b.value_, "(" + a.formula_ + " - " + b.formula_ + ")"};
 }
 
-Constant cosTurn(long num, long den) {
-    return {cosineOf(num, den), turnText("cos", num, den)};
-}
+Constant cosTurn(long num, long den) { return {cosineOf(num, den), turnText("cos", num, den)}; }
 
 Constant sinTurn(long num, long den) {
     // sin(a) = cos(a - quarter), as integers over 4 den
@@ -82,8 +80,8 @@ Constant sinTurn(long num, long den) {
 }
 
 Constant ratio(long num, long den) {
-    const std::string text = den == 1 ? std::to_string(num)
-                                      : std::to_string(num) + "/" + std::to_string(den);
+    const std::string text =
+        den == 1 ? std::to_string(num) : std::to_string(num) + "/" + std::to_string(den);
     return {Real(num) / den, text};
 }
 

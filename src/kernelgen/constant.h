@@ -15,13 +15,13 @@ using Real = boost::multiprecision::number<
     boost::multiprecision::et_off>;
 
 class Constant {
-public:
+  public:
     Constant() = default;
     Constant(Real value, std::string formula) : value_(value), formula_(std::move(formula)) {}
     Constant(int value) : value_(value), formula_(std::to_string(value)) {}
 
-    const Real &exact() const { return value_; }
-    const std::string &formula() const { return formula_; }
+    const Real& exact() const { return value_; }
+    const std::string& formula() const { return formula_; }
 
     // The value as a kernel holds it. A pinned constant is stored as given, not as rounded.
     float asFloat() const;
@@ -34,12 +34,12 @@ public:
     bool isNegative() const { return value_ < 0; }
     Constant magnitude() const;
 
-    friend Constant operator-(const Constant &a);
-    friend Constant operator*(const Constant &a, const Constant &b);
-    friend Constant operator+(const Constant &a, const Constant &b);
-    friend Constant operator-(const Constant &a, const Constant &b);
+    friend Constant operator-(const Constant& a);
+    friend Constant operator*(const Constant& a, const Constant& b);
+    friend Constant operator+(const Constant& a, const Constant& b);
+    friend Constant operator-(const Constant& a, const Constant& b);
 
-private:
+  private:
     Real value_ = 0;
     std::string formula_ = "0";
     std::optional<double> stored_;

@@ -23,12 +23,12 @@ constexpr int kStorePorts = 2;
 struct Work {
     unsigned ports = 0;  // vector ports that may do it; 0: none needed
     int latency = 0;
-    int units = 1;       // vector operations
+    int units = 1;  // vector operations
     int loads = 0;
     int stores = 0;
 };
 
-Work workOf(const MachineInstruction &m) {
+Work workOf(const MachineInstruction& m) {
     Work w;
     switch (m.op) {
         case Opcode::AddSS:
@@ -38,32 +38,52 @@ Work workOf(const MachineInstruction &m) {
         case Opcode::AddPS:
         case Opcode::SubPS:
         case Opcode::AddPD:
-        case Opcode::SubPD: w = {P1 | P5, 3}; break;
+        case Opcode::SubPD:
+            w = {P1 | P5, 3};
+            break;
         case Opcode::MulSS:
         case Opcode::MulSD:
         case Opcode::MulPS:
-        case Opcode::MulPD: w = {P0 | P1, 4}; break;
-        case Opcode::XorPS: w = {P0 | P1 | P5, 1}; break;
+        case Opcode::MulPD:
+            w = {P0 | P1, 4};
+            break;
+        case Opcode::XorPS:
+            w = {P0 | P1 | P5, 1};
+            break;
         case Opcode::Widen:
-        case Opcode::Narrow: w = {P5, 5}; break;
+        case Opcode::Narrow:
+            w = {P5, 5};
+            break;
         case Opcode::Shufps:
-        case Opcode::Shufpd: w = {P1 | P5, 1}; break;
+        case Opcode::Shufpd:
+            w = {P1 | P5, 1};
+            break;
         case Opcode::Unpcklps:
         case Opcode::Unpckhps:
         case Opcode::Unpcklpd:
         case Opcode::Unpckhpd:
         case Opcode::Movlhps:
-        case Opcode::Movhlps: w = {P5, 1}; break;
-        case Opcode::LoadHalves: w = {P5, 1, 1, 2}; break;
-        case Opcode::Load16At8: w = {P1 | P5, 2, 3, 2}; break;
-        case Opcode::SpreadSS: w = {P5, 2, 2, 1}; break;
+        case Opcode::Movhlps:
+            w = {P5, 1};
+            break;
+        case Opcode::LoadHalves:
+            w = {P5, 1, 1, 2};
+            break;
+        case Opcode::Load16At8:
+            w = {P1 | P5, 2, 3, 2};
+            break;
+        case Opcode::SpreadSS:
+            w = {P5, 2, 2, 1};
+            break;
         case Opcode::LoadSS:
         case Opcode::LoadSD:
         case Opcode::LoadHalf:
         case Opcode::Load16:
         case Opcode::Load16Split:
         case Opcode::LoadAligned:
-        case Opcode::SpreadSD: w = {0, 0, 0, 1}; break;
+        case Opcode::SpreadSD:
+            w = {0, 0, 0, 1};
+            break;
         case Opcode::StoreSS:
         case Opcode::StoreSD:
         case Opcode::StoreLow:
@@ -73,31 +93,35 @@ Work workOf(const MachineInstruction &m) {
         case Opcode::Store16Split:
         case Opcode::StoreAligned:
         case Opcode::StoreZero4:
-        case Opcode::StoreZero8: return {0, 0, 0, 0, 1};
+        case Opcode::StoreZero8:
+            return {0, 0, 0, 0, 1};
         case Opcode::Zero:
-        case Opcode::Move: w = {0, 0, 0, 0}; break;
+        case Opcode::Move:
+            w = {0, 0, 0, 0};
+            break;
     }
     if (m.hasAddress && w.loads == 0) w.loads = 1;
     return w;
 }
 
 class Core {
-public:
-    void run(const std::vector<MachineInstruction> &block) {
+  public:
+    void run(const std::vector<MachineInstruction>& block) {
         registers_.fill(0);
         slots_.clear();
         for (int i = 0; i < kGateInstructions; ++i) dispatch();
-        for (const MachineInstruction &m : block) step(m);
+        for (const MachineInstruction& m : block) step(m);
     }
     int finish() const { return finish_; }
 
-private:
+  private:
     int dispatch() {
         if (++inCycle_ > kWidth) {
             ++cycle_;
             inCycle_ = 1;
         }
-        while (!unissued_.empty() && *unissued_.begin() <= cycle_) unissued_.erase(unissued_.begin());
+        while (!unissued_.empty() && *unissued_.begin() <= cycle_)
+            unissued_.erase(unissued_.begin());
         while (unissued_.size() >= kScheduler) {
             cycle_ = *unissued_.begin();
             inCycle_ = 1;
@@ -110,9 +134,10 @@ private:
     // The first cycle from `from` on in which a unit out of `ports` is free; takes it.
     int takeVector(unsigned ports, int from) {
         for (int c = from;; ++c) {
-            unsigned &busy = entry(vector_, c);
+            unsigned& busy = entry(vector_, c);
             // The port with the fewest other uses first: P0 last for what may go elsewhere.
-            for (const unsigned p : {static_cast<unsigned>(P5), static_cast<unsigned>(P0), static_cast<unsigned>(P1)}) {
+            for (const unsigned p : {static_cast<unsigned>(P5), static_cast<unsigned>(P0),
+                                     static_cast<unsigned>(P1)}) {
                 if ((ports & p) && !(busy & p)) {
                     busy |= p;
                     return c;
@@ -121,12 +146,12 @@ private:
         }
     }
     template <class T>
-    static T &entry(std::vector<T> &units, int cycle) {
+    static T& entry(std::vector<T>& units, int cycle) {
         const auto c = static_cast<std::size_t>(cycle);
         if (units.size() <= c) units.resize(2 * c + 64);
         return units[c];
     }
-    static int takeCount(std::vector<int> &units, int limit, int from) {
+    static int takeCount(std::vector<int>& units, int limit, int from) {
         for (int c = std::max(from, 0);; ++c)
             if (entry(units, c) < limit) {
                 ++entry(units, c);
@@ -134,7 +159,7 @@ private:
             }
     }
 
-    void step(const MachineInstruction &m) {
+    void step(const MachineInstruction& m) {
         if (m.clearsFirst) dispatch();
         const int start = dispatch();
         const Work w = workOf(m);
@@ -176,7 +201,7 @@ private:
 
 }  // namespace
 
-double modelCycles(const std::vector<MachineInstruction> &block) {
+double modelCycles(const std::vector<MachineInstruction>& block) {
     Core core;
     core.run(block);
     const int first = core.finish();
@@ -184,9 +209,9 @@ double modelCycles(const std::vector<MachineInstruction> &block) {
     return core.finish() - first;
 }
 
-double portBound(const std::vector<MachineInstruction> &block) {
+double portBound(const std::vector<MachineInstruction>& block) {
     int addShuffle = 0, mul = 0, logic = 0, one = 0, loads = 0, stores = 0;
-    for (const MachineInstruction &m : block) {
+    for (const MachineInstruction& m : block) {
         const Work w = workOf(m);
         loads += w.loads;
         stores += w.stores;

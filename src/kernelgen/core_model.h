@@ -6,9 +6,9 @@
 
 namespace orvgen::kernelgen {
 
-double modelCycles(const std::vector<MachineInstruction> &block);
+double modelCycles(const std::vector<MachineInstruction>& block);
 
 // The least number of cycles that the ports allow for the block's own operations.
-double portBound(const std::vector<MachineInstruction> &block);
+double portBound(const std::vector<MachineInstruction>& block);
 
 }  // namespace orvgen::kernelgen

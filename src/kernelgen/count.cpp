@@ -7,11 +7,13 @@
 
 namespace orvgen::kernelgen {
 
-Counts countOperations(const Graph &graph) {
+Counts countOperations(const Graph& graph) {
     Counts c;
-    for (const Node &n : graph.nodes()) {
+    for (const Node& n : graph.nodes()) {
         switch (n.op) {
-            case Op::Add: ++c.additions; break;
+            case Op::Add:
+                ++c.additions;
+                break;
             case Op::Sub:
                 ++c.additions;
                 if (graph.node(n.a).op == Op::Zero) ++c.signSteps;
@@ -22,15 +24,24 @@ Counts countOperations(const Graph &graph) {
                 else
                     ++c.constantProducts;
                 break;
-            case Op::MulScale: ++c.scaleProducts; break;
+            case Op::MulScale:
+                ++c.scaleProducts;
+                break;
             case Op::Widen:
                 if (graph.node(n.a).op != Op::Scale) ++c.widenings;
                 break;
-            case Op::Narrow: ++c.narrowings; break;
-            case Op::Swap: ++c.swaps; break;
+            case Op::Narrow:
+                ++c.narrowings;
+                break;
+            case Op::Swap:
+                ++c.swaps;
+                break;
             case Op::FlipLow:
-            case Op::FlipHigh: ++c.flips; break;
-            default: break;
+            case Op::FlipHigh:
+                ++c.flips;
+                break;
+            default:
+                break;
         }
     }
     return c;
@@ -46,7 +57,7 @@ struct Symbol {
 
 // Numbers the values that lanes take, so that equal values have equal numbers.
 class Symbols {
-public:
+  public:
     static constexpr unsigned kReal = 1;
     static constexpr unsigned kImaginary = 2;
 
@@ -54,7 +65,7 @@ public:
         return {number({0, element, part, 0.0}, part == 0 ? kReal : kImaginary).first, 1};
     }
 
-    Symbol sum(const Symbol &a, const Symbol &b) {
+    Symbol sum(const Symbol& a, const Symbol& b) {
         if (a.id == 0) return b;
         if (b.id == 0) return a;
         Symbol first = a;
@@ -67,7 +78,7 @@ public:
         return {id, first.sign};
     }
 
-    Symbol product(const Symbol &a, double c) {
+    Symbol product(const Symbol& a, double c) {
         if (a.id == 0 || c == 0) return {};
         const int sign = c < 0 ? -a.sign : a.sign;
         if (c == 1 || c == -1) return {a.id, sign};
@@ -83,11 +94,12 @@ public:
     int multiplications = 0;
     int mixed = 0;
 
-private:
+  private:
     using Key = std::tuple<int, int, int, double>;
 
-    std::pair<int, bool> number(const Key &key, unsigned parts) {
-        const auto [place, isNew] = numbers_.try_emplace(key, static_cast<int>(numbers_.size()) + 1);
+    std::pair<int, bool> number(const Key& key, unsigned parts) {
+        const auto [place, isNew] =
+            numbers_.try_emplace(key, static_cast<int>(numbers_.size()) + 1);
         if (isNew) parts_.push_back(parts);
         return {place->second, isNew};
     }
@@ -99,25 +111,25 @@ private:
 
 }  // namespace
 
-LaneCounts countLanes(const Graph &graph) {
+LaneCounts countLanes(const Graph& graph) {
     if (graph.arithmetic() != Arithmetic::SingleLanes)
         throw std::logic_error("lanes are counted in four-lane graphs");
     LaneCounts c;
     Symbols symbols;
     std::vector<std::array<Symbol, 4>> values(graph.nodes().size());
-    const auto valueOf = [&](NodeId id) -> const std::array<Symbol, 4> & {
+    const auto valueOf = [&](NodeId id) -> const std::array<Symbol, 4>& {
         return values[static_cast<std::size_t>(id)];
     };
     for (std::size_t i = 0; i < values.size(); ++i) {
-        const Node &n = graph.nodes()[i];
+        const Node& n = graph.nodes()[i];
         for (std::size_t l = 0; l < 4; ++l) {
-            Symbol &v = values[i][l];
+            Symbol& v = values[i][l];
             switch (n.op) {
                 case Op::Input:
                     if (l < 2) v = symbols.input(n.index, static_cast<int>(l));
                     break;
                 case Op::Pack: {
-                    const Lane &lane = graph.lanes(n)[l];
+                    const Lane& lane = graph.lanes(n)[l];
                     v = valueOf(lane.node)[static_cast<std::size_t>(lane.lane)];
                     break;
                 }
@@ -131,12 +143,13 @@ LaneCounts countLanes(const Graph &graph) {
                     break;
                 }
                 case Op::Mul:
-                    v = symbols.product(
-                        valueOf(n.a)[l], static_cast<double>(graph.constant(n).lane(l).asFloat()));
+                    v = symbols.product(valueOf(n.a)[l],
+                                        static_cast<double>(graph.constant(n).lane(l).asFloat()));
                     ++c.executedMultiplications;
                     if (v.id != 0) ++c.liveMultiplications;
                     break;
-                default: break;
+                default:
+                    break;
             }
         }
     }

@@ -20,7 +20,7 @@ struct Counts {
     int conversions() const { return widenings + narrowings; }
     int multiplications() const { return constantProducts + doublings + scaleProducts; }
 };
-Counts countOperations(const Graph &graph);
+Counts countOperations(const Graph& graph);
 
 // Four-lane graphs. Each operation is looked at lane by lane; scale products are left out.
 struct LaneCounts {
@@ -37,6 +37,6 @@ struct LaneCounts {
     int executedAdditions = 0;
     int executedMultiplications = 0;
 };
-LaneCounts countLanes(const Graph &graph);
+LaneCounts countLanes(const Graph& graph);
 
 }  // namespace orvgen::kernelgen

@@ -20,14 +20,14 @@ struct Binding {
 using Addressing = std::map<Base, Binding>;
 
 // The name of a twin: owng for orvg in front, _unaligned behind.
-std::string twinName(const std::string &kernel);
+std::string twinName(const std::string& kernel);
 
 // Gives the sixteen registers new numbers so that those used most have the short encodings.
-void renumberRegisters(std::vector<MachineInstruction> &block);
+void renumberRegisters(std::vector<MachineInstruction>& block);
 
 // Places the spill slots, most used ones first; rewrites the addresses to byte offsets. Returns the
 // size in bytes, a multiple of 16.
-int layOutFrame(Allocation &allocation);
+int layOutFrame(Allocation& allocation);
 
 // Byte offsets of the pool's entries, most used ones first; rewrites the addresses.
 struct PoolLayout {
@@ -35,14 +35,14 @@ struct PoolLayout {
     std::vector<std::size_t> order;
     int size = 0;
 };
-PoolLayout layOutPool(const std::vector<PoolEntry> &pool, std::vector<MachineInstruction> &block,
+PoolLayout layOutPool(const std::vector<PoolEntry>& pool, std::vector<MachineInstruction>& block,
                       int firstOffset);
 
 // The lines of one instruction (a pseudo instruction has several).
-std::vector<std::string> printInstruction(const MachineInstruction &m, const Addressing &addressing,
+std::vector<std::string> printInstruction(const MachineInstruction& m, const Addressing& addressing,
                                           Variant variant);
 
 // The directive and comment of one pool entry.
-std::string printPoolEntry(const PoolEntry &entry);
+std::string printPoolEntry(const PoolEntry& entry);
 
 }  // namespace orvgen::kernelgen

@@ -12,10 +12,13 @@ std::size_t at(NodeId id) { return static_cast<std::size_t>(id); }
 int lanesOf(Type type) {
     switch (type) {
         case Type::F32:
-        case Type::F64: return 1;
+        case Type::F64:
+            return 1;
         case Type::F32Pair:
-        case Type::F64x2: return 2;
-        case Type::F32x4: return 4;
+        case Type::F64x2:
+            return 2;
+        case Type::F32x4:
+            return 4;
     }
     throw std::logic_error("unknown type");
 }
@@ -25,8 +28,8 @@ int lanesOf(Type type) {
 struct NativeArithmetic {
     using Number = double;
 
-    const void *src;
-    void *dst;
+    const void* src;
+    void* dst;
     double scale;
 
     static bool isSingle(Type t) { return t != Type::F64 && t != Type::F64x2; }
@@ -43,11 +46,11 @@ struct NativeArithmetic {
                            : a * b;
     }
     static double narrow(double a) { return static_cast<double>(static_cast<float>(a)); }
-    static double constant(Type t, const Constant &c) {
+    static double constant(Type t, const Constant& c) {
         return isSingle(t) ? static_cast<double>(c.asFloat()) : c.asDouble();
     }
     double load(Type t, std::size_t scalar) const {
-        const auto *bytes = static_cast<const unsigned char *>(src);
+        const auto* bytes = static_cast<const unsigned char*>(src);
         if (isSingle(t)) {
             float v;
             std::memcpy(&v, bytes + 4 * scalar, 4);
@@ -58,7 +61,7 @@ struct NativeArithmetic {
         return v;
     }
     void store(Type t, std::size_t scalar, double value) const {
-        auto *bytes = static_cast<unsigned char *>(dst);
+        auto* bytes = static_cast<unsigned char*>(dst);
         if (isSingle(t)) {
             const auto v = static_cast<float>(value);
             std::memcpy(bytes + 4 * scalar, &v, 4);
@@ -71,45 +74,47 @@ struct NativeArithmetic {
 struct ExactArithmetic {
     using Number = Real;
 
-    const std::vector<Real> &inputs;
-    std::vector<Real> &outputs;
+    const std::vector<Real>& inputs;
+    std::vector<Real>& outputs;
     Real scale = 1;
 
-    static Real add(Type, const Real &a, const Real &b) { return a + b; }
-    static Real sub(Type, const Real &a, const Real &b) { return a - b; }
-    static Real mul(Type, const Real &a, const Real &b) { return a * b; }
-    static Real narrow(const Real &a) { return a; }
-    static Real constant(Type, const Constant &c) { return c.exact(); }
+    static Real add(Type, const Real& a, const Real& b) { return a + b; }
+    static Real sub(Type, const Real& a, const Real& b) { return a - b; }
+    static Real mul(Type, const Real& a, const Real& b) { return a * b; }
+    static Real narrow(const Real& a) { return a; }
+    static Real constant(Type, const Constant& c) { return c.exact(); }
     Real load(Type, std::size_t scalar) const { return inputs.at(scalar); }
-    void store(Type, std::size_t scalar, const Real &value) const {
+    void store(Type, std::size_t scalar, const Real& value) const {
         if (outputs.size() <= scalar) outputs.resize(scalar + 1);
         outputs[scalar] = value;
     }
 };
 
 template <class Arithmetic>
-void run(const Graph &graph, Arithmetic &&arithmetic) {
+void run(const Graph& graph, Arithmetic&& arithmetic) {
     using Number = typename std::remove_reference_t<Arithmetic>::Number;
     std::vector<std::array<Number, 4>> values(graph.nodes().size());
-    const auto lane = [&](const Lane &l) -> const Number & {
+    const auto lane = [&](const Lane& l) -> const Number& {
         return values[at(l.node)][static_cast<std::size_t>(l.lane)];
     };
     for (std::size_t i = 0; i < values.size(); ++i) {
-        const Node &n = graph.nodes()[i];
+        const Node& n = graph.nodes()[i];
         const auto count = static_cast<std::size_t>(lanesOf(n.type));
-        auto &v = values[i];
-        const auto each = [&](auto &&f) {
+        auto& v = values[i];
+        const auto each = [&](auto&& f) {
             for (std::size_t l = 0; l < count; ++l) v[l] = f(l);
         };
-        const auto a = [&](std::size_t l) -> const Number & { return values[at(n.a)][l]; };
-        const auto b = [&](std::size_t l) -> const Number & { return values[at(n.b)][l]; };
+        const auto a = [&](std::size_t l) -> const Number& { return values[at(n.a)][l]; };
+        const auto b = [&](std::size_t l) -> const Number& { return values[at(n.b)][l]; };
         switch (n.op) {
             case Op::Input:
                 each([&](std::size_t l) {
                     return arithmetic.load(n.type, at(n.index) * count + l);
                 });
                 break;
-            case Op::Zero: each([](std::size_t) { return Number(0); }); break;
+            case Op::Zero:
+                each([](std::size_t) { return Number(0); });
+                break;
             case Op::Pack:
                 each([&](std::size_t l) { return lane(graph.lanes(n)[l]); });
                 break;
@@ -125,12 +130,18 @@ void run(const Graph &graph, Arithmetic &&arithmetic) {
                     return arithmetic.mul(n.type, a(l), c);
                 });
                 break;
-            case Op::Scale: each([&](std::size_t) { return arithmetic.scale; }); break;
+            case Op::Scale:
+                each([&](std::size_t) { return arithmetic.scale; });
+                break;
             case Op::MulScale:
                 each([&](std::size_t l) { return arithmetic.mul(n.type, a(l), b(l)); });
                 break;
-            case Op::Widen: v[0] = a(0); break;
-            case Op::Narrow: v[0] = arithmetic.narrow(a(0)); break;
+            case Op::Widen:
+                v[0] = a(0);
+                break;
+            case Op::Narrow:
+                v[0] = arithmetic.narrow(a(0));
+                break;
             case Op::Swap:
                 v[0] = a(1);
                 v[1] = a(0);
@@ -145,7 +156,7 @@ void run(const Graph &graph, Arithmetic &&arithmetic) {
                 break;
             case Op::Output:
                 if (n.type == Type::F32Pair) {
-                    const auto &out = graph.pairOutput(n);
+                    const auto& out = graph.pairOutput(n);
                     const std::size_t first = 2 * at(out.element);
                     arithmetic.store(Type::F32, first,
                                      arithmetic.mul(Type::F32, lane(out.re), arithmetic.scale));
@@ -162,11 +173,11 @@ void run(const Graph &graph, Arithmetic &&arithmetic) {
 
 }  // namespace
 
-void evaluate(const Graph &graph, const void *src, void *dst, double scale) {
+void evaluate(const Graph& graph, const void* src, void* dst, double scale) {
     run(graph, NativeArithmetic{src, dst, scale});
 }
 
-std::vector<Real> evaluateExactly(const Graph &graph, const std::vector<Real> &inputs) {
+std::vector<Real> evaluateExactly(const Graph& graph, const std::vector<Real>& inputs) {
     std::vector<Real> outputs;
     run(graph, ExactArithmetic{inputs, outputs});
     return outputs;

@@ -7,10 +7,14 @@ namespace orvgen::kernelgen {
 
 Type Graph::elementType() const {
     switch (arithmetic_) {
-        case Arithmetic::Single: return Type::F32;
-        case Arithmetic::Double: return Type::F64;
-        case Arithmetic::SingleLanes: return Type::F32Pair;
-        case Arithmetic::DoublePair: return Type::F64x2;
+        case Arithmetic::Single:
+            return Type::F32;
+        case Arithmetic::Double:
+            return Type::F64;
+        case Arithmetic::SingleLanes:
+            return Type::F32Pair;
+        case Arithmetic::DoublePair:
+            return Type::F64x2;
     }
     throw std::logic_error("unknown arithmetic");
 }
@@ -36,8 +40,8 @@ NodeId Graph::input(int element) { return intern(Op::Input, elementType(), kNone
 
 NodeId Graph::zero(Type type) { return intern(Op::Zero, type, kNone, kNone, 0); }
 
-NodeId Graph::pack(const std::array<Lane, 4> &lanes) {
-    const Node &first = node(lanes[0].node);
+NodeId Graph::pack(const std::array<Lane, 4>& lanes) {
+    const Node& first = node(lanes[0].node);
     const bool same = lanes[0].lane == 0 && lanes[1] == Lane{lanes[0].node, 1} &&
                       lanes[2] == Lane{lanes[0].node, 2} && lanes[3] == Lane{lanes[0].node, 3};
     if (same && first.type == Type::F32x4) return lanes[0].node;
@@ -61,14 +65,14 @@ NodeId Graph::findSub(NodeId a, NodeId b) const {
     return found == interned_.end() ? kNone : found->second;
 }
 
-NodeId Graph::mul(NodeId a, const std::vector<Constant> &lanes) {
+NodeId Graph::mul(NodeId a, const std::vector<Constant>& lanes) {
     const Type type = node(a).type;
     const bool isDoubling = lanes.size() == 1 && lanes[0].exact() == 2;
     if (type == Type::F32 && arithmetic_ == Arithmetic::Single && !isDoubling)
         throw std::logic_error("a product by a transform constant runs in binary64");
     const bool single = type == Type::F32x4 || type == Type::F32;
     std::vector<double> stored;
-    for (const Constant &c : lanes)
+    for (const Constant& c : lanes)
         stored.push_back(single ? static_cast<double>(c.asFloat()) : c.asDouble());
     bool uniform = true;
     for (const double v : stored) uniform = uniform && v == stored[0];
@@ -121,7 +125,7 @@ void Graph::output(int element, Lane re, Lane im) {
     intern(Op::Output, Type::F32Pair, kNone, kNone, index);
 }
 
-void Graph::stage(const std::string &name) { stages_.push_back(name); }
+void Graph::stage(const std::string& name) { stages_.push_back(name); }
 
 std::vector<NodeId> Graph::deadNodes() const {
     std::vector<bool> live(nodes_.size(), false);
@@ -129,7 +133,7 @@ std::vector<NodeId> Graph::deadNodes() const {
         if (id != kNone) live[static_cast<std::size_t>(id)] = true;
     };
     for (std::size_t i = nodes_.size(); i-- > 0;) {
-        const Node &n = nodes_[i];
+        const Node& n = nodes_[i];
         if (n.op == Op::Output) {
             live[i] = true;
             if (n.type == Type::F32Pair) {
@@ -141,7 +145,7 @@ std::vector<NodeId> Graph::deadNodes() const {
         mark(n.a);
         mark(n.b);
         if (n.op == Op::Pack)
-            for (const Lane &lane : lanes(n)) mark(lane.node);
+            for (const Lane& lane : lanes(n)) mark(lane.node);
     }
     std::vector<NodeId> dead;
     for (std::size_t i = 0; i < nodes_.size(); ++i)

@@ -25,20 +25,20 @@ enum class Type : std::uint8_t {
 };
 
 enum class Op : std::uint8_t {
-    Input,   // element `index` of src
-    Zero,    // +0.0 in every lane
-    Pack,    // F32x4 out of four lanes of other values (`index` into the lane table)
-    Add,     // a + b
-    Sub,     // a - b
-    Mul,     // a * constant `index`
-    Scale,   // the factor that the caller's flag selects
+    Input,     // element `index` of src
+    Zero,      // +0.0 in every lane
+    Pack,      // F32x4 out of four lanes of other values (`index` into the lane table)
+    Add,       // a + b
+    Sub,       // a - b
+    Mul,       // a * constant `index`
+    Scale,     // the factor that the caller's flag selects
     MulScale,  // a * b, where b is the scale (or the widened scale)
-    Widen,   // binary32 to binary64
-    Narrow,  // binary64 to binary32, the one rounding of a double expression
-    Swap,    // F64x2: exchange of the lanes
+    Widen,     // binary32 to binary64
+    Narrow,    // binary64 to binary32, the one rounding of a double expression
+    Swap,      // F64x2: exchange of the lanes
     FlipLow,   // F64x2: sign of the low lane inverted
     FlipHigh,  // F64x2: sign of the high lane inverted
-    Output,  // element `index` of dst: a, or the two lanes of the lane table (F32Pair)
+    Output,    // element `index` of dst: a, or the two lanes of the lane table (F32Pair)
 };
 
 using NodeId = std::int32_t;
@@ -48,14 +48,14 @@ inline constexpr NodeId kNone = -1;
 struct Lane {
     NodeId node = kNone;
     int lane = 0;
-    auto operator<=>(const Lane &) const = default;
+    auto operator<=>(const Lane&) const = default;
 };
 
 // Four lanes of constants, or one constant in all lanes, as stored in a kernel's pool.
 struct StoredConstant {
     Type type = Type::F32;
     std::vector<Constant> lanes;  // 1 or 4 entries
-    const Constant &lane(std::size_t i) const { return lanes.size() == 1 ? lanes[0] : lanes[i]; }
+    const Constant& lane(std::size_t i) const { return lanes.size() == 1 ? lanes[0] : lanes[i]; }
 };
 
 struct Node {
@@ -63,8 +63,8 @@ struct Node {
     Type type;
     NodeId a = kNone;
     NodeId b = kNone;
-    int index = 0;   // element, constant or lane-table index, by op
-    int stage = 0;   // index into Graph::stages, for comments only
+    int index = 0;  // element, constant or lane-table index, by op
+    int stage = 0;  // index into Graph::stages, for comments only
 };
 
 // What the arithmetic of a flow is. It decides what an addition and a product by a constant mean;
@@ -77,7 +77,7 @@ enum class Arithmetic : std::uint8_t {
 };
 
 class Graph {
-public:
+  public:
     explicit Graph(Arithmetic arithmetic) : arithmetic_(arithmetic) { stage(""); }
 
     Arithmetic arithmetic() const { return arithmetic_; }
@@ -86,11 +86,11 @@ public:
 
     NodeId input(int element);
     NodeId zero(Type type);
-    NodeId pack(const std::array<Lane, 4> &lanes);
+    NodeId pack(const std::array<Lane, 4>& lanes);
     NodeId add(NodeId a, NodeId b);
     NodeId sub(NodeId a, NodeId b);
-    NodeId mul(NodeId a, const std::vector<Constant> &lanes);  // 1 or 4 constants
-    NodeId mulScale(NodeId a);  // by the scale in the type of `a`
+    NodeId mul(NodeId a, const std::vector<Constant>& lanes);  // 1 or 4 constants
+    NodeId mulScale(NodeId a);                                 // by the scale in the type of `a`
     NodeId widen(NodeId a);
     NodeId narrow(NodeId a);
     NodeId swap(NodeId a);
@@ -102,14 +102,14 @@ public:
     NodeId findSub(NodeId a, NodeId b) const;
 
     // Names the part of the algorithm that follows, for the comments of the emitted kernel.
-    void stage(const std::string &name);
+    void stage(const std::string& name);
 
-    const std::vector<Node> &nodes() const { return nodes_; }
-    const Node &node(NodeId id) const { return nodes_[static_cast<std::size_t>(id)]; }
-    const std::array<Lane, 4> &lanes(const Node &n) const {
+    const std::vector<Node>& nodes() const { return nodes_; }
+    const Node& node(NodeId id) const { return nodes_[static_cast<std::size_t>(id)]; }
+    const std::array<Lane, 4>& lanes(const Node& n) const {
         return lanes_[static_cast<std::size_t>(n.index)];
     }
-    const StoredConstant &constant(const Node &n) const {
+    const StoredConstant& constant(const Node& n) const {
         return constants_[static_cast<std::size_t>(n.index)];
     }
     // For an Output of two lanes: the element it is stored to, and its lanes.
@@ -117,15 +117,15 @@ public:
         int element;
         Lane re, im;
     };
-    const PairOutput &pairOutput(const Node &n) const {
+    const PairOutput& pairOutput(const Node& n) const {
         return pairOutputs_[static_cast<std::size_t>(n.index)];
     }
-    const std::vector<std::string> &stages() const { return stages_; }
+    const std::vector<std::string>& stages() const { return stages_; }
 
     // Values that no output depends on (there are none in a finished flow).
     std::vector<NodeId> deadNodes() const;
 
-private:
+  private:
     NodeId intern(Op op, Type type, NodeId a, NodeId b, int index);
 
     Arithmetic arithmetic_;

@@ -20,15 +20,15 @@ enum class ScaleRule : std::uint8_t {
 
 // How the kernel treats buffers that are not on a 16-byte boundary.
 enum class Alignment : std::uint8_t {
-    Any,       // no test, one body
-    Twin,      // test, and a second function for the alignment-free body
-    TwoBodies, // test, and both bodies in one function
+    Any,        // no test, one body
+    Twin,       // test, and a second function for the alignment-free body
+    TwoBodies,  // test, and both bodies in one function
 };
 
 struct Kernel {
-    std::string name;      // orvgDFTFwd_CToC_16_32fc
-    int length = 0;        // N, which the scale is made of
-    std::string method;    // one line: how this length is computed ("4 T 4")
+    std::string name;    // orvgDFTFwd_CToC_16_32fc
+    int length = 0;      // N, which the scale is made of
+    std::string method;  // one line: how this length is computed ("4 T 4")
     ScaleRule scale = ScaleRule::ForwardByN;
     Alignment alignment = Alignment::Any;
     bool halvesOnly = false;  // src and dst are touched by 8-byte halves only
@@ -46,7 +46,7 @@ struct Family {
 };
 
 // The member's name: orvgDFTFwd_CToC_32fc with 16 is orvgDFTFwd_CToC_16_32fc.
-inline std::string memberName(const std::string &family, int length) {
+inline std::string memberName(const std::string& family, int length) {
     const std::size_t at = family.rfind('_');
     return family.substr(0, at) + "_" + std::to_string(length) + family.substr(at);
 }

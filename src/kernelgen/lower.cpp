@@ -8,13 +8,13 @@ namespace orvgen::kernelgen {
 namespace {
 
 // Equal in every bit: a sign mask is made of zeros that differ in sign.
-bool sameBits(const std::vector<double> &a, const std::vector<double> &b) {
+bool sameBits(const std::vector<double>& a, const std::vector<double>& b) {
     return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(double)) == 0;
 }
 
 }  // namespace
 
-Address PoolBuilder::entry(const PoolEntry &entry) {
+Address PoolBuilder::entry(const PoolEntry& entry) {
     for (std::size_t i = 0; i < code_.pool.size(); ++i)
         if (code_.pool[i].type == entry.type && sameBits(code_.pool[i].lanes, entry.lanes))
             return {Base::Pool, static_cast<int>(i)};
@@ -22,14 +22,14 @@ Address PoolBuilder::entry(const PoolEntry &entry) {
     return {Base::Pool, static_cast<int>(code_.pool.size()) - 1};
 }
 
-Address PoolBuilder::entry(const StoredConstant &constant) {
+Address PoolBuilder::entry(const StoredConstant& constant) {
     const bool single = constant.type == Type::F32 || constant.type == Type::F32x4;
     const std::size_t lanes = constant.type == Type::F32x4   ? 4
                               : constant.type == Type::F64x2 ? 2
                                                              : 1;
     PoolEntry e{constant.type, {}, {}};
     for (std::size_t l = 0; l < lanes; ++l) {
-        const Constant &c = constant.lane(l);
+        const Constant& c = constant.lane(l);
         e.lanes.push_back(single ? static_cast<double>(c.asFloat()) : c.asDouble());
         if (l == 0 || constant.lanes.size() > 1) e.text += (l == 0 ? "" : ", ") + c.formula();
     }
@@ -42,39 +42,50 @@ namespace {
 Opcode arithmetic(Op op, Type type) {
     const auto pick = [type](Opcode ss, Opcode sd, Opcode pd) {
         switch (type) {
-            case Type::F32: return ss;
-            case Type::F64: return sd;
-            case Type::F64x2: return pd;
-            default: throw std::logic_error("no instruction for this type here");
+            case Type::F32:
+                return ss;
+            case Type::F64:
+                return sd;
+            case Type::F64x2:
+                return pd;
+            default:
+                throw std::logic_error("no instruction for this type here");
         }
     };
     switch (op) {
-        case Op::Add: return pick(Opcode::AddSS, Opcode::AddSD, Opcode::AddPD);
-        case Op::Sub: return pick(Opcode::SubSS, Opcode::SubSD, Opcode::SubPD);
+        case Op::Add:
+            return pick(Opcode::AddSS, Opcode::AddSD, Opcode::AddPD);
+        case Op::Sub:
+            return pick(Opcode::SubSS, Opcode::SubSD, Opcode::SubPD);
         case Op::Mul:
-        case Op::MulScale: return pick(Opcode::MulSS, Opcode::MulSD, Opcode::MulPD);
-        default: throw std::logic_error("not an arithmetic operation");
+        case Op::MulScale:
+            return pick(Opcode::MulSS, Opcode::MulSD, Opcode::MulPD);
+        default:
+            throw std::logic_error("not an arithmetic operation");
     }
 }
 
 int sizeOf(Type type) {
     switch (type) {
-        case Type::F32: return 4;
-        case Type::F64: return 8;
-        default: return 16;
+        case Type::F32:
+            return 4;
+        case Type::F64:
+            return 8;
+        default:
+            return 16;
     }
 }
 
 }  // namespace
 
-Code lowerNodes(const Graph &graph) {
+Code lowerNodes(const Graph& graph) {
     Code code;
     PoolBuilder pool(code);
     code.stages = graph.stages();
     std::vector<Register> reg(graph.nodes().size(), kNoRegister);
     const auto of = [&](NodeId id) { return reg[static_cast<std::size_t>(id)]; };
     for (std::size_t i = 0; i < graph.nodes().size(); ++i) {
-        const Node &n = graph.nodes()[i];
+        const Node& n = graph.nodes()[i];
         Instruction instruction{};
         instruction.stage = n.stage;
         const auto inMemory = [&](Address address) {
@@ -88,7 +99,9 @@ Code lowerNodes(const Graph &graph) {
                                                        : Opcode::Load16Split;
                 inMemory({Base::Src, n.index * sizeOf(n.type)});
                 break;
-            case Op::Zero: instruction.op = Opcode::Zero; break;
+            case Op::Zero:
+                instruction.op = Opcode::Zero;
+                break;
             case Op::Add:
             case Op::Sub:
                 instruction.op = arithmetic(n.op, n.type);
@@ -100,7 +113,8 @@ Code lowerNodes(const Graph &graph) {
                 instruction.a = of(n.a);
                 inMemory(pool.entry(graph.constant(n)));
                 break;
-            case Op::Scale: continue;  // stands in memory, see MulScale
+            case Op::Scale:
+                continue;  // stands in memory, see MulScale
             case Op::MulScale:
                 // The pool holds the scale as the kernel needs it: behind a binary32 scale stands
                 // the same value as binary64 for the outputs that are scaled in double.
@@ -128,9 +142,8 @@ Code lowerNodes(const Graph &graph) {
                 instruction.op = Opcode::XorPS;
                 instruction.a = of(n.a);
                 const bool low = n.op == Op::FlipLow;
-                inMemory(pool.entry(PoolEntry{Type::F64x2,
-                                              {low ? -0.0 : 0.0, low ? 0.0 : -0.0},
-                                              "sign of one lane"}));
+                inMemory(pool.entry(PoolEntry{
+                    Type::F64x2, {low ? -0.0 : 0.0, low ? 0.0 : -0.0}, "sign of one lane"}));
                 break;
             }
             case Op::Output: {
@@ -146,7 +159,8 @@ Code lowerNodes(const Graph &graph) {
                 code.instructions.push_back(instruction);
                 continue;
             }
-            case Op::Pack: throw std::logic_error("lanes in a scalar graph");
+            case Op::Pack:
+                throw std::logic_error("lanes in a scalar graph");
         }
         instruction.dst = reg[i] = code.fresh();
         code.instructions.push_back(instruction);
@@ -154,7 +168,7 @@ Code lowerNodes(const Graph &graph) {
     return code;
 }
 
-Code lower(const Graph &graph, const LoweringOptions &options) {
+Code lower(const Graph& graph, const LoweringOptions& options) {
     return graph.arithmetic() == Arithmetic::SingleLanes ? lowerLanes(graph, options)
                                                          : lowerNodes(graph);
 }

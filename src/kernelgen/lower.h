@@ -11,22 +11,22 @@ struct LoweringOptions {
     bool halvesOnly = false;
 };
 
-Code lower(const Graph &graph, const LoweringOptions &options);
+Code lower(const Graph& graph, const LoweringOptions& options);
 
 // One of the two halves of lower(): scalar and pair graphs map node by node; four-lane graphs get
 // their data movement (loads in pairs, transposes, interleaving) from the lanes that they pack.
-Code lowerNodes(const Graph &graph);
-Code lowerLanes(const Graph &graph, const LoweringOptions &options);
+Code lowerNodes(const Graph& graph);
+Code lowerLanes(const Graph& graph, const LoweringOptions& options);
 
 // The pool entry of a stored constant, shared by equal constants.
 class PoolBuilder {
-public:
-    explicit PoolBuilder(Code &code) : code_(code) {}
-    Address entry(const StoredConstant &constant);
-    Address entry(const PoolEntry &entry);
+  public:
+    explicit PoolBuilder(Code& code) : code_(code) {}
+    Address entry(const StoredConstant& constant);
+    Address entry(const PoolEntry& entry);
 
-private:
-    Code &code_;
+  private:
+    Code& code_;
 };
 
 }  // namespace orvgen::kernelgen

@@ -14,19 +14,19 @@ std::size_t at(int i) { return static_cast<std::size_t>(i); }
 
 // The instructions but for the loads, which emit nothing where they stand.
 class Dependences {
-public:
-    explicit Dependences(const Code &code) : code_(code) {
+  public:
+    explicit Dependences(const Code& code) : code_(code) {
         const std::size_t n = code.instructions.size();
         operands.resize(n);
         users.resize(n);
         height.assign(n, 0);
         std::vector<int> definition(at(code.registers), -1);
         for (std::size_t i = 0; i < n; ++i) {
-            const Instruction &x = code.instructions[i];
+            const Instruction& x = code.instructions[i];
             if (x.dst != kNoRegister) definition[at(x.dst)] = static_cast<int>(i);
         }
         for (std::size_t i = 0; i < n; ++i) {
-            const Instruction &x = code.instructions[i];
+            const Instruction& x = code.instructions[i];
             if (isLoad(x.op)) {
                 loads.push_back(static_cast<int>(i));
                 continue;
@@ -43,7 +43,8 @@ public:
         }
         for (std::size_t k = body.size(); k-- > 0;) {
             const auto i = at(body[k]);
-            for (const int u : users[i]) height[i] = std::max(height[i], height[at(u)] + latency(u));
+            for (const int u : users[i])
+                height[i] = std::max(height[i], height[at(u)] + latency(u));
         }
     }
 
@@ -56,32 +57,36 @@ public:
             case Opcode::AddPS:
             case Opcode::SubPS:
             case Opcode::AddPD:
-            case Opcode::SubPD: return 3;
+            case Opcode::SubPD:
+                return 3;
             case Opcode::MulSS:
             case Opcode::MulSD:
             case Opcode::MulPS:
-            case Opcode::MulPD: return 4;
+            case Opcode::MulPD:
+                return 4;
             case Opcode::Widen:
-            case Opcode::Narrow: return 5;
-            default: return 1;
+            case Opcode::Narrow:
+                return 5;
+            default:
+                return 1;
         }
     }
     bool defines(int i) const { return code_.instructions[at(i)].dst != kNoRegister; }
 
-    const Code &code_;
+    const Code& code_;
     std::vector<Order> operands, users;
     std::vector<int> height;  // latency from an instruction's result to the end of the block
     Order loads, body;
 };
 
-Order depthFirst(const Dependences &d, const Code &code, bool longestFirst) {
+Order depthFirst(const Dependences& d, const Code& code, bool longestFirst) {
     Order order;
     std::vector<bool> done(code.instructions.size(), false);
     std::vector<int> depth(code.instructions.size(), 0);
     for (const int i : d.body)
         for (const int o : d.operands[at(i)])
             depth[at(i)] = std::max(depth[at(i)], depth[at(o)] + d.latency(o));
-    const auto visit = [&](auto &&self, int i) -> void {
+    const auto visit = [&](auto&& self, int i) -> void {
         if (done[at(i)]) return;
         done[at(i)] = true;
         Order operands = d.operands[at(i)];
@@ -100,8 +105,8 @@ Order depthFirst(const Dependences &d, const Code &code, bool longestFirst) {
 // Producers before consumers, cut in the middle again and again: what is computed in one part is
 // used there, and little is live across a cut.
 class Bisection {
-public:
-    Bisection(const Dependences &d, std::size_t size) : d_(d), part_(size, -1), colour_(size, 0) {}
+  public:
+    Bisection(const Dependences& d, std::size_t size) : d_(d), part_(size, -1), colour_(size, 0) {}
 
     Order run() {
         for (const int i : d_.body) part_[at(i)] = 0;
@@ -109,15 +114,15 @@ public:
         return std::move(order_);
     }
 
-private:
-    void schedule(const Order &set, int id) {
+  private:
+    void schedule(const Order& set, int id) {
         if (set.size() <= 2) {
             order_.insert(order_.end(), set.begin(), set.end());
             return;
         }
         std::vector<Order> components = split(set, id);
         if (components.size() > 1) {
-            for (const Order &c : components) schedule(c, rename(c));
+            for (const Order& c : components) schedule(c, rename(c));
             return;
         }
         const auto [first, second] = bisect(set, id);
@@ -129,13 +134,13 @@ private:
         schedule(second, rename(second));
     }
 
-    int rename(const Order &set) {
+    int rename(const Order& set) {
         const int id = ++lastPart_;
         for (const int i : set) part_[at(i)] = id;
         return id;
     }
 
-    std::vector<Order> split(const Order &set, int id) {
+    std::vector<Order> split(const Order& set, int id) {
         std::vector<Order> components;
         for (const int i : set) colour_[at(i)] = 0;
         for (const int i : set) {
@@ -147,7 +152,7 @@ private:
             while (!stack.empty()) {
                 const int x = stack.back();
                 stack.pop_back();
-                for (const Order *neighbours : {&d_.operands[at(x)], &d_.users[at(x)]})
+                for (const Order* neighbours : {&d_.operands[at(x)], &d_.users[at(x)]})
                     for (const int y : *neighbours)
                         if (part_[at(y)] == id && !colour_[at(y)]) {
                             colour_[at(y)] = mark;
@@ -160,10 +165,10 @@ private:
     }
 
     // Colours from the sources down and from the results up, a layer each in turn.
-    std::pair<Order, Order> bisect(const Order &set, int id) {
+    std::pair<Order, Order> bisect(const Order& set, int id) {
         constexpr int kFirst = 1, kSecond = 2;
         for (const int i : set) colour_[at(i)] = 0;
-        const auto all = [&](const Order &list, int colour) {
+        const auto all = [&](const Order& list, int colour) {
             return std::all_of(list.begin(), list.end(), [&](int y) {
                 return part_[at(y)] != id || colour_[at(y)] == colour;
             });
@@ -189,7 +194,7 @@ private:
         return halves;
     }
 
-    const Dependences &d_;
+    const Dependences& d_;
     std::vector<int> part_;
     std::vector<int> colour_;
     Order order_;
@@ -198,7 +203,7 @@ private:
 
 // Among the next `window` instructions of `base`, takes one that need not wait; when the registers
 // are full, one that frees the most.
-Order windowed(const Dependences &d, const Order &base, std::size_t window, int liveLimit) {
+Order windowed(const Dependences& d, const Order& base, std::size_t window, int liveLimit) {
     constexpr int kPerCycle = 4;
     const std::size_t n = d.operands.size();
     std::vector<int> waiting(n, 0), remainingUsers(n, 0), ready(n, 0);
@@ -206,7 +211,8 @@ Order windowed(const Dependences &d, const Order &base, std::size_t window, int 
         waiting[at(i)] = static_cast<int>(d.operands[at(i)].size());
         remainingUsers[at(i)] = static_cast<int>(d.users[at(i)].size());
     }
-    Order view(base.begin(), base.begin() + static_cast<std::ptrdiff_t>(std::min(window, base.size())));
+    Order view(base.begin(),
+               base.begin() + static_cast<std::ptrdiff_t>(std::min(window, base.size())));
     std::size_t next = view.size();
     Order order;
     int live = 0;
@@ -247,7 +253,7 @@ Order windowed(const Dependences &d, const Order &base, std::size_t window, int 
 
 }  // namespace
 
-std::vector<std::vector<int>> candidateOrders(const Code &code) {
+std::vector<std::vector<int>> candidateOrders(const Code& code) {
     const Dependences d(code);
     const std::vector<Order> bases = {
         d.body,
@@ -256,12 +262,13 @@ std::vector<std::vector<int>> candidateOrders(const Code &code) {
         Bisection(d, code.instructions.size()).run(),
     };
     std::vector<Order> orders;
-    for (const Order &base : bases) {
+    for (const Order& base : bases) {
         orders.push_back(base);
-        for (const std::size_t window : {std::size_t{8}, std::size_t{16}, std::size_t{32}, std::size_t{64}})
+        for (const std::size_t window :
+             {std::size_t{8}, std::size_t{16}, std::size_t{32}, std::size_t{64}})
             orders.push_back(windowed(d, base, window, kLiveLimit));
     }
-    for (Order &order : orders) order.insert(order.begin(), d.loads.begin(), d.loads.end());
+    for (Order& order : orders) order.insert(order.begin(), d.loads.begin(), d.loads.end());
     return orders;
 }
 

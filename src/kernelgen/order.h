@@ -13,6 +13,6 @@
 namespace orvgen::kernelgen {
 
 // Each order lists all instructions (as indices), operands before users.
-std::vector<std::vector<int>> candidateOrders(const Code &code);
+std::vector<std::vector<int>> candidateOrders(const Code& code);
 
 }  // namespace orvgen::kernelgen

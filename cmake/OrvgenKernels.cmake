@@ -1,0 +1,25 @@
+# Kernels made at build time: the kernel compiler writes one assembly file for each member of a family.
+
+# orvgen_assemble_kernels(OUT GENERATOR name...): the assembly files that `GENERATOR emit name file` writes.
+function(orvgen_assemble_kernels out generator)
+    set(files "")
+    foreach(kernel IN LISTS ARGN)
+        set(file ${CMAKE_CURRENT_BINARY_DIR}/kernels/${kernel}.s)
+        add_custom_command(OUTPUT ${file} COMMAND ${generator} emit ${kernel} ${file} DEPENDS ${generator}
+                           COMMENT "Generating ${kernel}" VERBATIM)
+        list(APPEND files ${file})
+    endforeach()
+    set(${out} ${files} PARENT_SCOPE)
+endfunction()
+
+# orvgen_add_kernels(FAMILY ELEMENT): all members of a family that the public header lists, as a part of the product.
+# Nothing where the header does not list the family (yet).
+function(orvgen_add_kernels family element)
+    orvgen_family_members(${family} ${element} members)
+    list(TRANSFORM members REPLACE "(.+)" "orvg${family}_\\1_${element}" OUTPUT_VARIABLE names)
+    if(names)
+        file(MAKE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/kernels)
+        orvgen_assemble_kernels(files kernelgen ${names})
+        orvgen_add_objects(kernels_${family}_${element} ${files})
+    endif()
+endfunction()

@@ -1,0 +1,89 @@
+#include "command.h"
+
+#include <cstdio>
+#include <exception>
+#include <fstream>
+#include <iostream>
+#include <optional>
+
+#include "compile.h"
+#include "count.h"
+#include "error_bound.h"
+
+namespace orvgen::kernelgen {
+
+namespace {
+
+int fail(const std::string& what) {
+    std::cerr << "kernelgen: " << what << "\n";
+    return 2;
+}
+
+std::optional<Kernel> findKernel(const std::vector<Family>& families, const std::string& name) {
+    for (const Family& family : families)
+        for (const int length : family.lengths)
+            if (memberName(family.name, length) == name) return family.kernel(length);
+    return std::nullopt;
+}
+
+void show(const Kernel& kernel) {
+    const CompiledKernel compiled = compileKernel(kernel);
+    const KernelFigures& f = compiled.figures;
+    std::cout << kernel.name << "\n"
+              << "  computed as      " << kernel.method << "\n";
+    if (kernel.flow.arithmetic() == Arithmetic::SingleLanes) {
+        const LaneCounts c = countLanes(kernel.flow);
+        std::cout << "  additions        " << c.distinctAdditions << " distinct, "
+                  << c.liveAdditions << " on live lanes, " << c.executedAdditions
+                  << " in all lanes\n"
+                  << "  multiplications  " << c.distinctMultiplications << " distinct, "
+                  << c.liveMultiplications << " on live lanes, " << c.executedMultiplications
+                  << " in all lanes; the scale apart\n";
+    } else {
+        const Counts c = countOperations(kernel.flow);
+        std::cout << "  additions        " << c.additions << ", of these sign steps " << c.signSteps
+                  << "\n"
+                  << "  multiplications  " << c.multiplications() << ": " << c.constantProducts
+                  << " by constants, " << c.doublings << " by 2, " << c.scaleProducts
+                  << " by the scale\n"
+                  << "  conversions      " << c.conversions() << "\n";
+    }
+    const ErrorBound e = errorBound(kernel.flow);
+    std::printf(
+        "  error bound      %.2f u for |x| <= 1 in the worst output (sum of |weights| %.2f)\n",
+        e.absolute, e.magnitude);
+    std::printf("  instructions     %d in the body\n", f.instructions);
+    std::printf("  frame            %d bytes, %d spills\n", f.frameBytes, f.spills);
+    std::printf("  cycles           %.0f by the core model, port bound %.1f\n\n", f.modelCycles,
+                f.portBound);
+    std::cout << compiled.assembly;
+}
+
+}  // namespace
+
+int runCommand(int argc, char** argv, const std::vector<Family>& families) {
+    try {
+        const std::string command = argc > 1 ? argv[1] : "";
+        if (command == "list" && argc == 2) {
+            for (const Family& family : families)
+                for (const int length : family.lengths)
+                    std::cout << memberName(family.name, length) << "\n";
+            return 0;
+        }
+        if ((command != "emit" || argc != 4) && (command != "show" || argc != 3))
+            return fail("usage: list | emit NAME FILE | show NAME");
+        const std::optional<Kernel> kernel = findKernel(families, argv[2]);
+        if (!kernel) return fail("no such kernel: " + std::string(argv[2]));
+        if (command == "show") {
+            show(*kernel);
+            return 0;
+        }
+        std::ofstream file(argv[3]);
+        file << compileKernel(*kernel).assembly;
+        return file.flush() ? 0 : fail("cannot write " + std::string(argv[3]));
+    } catch (const std::exception& e) {
+        return fail(e.what());
+    }
+}
+
+}  // namespace orvgen::kernelgen

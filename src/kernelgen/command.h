@@ -1,0 +1,16 @@
+// The command line of a program that holds families of kernels.
+#pragma once
+
+#include <vector>
+
+#include "kernel.h"
+
+namespace orvgen::kernelgen {
+
+// emit NAME FILE    writes the assembly of one kernel
+// show NAME         prints what there is to say about it, and its assembly
+// list              prints the names of all kernels
+// Returns the exit status: 0, or 2 with one line on standard error.
+int runCommand(int argc, char** argv, const std::vector<Family>& families);
+
+}  // namespace orvgen::kernelgen

@@ -1,0 +1,8 @@
+// kernelgen: the kernel compiler as a program. See command.h.
+#include "command.h"
+#include "registry.h"
+
+int main(int argc, char** argv) {
+    using namespace orvgen::kernelgen;
+    return runCommand(argc, argv, allFamilies());
+}

@@ -1,0 +1,62 @@
+// Two small flows that run through the whole kernel compiler: a real three-point transform followed
+// by a rotation by 45 degrees, in any scalar arithmetic, and an eight-point complex transform of
+// four-lane vectors.
+#pragma once
+
+#include <array>
+#include <vector>
+
+#include "kernelgen/kernel.h"
+#include "kernelgen/value.h"
+
+namespace orvgen::test {
+
+// y0 = x0 + (x1 + x2); y1 = x0 - (x1 + x2)/2; y2 = sin60 (x2 - x1); y3, y4: y0 and x3 turned by 45
+// degrees, combined in binary32.
+template <class V>
+std::array<V, 5> smallRealFlow(const std::array<V, 4>& x) {
+    using kernelgen::cosTurn;
+    using kernelgen::narrow;
+    using kernelgen::ratio;
+    using kernelgen::sinTurn;
+    const V a = x[1] + x[2];
+    const V d = x[1] - x[2];
+    const V y0 = x[0] + a;
+    const V p = narrow(cosTurn(1, 8) * y0);
+    const V r = narrow(cosTurn(1, 8) * x[3]);
+    return {y0, x[0] - ratio(1, 2) * a, -(sinTurn(1, 6) * d), p - r, p + r};
+}
+
+inline kernelgen::Kernel smallRealKernel(const std::string& name,
+                                         kernelgen::Arithmetic arithmetic) {
+    using kernelgen::Value;
+    kernelgen::Graph g(arithmetic);
+    std::array<Value, 4> x;
+    for (int i = 0; i < 4; ++i) x[static_cast<std::size_t>(i)] = Value(g, g.input(i));
+    g.stage("three-point butterfly, rotation by 45 degrees");
+    const auto y = smallRealFlow(x);
+    g.stage("scale");
+    for (int i = 0; i < 5; ++i)
+        g.output(i, narrow(signStep(scaled(y[static_cast<std::size_t>(i)]))).id());
+    g.output(5, g.zero(g.elementType()));
+    return {name,  5,     "test flow", kernelgen::ScaleRule::ForwardByN, kernelgen::Alignment::Any,
+            false, false, std::move(g)};
+}
+
+kernelgen::Kernel smallLaneKernel(const std::string& name);
+
+inline std::vector<kernelgen::Family> smallFamilies() {
+    using kernelgen::Arithmetic;
+    using kernelgen::Family;
+    const auto real = [](Arithmetic a, const std::string& family) {
+        return Family{family, {5}, [a, family](int n) {
+                          return smallRealKernel(kernelgen::memberName(family, n), a);
+                      }};
+    };
+    return {real(Arithmetic::Single, "orvgSmall_32f"), real(Arithmetic::Double, "orvgSmall_64f"),
+            Family{"orvgSmall_32fc", {8}, [](int n) {
+                       return smallLaneKernel(kernelgen::memberName("orvgSmall_32fc", n));
+                   }}};
+}
+
+}  // namespace orvgen::test
