@@ -38,7 +38,7 @@ std::vector<V> Flow<V>::inverseReal(const PlanPtr& plan, long e, const Bins<V>& 
     const PlanPtr p = plans_->resolve(Transform::InverseReal, plan);
     switch (p->method) {
         case Method::Direct:
-            return directInverseReal(*this, p->length, e, z);
+            return directInverseReal(*this, *p, e, z);
         case Method::GoodThomas:
             return goodThomasInverseReal(*this, *p, e, z);
         case Method::CooleyTukey:

@@ -30,8 +30,8 @@ inline Constant directCosine(long num, long n) {
 struct DirectPairs {
     std::vector<long> u;  // the pairs are u and n - u
 
-    explicit DirectPairs(int n) {
-        const long r = inverseModulo(smallestRoot(n), n);
+    explicit DirectPairs(int n, bool inRootOrder = false) {
+        const long r = inRootOrder ? smallestRoot(n) : inverseModulo(smallestRoot(n), n);
         long power = 1;
         for (int i = 0; i < n / 2; ++i, power = power * r % n) u.push_back(power);
     }
@@ -119,13 +119,14 @@ Bins<V> directReal(Flow<V>& flow, int n, long e, const std::vector<V>& x) {
     const V x0 = narrow(x[0]);
     Bins<V> half{{sumOf(a) + x0, {}}};
     for (long k = 1; k <= n / 2; ++k)
-        half.push_back({cosineSum(pairs, n, e * k, flow.operand(x[0]), a),
-                        sineSum(pairs, n, -e * k, d)});
+        half.push_back(
+            {cosineSum(pairs, n, e * k, flow.operand(x[0]), a), sineSum(pairs, n, -e * k, d)});
     return half;
 }
 
 template <class V>
-std::vector<V> directInverseReal(Flow<V>& flow, int n, long e, const Bins<V>& z) {
+std::vector<V> directInverseReal(Flow<V>& flow, const Plan& plan, long e, const Bins<V>& z) {
+    const int n = plan.length;
     e = modulo(e, n);
     switch (n) {
         case 1:
@@ -137,8 +138,7 @@ std::vector<V> directInverseReal(Flow<V>& flow, int n, long e, const Bins<V>& z)
         }
         case 3: {
             const V u = narrow(z[1].re);
-            const V centre =
-                narrow(flow.operand(z[0].re) - half() * flow.operand(z[1].re, ":re"));
+            const V centre = narrow(flow.operand(z[0].re) - half() * flow.operand(z[1].re, ":re"));
             const V sine = narrow(product(sineOf60(), e == 1 ? z[1].im : -z[1].im));
             return {narrow(z[0].re) + u, centre - sine, centre + sine};
         }
@@ -154,18 +154,16 @@ std::vector<V> directInverseReal(Flow<V>& flow, int n, long e, const Bins<V>& z)
             break;
     }
     if (n != 5 && n != 7 && n != 11) throw std::logic_error("no direct block of this length");
+    const DirectPairs realPairs(n, plan.inRootOrder);
     const DirectPairs pairs(n);
     std::vector<V> a, d;
-    for (const long u : pairs.u) {
-        const Bin<V> bin = binAt(z, n, u);
-        a.push_back(narrow(bin.re));
-        d.push_back(narrow(bin.im));
-    }
+    for (const long u : realPairs.u) a.push_back(narrow(binAt(z, n, u).re));
+    for (const long u : pairs.u) d.push_back(narrow(binAt(z, n, u).im));
     const V z0 = narrow(z[0].re);
     std::vector<V> y(static_cast<std::size_t>(n));
     y[0] = sumOf(a) + z0;
     for (long q = 1; q <= n / 2; ++q) {
-        const V c = narrow(cosineSum(pairs, n, e * q, flow.operand(z[0].re), a));
+        const V c = narrow(cosineSum(realPairs, n, e * q, flow.operand(z[0].re), a));
         const V s = narrow(sineSum(pairs, n, e * q, d));
         y[static_cast<std::size_t>(q)] = c - s;
         y[static_cast<std::size_t>(n - q)] = c + s;

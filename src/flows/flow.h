@@ -64,8 +64,8 @@ inline std::size_t oddBinCount(int n) { return static_cast<std::size_t>((n + 1) 
 
 // A value of a double expression that is rounded for the sums that take it, and goes on unrounded
 // into the double expression that takes it too. `place` is the end of the path of the block that
-// does so, as Flow::path() writes it, or the whole path if it begins with '/'; behind a colon stands
-// which of the block's operands is meant, where it is not the first.
+// does so, as Flow::path() writes it, or the whole path if it begins with '/'; behind a colon
+// stands which of the block's operands is meant, where it is not the first.
 struct Carry {
     int length;  // of the kernel
     const char* place;

@@ -16,8 +16,7 @@ V alternated(const V& x, std::size_t t) {
 template <class V>
 Bins<V> alternatingOdd(Flow<V>& flow, const PlanPtr& plan, const Samples<V>& x) {
     std::vector<V> alternating;
-    for (std::size_t t = 0; t < x.size(); ++t)
-        alternating.push_back(alternated(x[t].formed(), t));
+    for (std::size_t t = 0; t < x.size(); ++t) alternating.push_back(alternated(x[t].formed(), t));
     const Bins<V> bins = flow.real(plan, 1, alternating);
     Bins<V> half;
     for (std::size_t j = bins.size(); j-- > 0;) half.push_back(conj(bins[j]));

@@ -77,6 +77,13 @@ class Parser {
         while (at_ < text_.size() && std::isdigit(static_cast<unsigned char>(text_[at_])))
             length = 10 * length + (text_[at_++] - '0');
         if (length == 0) fail("length expected");
+        if (accept("g")) {
+            Plan direct;
+            direct.method = Method::Direct;
+            direct.length = length;
+            direct.inRootOrder = true;
+            return std::make_shared<const Plan>(std::move(direct));
+        }
         return make(accept("d") ? Method::Direct : Method::Named, length);
     }
 

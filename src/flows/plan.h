@@ -3,6 +3,8 @@
 // A plan is written as a short text:
 //   7           a block of length 7: as its own row of the table says, or else the direct form
 //   11d         the direct form of length 11, whatever the table says
+//   7g          the direct form of an inverse whose real terms follow the powers of the primitive
+//               root g, not those of its inverse
 //   4x3         Good-Thomas join, 4-point blocks first (coprime factors, no twiddles)
 //   4.3         Cooley-Tukey join, 4-point blocks first, twiddles between
 //   (5x3)x2     a factor may be a plan itself
@@ -45,6 +47,8 @@ struct Plan {
     std::vector<PlanPtr> parts;
     // Joins: the plans of the factors on complex rows; null where nothing is said.
     std::vector<PlanPtr> complexParts;
+    // Direct, inverse: the order of the real terms.
+    bool inRootOrder = false;
 
     // Inverse Rader with the last transform split by parity.
     bool isSplit() const { return method == Method::InverseRader && parts.size() == 4; }

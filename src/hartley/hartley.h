@@ -1,0 +1,69 @@
+// The discrete Hartley transform of N real samples, N = 2..64:
+//
+//   H[k] = sum of x[n] (cos(2 pi nk/N) + sin(2 pi nk/N)), k = 0..N-1.
+//
+// It is a real Fourier transform in either direction. Of the forward one it takes the two sums of a
+// bin X[k] = C - i S, H[k] = C + S and H[N-k] = C - S: one sum more for each output. Of the inverse
+// one it feeds the bins Z[k] = (x[k] + x[N-k], x[N-k] - x[k]), since
+//
+//   H[n] = x[0] + sum over 0<k<N/2 of ((x[k] + x[N-k]) cos + (x[k] - x[N-k]) sin) + (-1)^n x[N/2]:
+//
+// sums in the place of the doublings. Some lengths take the one way, the others the other.
+#pragma once
+
+#include <vector>
+
+#include "realdft/forward.h"
+#include "realdft/inverse.h"
+
+namespace orvgen::hartley {
+
+// Whether a length runs the flow of the forward real transform, with another last layer.
+bool runsForwardFlow(int n);
+
+// The arrangement of the inverse real transform that the other lengths run.
+realdft::Arrangement arrangement(int n);
+
+template <class V>
+std::vector<V> throughForward(int n, const std::vector<V>& x, kernelgen::Graph* graph) {
+    const flows::Bins<V> bins = realdft::forwardBins(n, x, graph);
+    if (graph != nullptr) graph->stage("sum and difference of the two parts of each bin");
+    std::vector<V> h(x.size());
+    for (std::size_t k = 0; k < bins.size(); ++k) {
+        const V c = narrow(bins[k].re);
+        if (bins[k].im.isEmpty()) {
+            h[k] = c;
+            continue;
+        }
+        const V s = -narrow(bins[k].im);
+        h[k] = c + s;
+        h[x.size() - k] = c - s;
+    }
+    return h;
+}
+
+template <class V>
+std::vector<V> throughInverse(int n, const std::vector<V>& x, kernelgen::Graph* graph) {
+    flows::Bins<V> bins;
+    bins.push_back({x[0], {}});
+    for (std::size_t k = 1; 2 * k < x.size(); ++k) {
+        const V &a = x[k], &b = x[x.size() - k];
+        bins.push_back({a + b, b - a});
+    }
+    if (n % 2 == 0) bins.push_back({x[x.size() / 2], {}});
+    return realdft::inverseSamples(arrangement(n), bins, graph);
+}
+
+// Not scaled yet; no value carries a minus, and all are binary32 where the samples are.
+template <class V>
+std::vector<V> transform(int n, const std::vector<V>& x, kernelgen::Graph* graph = nullptr) {
+    const std::vector<V> h =
+        runsForwardFlow(n) ? throughForward(n, x, graph) : throughInverse(n, x, graph);
+    for (const V& v : h)
+        if (v.negative()) throw std::logic_error("a Hartley output with a minus");
+    return h;
+}
+
+kernelgen::Graph hartleyGraph(int n, kernelgen::Arithmetic arithmetic);
+
+}  // namespace orvgen::hartley
