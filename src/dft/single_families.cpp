@@ -36,6 +36,24 @@ Graph laneFlow(Direction direction, std::size_t length) {
 
 namespace {
 
+// The lengths whose kernels touch src and dst by 8-byte halves only: the Rader primes, and those
+// whose elements hardly ever come as neighbours.
+bool touchesHalvesOnly(int length) {
+    switch (length) {
+        case 6:
+        case 10:
+        case 12:
+        case 15:
+        case 20: return true;
+        case 47:
+        case 59: return false;
+        default: break;
+    }
+    for (int d = 2; d * d <= length; ++d)
+        if (length % d == 0) return false;
+    return length > 5;
+}
+
 Kernel kernel(const std::string& family, Direction direction, int length) {
     const auto n = static_cast<std::size_t>(length);
     const bool scalar = length <= 5;
@@ -44,6 +62,8 @@ Kernel kernel(const std::string& family, Direction direction, int length) {
             singleDecomposition(n)->stages(),
             direction == Direction::Forward ? ScaleRule::ForwardByN : ScaleRule::InverseByN,
             scalar ? Alignment::Any : Alignment::Twin,
+            touchesHalvesOnly(length),
+            true,
             scalar ? scalarFlow(direction, n) : laneFlow(direction, n)};
 }
 

@@ -1,9 +1,15 @@
 #include "registry.h"
 
+#include "dft/families.h"
+
 namespace orvgen::kernelgen {
 
 std::vector<Family> allFamilies() {
     std::vector<Family> all;
+    const auto append = [&all](const std::vector<Family>& families) {
+        all.insert(all.end(), families.begin(), families.end());
+    };
+    append(dft::complexSingleFamilies());
     return all;
 }
 
