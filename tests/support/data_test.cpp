@@ -202,7 +202,7 @@ TEST(Tables, WalshHadamardPassesCoverTheArray) {
         EXPECT_EQ(row.integer("last_radix") * row.integer("last_stride"), points);
         EXPECT_EQ(1L << layers.back(), row.integer("last_radix"));
         const DataRow& buffer = dataTable("wht_buffer").row("order", order);
-        const std::string type = row.text("type");
+        const std::string& type = row.text("type");
         const long tile = buffer.integer(type + "_tile");
         EXPECT_EQ(buffer.integer(type + "_bytes"), (points + tile) * (type == "f32" ? 4 : 8));
         EXPECT_EQ(tile, tiles ? 8 * row.integer("block_size") : 0) << order;

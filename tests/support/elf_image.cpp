@@ -47,6 +47,7 @@ ElfImage::ElfImage(const std::string& path) {
         segments.push_back(std::move(segment));
     }
     std::vector<Elf64_Shdr> sections;
+    sections.reserve(header.e_shnum);
     for (int i = 0; i < header.e_shnum; ++i) {
         sections.push_back(readAt<Elf64_Shdr>(
             file, header.e_shoff + static_cast<std::uint64_t>(i) * header.e_shentsize));

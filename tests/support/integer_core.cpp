@@ -437,8 +437,8 @@ class Core {
             ip = t;
         } else if (in.kind == Kind::jump) {
             if (m == "jmp" || condition(m.substr(1))) ip = target();
-        } else if (m == "mov" || m == "movabs") {
-            write(a, read(b));
+        } else if (m == "mov" || m == "movabs" || m == "movzx") {
+            write(a, read(b));  // whole, or zero-extended
         } else if (m == "lea") {
             bool known = true;
             if (b.base >= 0 && b.base < 16) known = reg[static_cast<std::size_t>(b.base)].known;
@@ -451,8 +451,6 @@ class Core {
         } else if (m == "leave") {
             reg[rsp] = reg[5];
             reg[5] = pop();
-        } else if (m == "movzx") {
-            write(a, read(b));
         } else if (m == "movsx" || m == "movsxd") {
             const Value v = read(b);
             write(a, {signExtend(v.bits, b.size), v.known});
@@ -481,7 +479,7 @@ class Core {
                           a.type == Operand::Type::general && a.number == b.number;
         Value r{0, x.known && y.known};
         const std::uint64_t sign = std::uint64_t{1} << (8 * size - 1);
-        bool writes = true, carry = cf, overflow = false, keepCarry = false;
+        bool writes = true, carry = false, overflow = false, keepCarry = false;
         if (m == "add" || m == "inc") {
             if (m == "inc") y.bits = 1, keepCarry = true;
             r.bits = (x.bits + y.bits) & mask(size);
@@ -499,7 +497,6 @@ class Core {
         } else if (m == "and" || m == "test" || m == "or" || m == "xor") {
             r.bits = m == "or" ? x.bits | y.bits : m == "xor" ? x.bits ^ y.bits : x.bits & y.bits;
             if (m == "xor" && same) r = {0, true};
-            carry = false;
             writes = m != "test";
         } else if (m == "not") {
             write(a, {~x.bits, x.known});

@@ -286,7 +286,7 @@ class KernelCheck {
     void expectEntered(const Trace& t, const Texts& names, const std::string& where) {
         if (t.entered == names) return;
         std::string list;
-        for (const std::string& s : t.entered) list += " " + s;
+        for (const std::string& s : t.entered) list.append(" ").append(s);
         add(where, {"runs through" + list});
     }
 

@@ -8,6 +8,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -77,13 +78,8 @@ struct BodyCounts {
     long access(Region region, int size, bool store) const;
     std::map<std::pair<Kind, Lanes>, long> kinds;
     std::map<std::string, long> mnemonics;
-    struct Key {
-        Region region;
-        int size;
-        bool store;
-        auto operator<=>(const Key&) const = default;
-    };
-    std::map<Key, long> accesses;
+    // By region, size and whether it is a store.
+    std::map<std::tuple<Region, int, bool>, long> accesses;
 };
 
 }  // namespace orvgen::test

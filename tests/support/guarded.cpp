@@ -1,0 +1,71 @@
+#include "support/guarded.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <csetjmp>
+#include <csignal>
+#include <stdexcept>
+
+namespace orvgen::test {
+namespace {
+
+thread_local sigjmp_buf resume;
+thread_local volatile std::uintptr_t faultAddress;
+thread_local volatile sig_atomic_t catching;
+
+extern "C" void onFault(int signal, siginfo_t* info, void*) {
+    if (!catching) {
+        std::signal(signal, SIG_DFL);
+        return;  // the fault happens again and ends the process
+    }
+    faultAddress = reinterpret_cast<std::uintptr_t>(info->si_addr);
+    siglongjmp(resume, 1);
+}
+
+}  // namespace
+
+GuardedMemory::GuardedMemory(std::size_t bytes) {
+    const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    length = (bytes + page - 1) / page * page;
+    mapped = length + 2 * page;
+    void* m = mmap(nullptr, mapped, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (m == MAP_FAILED) throw std::runtime_error("no memory");
+    mapping = static_cast<std::uint8_t*>(m);
+    memory = mapping + page;
+    setReadOnly(false);
+}
+
+GuardedMemory::~GuardedMemory() { munmap(mapping, mapped); }
+
+void GuardedMemory::setReadOnly(bool readOnly) {
+    if (mprotect(memory, length, readOnly ? PROT_READ : PROT_READ | PROT_WRITE) != 0) {
+        throw std::runtime_error("cannot protect memory");
+    }
+}
+
+std::string catchFault(const std::function<void()>& work, const void* origin) {
+    struct sigaction ours = {}, oldSegv = {}, oldBus = {};
+    ours.sa_sigaction = onFault;
+    ours.sa_flags = SA_SIGINFO;
+    sigaction(SIGSEGV, &ours, &oldSegv);
+    sigaction(SIGBUS, &ours, &oldBus);
+    std::string result;
+    catching = 1;
+    if (sigsetjmp(resume, 1) == 0) {
+        work();
+    } else if (faultAddress == 0) {
+        // What the processor reports for an aligned access off its boundary.
+        result = "general protection fault (misaligned access or null)";
+    } else {
+        const auto distance = static_cast<std::int64_t>(faultAddress) -
+                              static_cast<std::int64_t>(reinterpret_cast<std::uintptr_t>(origin));
+        result = "forbidden access at byte " + std::to_string(distance);
+    }
+    catching = 0;
+    sigaction(SIGSEGV, &oldSegv, nullptr);
+    sigaction(SIGBUS, &oldBus, nullptr);
+    return result;
+}
+
+}  // namespace orvgen::test
