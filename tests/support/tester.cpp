@@ -42,12 +42,19 @@ class ControlWord {
 };
 
 template <class Real>
+using BitsOf = std::conditional_t<sizeof(Real) == 4, std::uint32_t, std::uint64_t>;
+
+template <class Real>
+bool sameBits(Real a, Real b) {
+    return std::bit_cast<BitsOf<Real>>(a) == std::bit_cast<BitsOf<Real>>(b);
+}
+
+template <class Real>
 std::string show(Real value) {
-    using Bits = std::conditional_t<sizeof(Real) == 4, std::uint32_t, std::uint64_t>;
     char text[80];
     std::snprintf(text, sizeof text, "%.*g (0x%0*llx)", sizeof(Real) == 4 ? 9 : 17,
                   static_cast<double>(value), static_cast<int>(2 * sizeof(Real)),
-                  static_cast<unsigned long long>(std::bit_cast<Bits>(value)));
+                  static_cast<unsigned long long>(std::bit_cast<BitsOf<Real>>(value)));
     return text;
 }
 
@@ -214,7 +221,7 @@ class Run {
                  const std::string& where) {
         if (found.empty()) return;
         for (std::size_t i = 0; i < expected.size(); ++i) {
-            if (std::memcmp(&expected[i], &found[i], sizeof(Real)) == 0) continue;
+            if (sameBits(expected[i], found[i])) continue;
             if (anyNan && std::isnan(expected[i]) && std::isnan(found[i])) continue;
             complain(where + ", element " + std::to_string(i) + ": expected " + show(expected[i]) +
                      ", found " + show(found[i]));
