@@ -25,14 +25,18 @@ Block compileBlock(const Code& code, const AllocationOptions& options) {
     bool any = false;
     for (const std::vector<int>& order : candidateOrders(code)) {
         Allocation allocation = allocate(code, order, options);
-        const double cycles = modelCycles(allocation.instructions);
+        const double cycles = (modelCycles(allocation.instructions, CoreKind::ThreePipe) +
+                               modelCycles(allocation.instructions, CoreKind::FourPipe)) /
+                              2;
         const double cost =
             cycles + kSpillWeight * allocation.spills +
             kInstructionWeight * static_cast<double>(allocation.instructions.size());
         if (any && cost >= bestCost) continue;
         any = true;
         bestCost = cost;
-        best.portBound = portBound(allocation.instructions);
+        best.portBound = (portBound(allocation.instructions, CoreKind::ThreePipe) +
+                          portBound(allocation.instructions, CoreKind::FourPipe)) /
+                         2;
         best.frameBytes = layOutFrame(allocation);
         best.spills = allocation.spills;
         best.modelCycles = cycles;
