@@ -27,14 +27,15 @@ std::string Decomposition::stages() const {
 }
 
 Part block(std::size_t length) {
-    return std::make_shared<const Decomposition>(Decomposition{length, Join::None, {}, {}, {}, {}});
+    return std::make_shared<const Decomposition>(
+        Decomposition{length, Join::None, {}, {}, {}, {}, {}});
 }
 
 Part goodThomas(const Part& first, const Part& second) {
     if (std::gcd(first->length, second->length) != 1)
         throw std::logic_error("the lengths of a Good-Thomas join are coprime");
     return std::make_shared<const Decomposition>(
-        Decomposition{first->length * second->length, Join::GoodThomas, first, second, {}, {}});
+        Decomposition{first->length * second->length, Join::GoodThomas, first, second, {}, {}, {}});
 }
 
 namespace {
@@ -54,12 +55,12 @@ std::vector<std::size_t> representatives(std::vector<std::size_t> named, std::si
 }  // namespace
 
 Part cooleyTukey(const Part& first, const Part& second, std::vector<std::size_t> columns,
-                 std::vector<std::size_t> rows) {
+                 std::vector<std::size_t> rows, TwiddleLanes twiddleLanes) {
     const std::size_t R = first->length;
     const std::size_t M = second->length;
-    return std::make_shared<const Decomposition>(
-        Decomposition{R * M, Join::CooleyTukey, first, second,
-                      representatives(std::move(columns), M), representatives(std::move(rows), R)});
+    return std::make_shared<const Decomposition>(Decomposition{
+        R * M, Join::CooleyTukey, first, second, representatives(std::move(columns), M),
+        representatives(std::move(rows), R), twiddleLanes});
 }
 
 Part mirrored(const Part& part) {
@@ -68,7 +69,9 @@ Part mirrored(const Part& part) {
             return goodThomas(mirrored(part->second), mirrored(part->first));
         case Join::CooleyTukey:
             return cooleyTukey(mirrored(part->second), mirrored(part->first), part->rows,
-                               part->columns);
+                               part->columns,
+                               part->twiddleLanes == TwiddleLanes::Rows ? TwiddleLanes::Columns
+                                                                        : TwiddleLanes::Rows);
         default:
             return part;
     }

@@ -11,6 +11,9 @@
 //   v[c][k]           = u[c][k] exp(-2 pi i c k / N)
 //   y[(k + R q) mod N] = sum over c of v[c][k] exp(-2 pi i c q / M).
 // The representatives are 0, 1, 2 .. unless others are named.
+//
+// The twiddle vectors hold rows (the lanes of the second stage) unless they hold columns (the lanes
+// of the first stage, as in a transform that mirrors another one).
 #pragma once
 
 #include <memory>
@@ -25,6 +28,8 @@ enum class Join {
     CooleyTukey,
 };
 
+enum class TwiddleLanes { Rows, Columns };
+
 struct Decomposition;
 using Part = std::shared_ptr<const Decomposition>;
 
@@ -33,6 +38,7 @@ struct Decomposition {
     Join join = Join::None;
     Part first, second;
     std::vector<std::size_t> columns, rows;  // representatives c and k
+    TwiddleLanes twiddleLanes = TwiddleLanes::Rows;
 
     std::size_t R() const { return first->length; }
     std::size_t M() const { return second->length; }
@@ -50,7 +56,8 @@ struct Decomposition {
 Part block(std::size_t length);
 Part goodThomas(const Part& first, const Part& second);
 Part cooleyTukey(const Part& first, const Part& second, std::vector<std::size_t> columns = {},
-                 std::vector<std::size_t> rows = {});
+                 std::vector<std::size_t> rows = {},
+                 TwiddleLanes twiddleLanes = TwiddleLanes::Rows);
 
 // The transform that runs the same stages backwards: outputs become inputs.
 Part mirrored(const Part& part);

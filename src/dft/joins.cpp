@@ -3,27 +3,37 @@
 #include <algorithm>
 
 #include "butterflies.h"
+#include "embedded_rader.h"
 
 namespace orvgen::dft {
 
-using kernelgen::cosTurn;
-using kernelgen::sinTurn;
-
 namespace {
 
-std::array<Constant, 4> everywhere(const Constant& c) { return {c, c, c, c}; }
+using FourConstants = std::array<Constant, 4>;
+
+FourConstants everywhere(const Constant& c) { return {c, c, c, c}; }
 
 bool isQuarterTurn(std::size_t num, std::size_t den) { return 4 * num % den == 0; }
 
-Constant cosine(std::size_t num, std::size_t den) {
-    return cosTurn(static_cast<long>(num), static_cast<long>(den));
+// The transforms number first .. first + count - 1.
+std::vector<Points> slice(const std::vector<Points>& all, std::size_t first, std::size_t count) {
+    return {all.begin() + static_cast<std::ptrdiff_t>(first),
+            all.begin() + static_cast<std::ptrdiff_t>(first + count)};
 }
-Constant sine(Direction direction, std::size_t num, std::size_t den) {
-    const Constant s = sinTurn(static_cast<long>(num), static_cast<long>(den));
-    return direction == Direction::Forward ? -s : s;
+
+std::string describe(std::size_t count, const Part& part) {
+    const std::string points = std::to_string(part->length) + " points";
+    return std::to_string(count) + " transforms of " + points +
+           (part->join == Join::None ? "" : " (" + part->stages() + ")");
 }
 
 }  // namespace
+
+ComplexConstant unitRoot(Direction direction, std::size_t num, std::size_t den) {
+    const Constant s = kernelgen::sinTurn(static_cast<long>(num), static_cast<long>(den));
+    return {kernelgen::cosTurn(static_cast<long>(num), static_cast<long>(den)),
+            direction == Direction::Forward ? -s : s};
+}
 
 Vector rotated(Direction direction, const Vector& z, std::size_t num, std::size_t den) {
     num %= den;
@@ -40,123 +50,130 @@ Vector rotated(Direction direction, const Vector& z, std::size_t num, std::size_
         }
     }
     // The imaginary constant is stored with the sign of the real one, so that at 45 degrees two
-    // products serve; if it is the other one, sum and difference trade places.
-    const Constant wr = cosine(num, den);
-    const Constant wi = sine(direction, num, den);
-    const bool opposite = wr.isNegative() != wi.isNegative();
-    const auto r = everywhere(wr);
-    const auto i = everywhere(opposite ? -wi : wi);
+    // products serve; if its own sign is the other one, sum and difference trade places.
+    const ComplexConstant w = unitRoot(direction, num, den);
+    const bool opposite = w.re.isNegative() != w.im.isNegative();
+    const FourConstants r = everywhere(w.re);
+    const FourConstants i = everywhere(opposite ? -w.im : w.im);
     if (opposite) return {r * z.re + i * z.im, r * z.im - i * z.re};
     return {r * z.re - i * z.im, i * z.re + r * z.im};
 }
 
-Vector operator*(const LaneConstants& w, const Vector& z) {
-    return {w.re * z.re - w.im * z.im, w.im * z.re + w.re * z.im};
+Points Joins::product(const ComplexConstants& w, const Points& z) {
+    FourConstants re = everywhere(0), im = everywhere(0);
+    for (std::size_t lane = 0; lane < z.size(); ++lane) {
+        re[lane] = w[lane].re;
+        im[lane] = w[lane].im;
+    }
+    const Vector v = lanes_->gather(z);
+    return lanes_->scatter({re * v.re - im * v.im, im * v.re + re * v.im}, z.size());
 }
 
 std::vector<Points> Joins::run(const Part& part, const std::vector<Points>& inputs) {
     std::vector<Points> outputs;
-    std::size_t done = 0;
-    while (done < inputs.size()) {
-        const std::size_t count = std::min<std::size_t>(4, inputs.size() - done);
-        const std::vector<Points> group(inputs.begin() + static_cast<long>(done),
-                                        inputs.begin() + static_cast<long>(done + count));
-        done += count;
-        if (count < 3 && part->join != Join::None) {
-            for (Points& y : runSplit(*part, group)) outputs.push_back(std::move(y));
-            continue;
-        }
-        Vectors z;
-        for (std::size_t n = 0; n < part->length; ++n) {
-            Points numbers;
-            for (const Points& x : group) numbers.push_back(x[n]);
-            z.push_back(lanes_->gather(numbers));
-        }
-        const Vectors y = runInLanes(part, z);
-        for (std::size_t lane = 0; lane < count; ++lane) {
-            Points numbers;
-            for (const Vector& v : y) numbers.push_back(lanes_->at(v, lane));
-            outputs.push_back(std::move(numbers));
-        }
+    for (std::size_t first = 0; first < inputs.size(); first += 4) {
+        const std::size_t count = std::min<std::size_t>(4, inputs.size() - first);
+        const std::vector<Points> group = slice(inputs, first, count);
+        for (Points& y : count == 4 ? runInLanes(part, group) : runRemainder(part, group))
+            outputs.push_back(std::move(y));
     }
     return outputs;
+}
+
+std::vector<Points> Joins::runRemainder(const Part& part, const std::vector<Points>& inputs) {
+    const bool split = inputs.size() < 3 && part->join != Join::None;
+    return split ? runSplit(*part, inputs) : runInLanes(part, inputs);
 }
 
 std::vector<Points> Joins::runSplit(const Decomposition& join, const std::vector<Points>& inputs) {
     const std::size_t R = join.R(), M = join.M();
-    std::vector<Points> first;
-    for (const Points& x : inputs)
-        for (std::size_t c = 0; c < M; ++c) {
-            first.emplace_back();
-            for (std::size_t t = 0; t < R; ++t) first.back().push_back(x[join.input(t, c)]);
-        }
-    name(std::to_string(first.size()) + " transforms of " + std::to_string(R) + " points (" +
-         join.first->stages() + ")");
+    // Columns stand in the order of the residues of their elements modulo M, which is the order in
+    // which a mirrored transform leaves them.
+    std::vector<std::size_t> place(M);
+    for (std::size_t c = 0; c < M; ++c) place[c] = join.input(0, c) % M;
+
+    std::vector<Points> u(inputs.size() * M);
+    for (std::size_t s = 0; s < inputs.size(); ++s)
+        for (std::size_t c = 0; c < M; ++c)
+            for (std::size_t t = 0; t < R; ++t)
+                u[s * M + place[c]].push_back(inputs[s][join.input(t, c)]);
+    name(describe(u.size(), join.first));
     ++depth_;
-    const std::vector<Points> u = run(join.first, first);
+    u = run(join.first, u);
     --depth_;
 
-    std::vector<Points> second;  // row k of each sub-transform
+    if (join.join == Join::CooleyTukey) {
+        name("twiddles of order " + std::to_string(join.length));
+        twiddle(join, u);
+    }
+
+    std::vector<Points> v;  // row k of each sub-transform
     for (std::size_t s = 0; s < inputs.size(); ++s)
         for (std::size_t k = 0; k < R; ++k) {
-            second.emplace_back();
-            for (std::size_t c = 0; c < M; ++c) second.back().push_back(u[s * M + c][k]);
+            v.emplace_back();
+            for (std::size_t c = 0; c < M; ++c) v.back().push_back(u[s * M + place[c]][k]);
         }
-    name((join.join == Join::CooleyTukey ? "twiddles, and " : "") + std::to_string(second.size()) +
-         " transforms of " + std::to_string(M) + " points (" + join.second->stages() + ")");
+    name(describe(v.size(), join.second));
     ++depth_;
-    const std::vector<Points> v =
-        join.join == Join::CooleyTukey ? runTwiddled(join, second) : run(join.second, second);
+    v = run(join.second, v);
     --depth_;
 
-    std::vector<Points> outputs;
-    for (std::size_t s = 0; s < inputs.size(); ++s) {
-        Points y(join.length);
+    std::vector<Points> outputs(inputs.size(), Points(join.length));
+    for (std::size_t s = 0; s < inputs.size(); ++s)
         for (std::size_t k = 0; k < R; ++k)
-            for (std::size_t q = 0; q < M; ++q) y[join.output(k, q)] = v[s * R + k][q];
-        outputs.push_back(std::move(y));
-    }
+            for (std::size_t q = 0; q < M; ++q) outputs[s][join.output(k, q)] = v[s * R + k][q];
     return outputs;
 }
 
-// Lanes are rows; column c of a group meets the twiddles of c with the group's rows. Column 0 has
-// none; in all others every lane is multiplied, also by 1.
-std::vector<Points> Joins::runTwiddled(const Decomposition& join, const std::vector<Points>& rows) {
-    std::vector<Points> outputs;
-    for (std::size_t first = 0; first < rows.size(); first += 4) {
-        const std::size_t count = std::min<std::size_t>(4, rows.size() - first);
-        Vectors z;
-        for (std::size_t c = 0; c < join.M(); ++c) {
-            Points numbers;
-            LaneConstants w{everywhere(0), everywhere(0)};
-            for (std::size_t lane = 0; lane < count; ++lane) {
-                numbers.push_back(rows[first + lane][c]);
-                const std::size_t turn = join.twiddle(c, (first + lane) % join.R());
-                w.re[lane] = cosine(turn, join.length);
-                w.im[lane] = sine(direction_, turn, join.length);
+// Column 0 (with the rows in the lanes) or row 0 (with the columns) has no twiddles; of all others
+// every lane is multiplied, also by 1.
+void Joins::twiddle(const Decomposition& join, std::vector<Points>& u) {
+    const std::size_t R = join.R(), M = join.M();
+    const bool rows = join.twiddleLanes == TwiddleLanes::Rows;
+    const std::size_t lanesPerTransform = rows ? R : M;
+    const std::size_t count = u.size() / M * lanesPerTransform;
+    for (std::size_t other = 0; other < (rows ? M : R); ++other) {
+        if ((rows ? join.columns[other] : join.rows[other]) == 0) continue;
+        for (std::size_t first = 0; first < count; first += 4) {
+            std::vector<Point*> numbers;
+            ComplexConstants w;
+            Points z;
+            for (std::size_t i = first; i < std::min(first + 4, count); ++i) {
+                const std::size_t inLane = i % lanesPerTransform;
+                const std::size_t c = rows ? other : inLane, k = rows ? inLane : other;
+                numbers.push_back(&u[i / lanesPerTransform * M + c][k]);
+                w.push_back(unitRoot(direction_, join.twiddle(c, k), join.length));
+                z.push_back(*numbers.back());
             }
-            const Vector u = lanes_->gather(numbers);
-            z.push_back(join.columns[c] == 0 ? u : w * u);
-        }
-        const Vectors y = runInLanes(join.second, z);
-        for (std::size_t lane = 0; lane < count; ++lane) {
-            Points numbers;
-            for (const Vector& v : y) numbers.push_back(lanes_->at(v, lane));
-            outputs.push_back(std::move(numbers));
+            const Points turned = product(w, z);
+            for (std::size_t i = 0; i < z.size(); ++i) *numbers[i] = turned[i];
         }
     }
+}
+
+std::vector<Points> Joins::runInLanes(const Part& part, const std::vector<Points>& inputs) {
+    Vectors z;
+    for (std::size_t n = 0; n < part->length; ++n) {
+        Points numbers;
+        for (const Points& x : inputs) numbers.push_back(x[n]);
+        z.push_back(lanes_->gather(numbers));
+    }
+    std::vector<Points> outputs(inputs.size());
+    for (const Vector& y : runVectors(part, z))
+        for (std::size_t lane = 0; lane < inputs.size(); ++lane)
+            outputs[lane].push_back(lanes_->at(y, lane));
     return outputs;
 }
 
-Vectors Joins::runInLanes(const Part& part, const Vectors& z) {
-    if (part->join == Join::None) return butterfly(direction_, z);
+Vectors Joins::runVectors(const Part& part, const Vectors& z) {
+    if (part->join == Join::None) return runBlock(z);
     const Decomposition& join = *part;
     const std::size_t R = join.R(), M = join.M();
     std::vector<Vectors> u;
     for (std::size_t c = 0; c < M; ++c) {
         Vectors x;
         for (std::size_t t = 0; t < R; ++t) x.push_back(z[join.input(t, c)]);
-        u.push_back(runInLanes(join.first, x));
+        u.push_back(runVectors(join.first, x));
     }
     Vectors y(join.length);
     for (std::size_t k = 0; k < R; ++k) {
@@ -165,10 +182,14 @@ Vectors Joins::runInLanes(const Part& part, const Vectors& z) {
             v.push_back(join.join == Join::GoodThomas
                             ? u[c][k]
                             : rotated(direction_, u[c][k], join.twiddle(c, k), join.length));
-        const Vectors x = runInLanes(join.second, v);
+        const Vectors x = runVectors(join.second, v);
         for (std::size_t q = 0; q < M; ++q) y[join.output(k, q)] = x[q];
     }
     return y;
+}
+
+Vectors Joins::runBlock(const Vectors& z) {
+    return hasEmbeddedRader(z.size()) ? embeddedRader(direction_, z) : butterfly(direction_, z);
 }
 
 void Joins::name(const std::string& stage) {

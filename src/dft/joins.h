@@ -6,21 +6,44 @@
 
 namespace orvgen::dft {
 
+struct ComplexConstant {
+    Constant re, im;
+};
+using ComplexConstants = std::vector<ComplexConstant>;
+
+// exp(-+ 2 pi i num/den)
+ComplexConstant unitRoot(Direction direction, std::size_t num, std::size_t den);
+
 class Joins {
   public:
     Joins(Lanes& lanes, Direction direction) : lanes_(&lanes), direction_(direction) {}
+    Joins(const Joins&) = delete;
+    Joins& operator=(const Joins&) = delete;
+    virtual ~Joins() = default;
 
     // Each entry is the input of one sub-transform, and becomes its output. Four sub-transforms at
-    // a time fill the lanes and run their stages there; what is left over is taken apart by its
-    // first join, and each stage fills the lanes anew as far as it can.
+    // a time fill the lanes and run all their stages there.
     std::vector<Points> run(const Part& part, const std::vector<Points>& inputs);
 
+    // Numbers times constants of their own, all of them full products. One to four of them.
+    virtual Points product(const ComplexConstants& w, const Points& z);
+
+  protected:
+    // One to three sub-transforms that are left over. Here they leave lanes empty; one or two of
+    // several stages are taken apart by their first join, and each stage fills the lanes anew.
+    virtual std::vector<Points> runRemainder(const Part& part, const std::vector<Points>& inputs);
+
+    std::vector<Points> runSplit(const Decomposition& join, const std::vector<Points>& inputs);
+    std::vector<Points> runInLanes(const Part& part, const std::vector<Points>& inputs);
     // One sub-transform in each lane.
-    Vectors runInLanes(const Part& part, const Vectors& z);
+    Vectors runVectors(const Part& part, const Vectors& z);
+    virtual Vectors runBlock(const Vectors& z);
+
+    Lanes& lanes() { return *lanes_; }
+    Direction direction() const { return direction_; }
 
   private:
-    std::vector<Points> runSplit(const Decomposition& join, const std::vector<Points>& inputs);
-    std::vector<Points> runTwiddled(const Decomposition& join, const std::vector<Points>& rows);
+    void twiddle(const Decomposition& join, std::vector<Points>& u);
     void name(const std::string& stage);
 
     Lanes* lanes_;
@@ -31,11 +54,5 @@ class Joins {
 // z exp(-+ 2 pi i num/den), the same in all lanes: a quarter turn is an exchange and a sign, any
 // other one a full complex product.
 Vector rotated(Direction direction, const Vector& z, std::size_t num, std::size_t den);
-
-// z times constants of its own in every lane, all of them full products.
-struct LaneConstants {
-    std::array<Constant, 4> re, im;
-};
-Vector operator*(const LaneConstants& w, const Vector& z);
 
 }  // namespace orvgen::dft

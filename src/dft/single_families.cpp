@@ -74,9 +74,12 @@ Family family(const std::string& name, Direction direction, const std::vector<in
 }  // namespace
 
 std::vector<Family> complexSingleFamilies() {
-    const std::vector<int> lengths{2,  3,  4,  5,  6,  8,  9,  10, 12, 14, 15, 16, 18,
-                                   20, 21, 22, 24, 25, 27, 28, 30, 32, 33, 35, 36, 40,
-                                   42, 44, 45, 48, 49, 50, 54, 55, 56, 60, 63, 64};
+    std::vector<int> lengths;
+    for (int n = 2; n <= 64; ++n) {
+        const bool rader =
+            n > 5 && singleDecomposition(static_cast<std::size_t>(n))->join == Join::None;
+        if (!rader) lengths.push_back(n);
+    }
     return {family("orvgDFTFwd_CToC_32fc", Direction::Forward, lengths),
             family("orvgDFTInv_CToC_32fc", Direction::Inverse, lengths)};
 }

@@ -1,0 +1,48 @@
+// The transforms of Rader's cycle of length L in the real-lane form, for L = 12 to 30.
+//
+// forward: bins A[0..L/2] of the real sequence a.
+// inverse: z[r] = sum over k = 0 .. L/2 of Re(D[k] exp(2 pi i k r / L)); the inner D[k] are doubled
+// for their conjugates. The split form gives the parts of even and of odd k apart, r < L/2.
+#pragma once
+
+#include "lanes.h"
+#include "real_blocks.h"
+
+namespace orvgen::dft {
+
+using Reals = std::vector<Value>;
+using Spectrum = HalfSpectrum<Value>;
+
+// The even and the odd frequencies' part of the first half of a sequence; the second half is
+// even - odd.
+struct SplitCycle {
+    Reals even, odd;
+};
+
+// The bins whose imaginary part comes times sin(pi/3), so that the three-point block that takes
+// them needs no product for it.
+using SineFolds = std::vector<std::size_t>;
+
+Spectrum forwardCycle12(const Reals& a);
+SplitCycle inverseCycle12(const Spectrum& D, const SineFolds& folds);
+
+Spectrum forwardCycle16(const Reals& a);
+SplitCycle inverseCycle16(const Spectrum& D);
+
+// D[3] and D[6] are folded.
+Spectrum forwardCycle18(const Reals& a);
+Reals inverseCycle18(const Spectrum& D);
+
+Spectrum forwardCycle22(const Reals& a);
+Reals inverseCycle22(const Spectrum& D);
+
+Spectrum forwardCycle28(const Reals& a);
+Reals inverseCycle28(const Spectrum& D);
+
+// The sign with which the odd frequencies enter decides the order of terms of their five-point
+// blocks.
+enum class OddPart { Added, Subtracted };
+Spectrum forwardCycle30(const Reals& a);
+Reals inverseCycle30(const Spectrum& D, OddPart oddPart);
+
+}  // namespace orvgen::dft
