@@ -219,7 +219,7 @@ class KernelPrinter {
         text += "\tlea\trcx, [rip + .L" + kernel_.name + "_pool" +
                 (pool.bias ? " + " + std::to_string(pool.bias) : "") + "]\n";
         text += printFlagGate(scales_, kernel_.scale, pool.bias, local + "_body" + suffix);
-        text += "\t.p2align\t4\n" + local + "_body" + suffix + ":\n";
+        text += local + "_body" + suffix + ":\n";
         // The stack is 8 above a multiple of 16 at entry; the frame makes the slots aligned.
         const int frame = block_.frameBytes ? block_.frameBytes + 8 : 0;
         if (frame) {

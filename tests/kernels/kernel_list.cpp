@@ -1,0 +1,106 @@
+#include "kernel_list.h"
+
+#include <stdexcept>
+
+#include "frame/families.h"
+#include "kernelgen/compile.h"
+#include "kernelgen/registry.h"
+
+namespace orvgen::test {
+
+namespace {
+
+bool contains(const std::string& text, const char* part) {
+    return text.find(part) != std::string::npos;
+}
+
+// What src and dst hold, by the definition of the family's data.
+void describeBuffers(ListedKernel& k) {
+    const auto n = static_cast<std::size_t>(k.length);
+    const std::size_t ccs = n % 2 == 0 ? n + 2 : n + 1;
+    k.srcCount = k.dstCount = k.complex ? 2 * n : n;
+    if (contains(k.name, "RToCCS")) k.dstCount = ccs;
+    if (contains(k.name, "CCSToR")) {
+        k.srcCount = ccs;
+        k.neverRead = {1};
+        if (n % 2 == 0) k.neverRead.push_back(n + 1);
+    }
+    // The last vector of these two takes in the element behind src.
+    if (contains(k.name, "_32fc") && (n == 47 || n == 59)) k.srcBeyond = 2;
+}
+
+template <class T, class Fixed, class ByLength, class Twin>
+ListedKernel listed(const std::string& name, int length, const std::string& type, Fixed* fixed,
+                    ByLength* byLength, Twin twin, int firstTwin) {
+    ListedKernel k;
+    k.family = "orvg" + name + "_" + type;
+    k.length = length;
+    k.name = kernelgen::memberName(k.family, length);
+    k.single = contains(type, "32");
+    k.complex = contains(type, "c");
+    k.call = [fixed](const void* src, void* dst, std::int32_t flag) {
+        return fixed(static_cast<const T*>(src), static_cast<T*>(dst), flag);
+    };
+    k.dispatch = [byLength, length](const void* src, void* dst, std::int32_t flag) {
+        return byLength(static_cast<const T*>(src), static_cast<T*>(dst), length, flag);
+    };
+    if constexpr (!std::is_same_v<Twin, std::nullptr_t>) {
+        k.twin = [twin](const void* src, void* dst, std::int32_t flag) {
+            return twin(static_cast<const T*>(src), static_cast<T*>(dst), flag);
+        };
+        k.twinName = "owng" + k.name.substr(4) + "_unaligned";
+    }
+    k.twoBodies = type == "64fc" && length < firstTwin;
+    describeBuffers(k);
+    return k;
+}
+
+// The twin where there is one. A template, so that the branch not taken names no function.
+#define TWIN(NAME, N, T)                                    \
+    [] {                                                    \
+        return [](auto length) {                            \
+            if constexpr (length() >= firstTwinLength_##T)  \
+                return &owng##NAME##_##N##_##T##_unaligned; \
+            else                                            \
+                return nullptr;                             \
+        }(std::integral_constant<int, N>());                \
+    }()
+
+std::vector<ListedKernel> makeList() {
+    std::vector<ListedKernel> list;
+#define MEMBER(NAME, N, T)                                                                \
+    list.push_back(listed<Orv##T>(#NAME, N, #T, orvg##NAME##_##N##_##T, orvg##NAME##_##T, \
+                                  TWIN(NAME, N, T), firstTwinLength_##T));
+#define FAMILY(NAME, T, LIST) LIST(MEMBER, NAME, T)
+    ORVGEN_LENGTH_FAMILIES(FAMILY)
+#undef FAMILY
+#undef MEMBER
+    return list;
+}
+
+}  // namespace
+
+kernelgen::Kernel ListedKernel::kernel() const {
+    static const std::vector<kernelgen::Family> families = kernelgen::allFamilies();
+    for (const kernelgen::Family& f : families)
+        if (f.name == family) return f.kernel(length);
+    throw std::runtime_error("no flow for " + name);
+}
+
+double ListedKernel::scale(std::int32_t flag) const {
+    using kernelgen::ScaleKind;
+    const bool inverse = contains(family, "Inv");
+    const bool hartley = contains(family, "Hartley");
+    ScaleKind kind = ScaleKind::None;
+    if (flag == orvScaleBySqrtN) kind = ScaleKind::BySqrtN;
+    if (flag == orvScaleFwdByN && !inverse) kind = ScaleKind::ByN;
+    if (flag == orvScaleInvByN && (inverse || hartley)) kind = ScaleKind::ByN;
+    return kernelgen::storedScale(kind, length, single);
+}
+
+const std::vector<ListedKernel>& listedKernels() {
+    static const std::vector<ListedKernel> list = makeList();
+    return list;
+}
+
+}  // namespace orvgen::test
