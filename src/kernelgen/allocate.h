@@ -16,6 +16,8 @@ struct AllocationOptions {
     // A store to dst ends the life of all of src (any overlap is harmless), or only of the bytes
     // that it covers (src equal to dst is harmless).
     bool storesEndAllOfSrc = true;
+    // The largest frame in bytes; 0: any. Orders that need more are passed over.
+    int frameLimit = 0;
 };
 
 struct Allocation {

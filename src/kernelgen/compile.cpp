@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <stdexcept>
 
 #include "core_model.h"
 #include "count.h"
@@ -15,7 +16,8 @@ namespace {
 
 constexpr double kSpillWeight = 0.1;
 constexpr double kInstructionWeight = 0.02;
-constexpr int kBias = 128;  // one-byte displacements reach from -128 to 127
+constexpr int kScalarFrame = 688;  // what a kernel of scalar code may need of the stack
+constexpr int kBias = 128;         // one-byte displacements reach from -128 to 127
 
 }  // namespace
 
@@ -25,23 +27,21 @@ Block compileBlock(const Code& code, const AllocationOptions& options) {
     bool any = false;
     for (const std::vector<int>& order : candidateOrders(code)) {
         Allocation allocation = allocate(code, order, options);
-        const double cycles = (modelCycles(allocation.instructions, CoreKind::ThreePipe) +
-                               modelCycles(allocation.instructions, CoreKind::FourPipe)) /
-                              2;
-        const double cost =
-            cycles + kSpillWeight * allocation.spills +
-            kInstructionWeight * static_cast<double>(allocation.instructions.size());
+        const std::vector<MachineInstruction>& block = allocation.instructions;
+        const double cycles =
+            (modelCycles(block, CoreKind::ThreePipe) + modelCycles(block, CoreKind::FourPipe)) / 2;
+        const double cost = cycles + kSpillWeight * allocation.spills +
+                            kInstructionWeight * static_cast<double>(block.size());
         if (any && cost >= bestCost) continue;
+        const double bound =
+            (portBound(block, CoreKind::ThreePipe) + portBound(block, CoreKind::FourPipe)) / 2;
+        const int frameBytes = layOutFrame(allocation);
+        if (options.frameLimit > 0 && frameBytes > options.frameLimit) continue;
         any = true;
         bestCost = cost;
-        best.portBound = (portBound(allocation.instructions, CoreKind::ThreePipe) +
-                          portBound(allocation.instructions, CoreKind::FourPipe)) /
-                         2;
-        best.frameBytes = layOutFrame(allocation);
-        best.spills = allocation.spills;
-        best.modelCycles = cycles;
-        best.instructions = std::move(allocation.instructions);
+        best = {std::move(allocation.instructions), frameBytes, allocation.spills, cycles, bound};
     }
+    if (!any) throw std::runtime_error("no order of the kernel keeps within its frame");
     renumberRegisters(best.instructions);
     return best;
 }
@@ -101,7 +101,7 @@ class KernelPrinter {
         const Code code = lower(flow, {kernel_.halvesOnly});
         const bool scalar =
             flow.arithmetic() == Arithmetic::Single || flow.arithmetic() == Arithmetic::Double;
-        block_ = compileBlock(code, {scalar, kernel_.readsAllFirst});
+        block_ = compileBlock(code, {scalar, kernel_.readsAllFirst, scalar ? kScalarFrame : 0});
         stages_ = code.stages;
         layOutScales(flow);
         pool_ = layOutPool(code.pool, block_.instructions, scaleBytes_);

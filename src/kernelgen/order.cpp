@@ -8,7 +8,7 @@ namespace {
 
 using Order = std::vector<int>;
 
-constexpr int kLiveLimit = 16;
+constexpr int kRegisters = 16;
 
 std::size_t at(int i) { return static_cast<std::size_t>(i); }
 
@@ -106,7 +106,8 @@ Order depthFirst(const Dependences& d, const Code& code, bool longestFirst) {
 // used there, and little is live across a cut.
 class Bisection {
   public:
-    Bisection(const Dependences& d, std::size_t size) : d_(d), part_(size, -1), colour_(size, 0) {}
+    Bisection(const Dependences& d, std::size_t size, bool resultsFirst)
+        : d_(d), part_(size, -1), colour_(size, 0), resultsFirst_(resultsFirst) {}
 
     Order run() {
         for (const int i : d_.body) part_[at(i)] = 0;
@@ -174,19 +175,20 @@ class Bisection {
             });
         };
         std::size_t left = set.size();
+        const auto layer = [&](bool sources) {
+            const int colour = sources ? kFirst : kSecond;
+            Order found;
+            for (const int i : set)
+                if (!colour_[at(i)] && all((sources ? d_.operands : d_.users)[at(i)], colour))
+                    found.push_back(i);
+            for (const int i : found) colour_[at(i)] = colour;
+            left -= found.size();
+            return !found.empty();
+        };
         while (left > 0) {
-            Order layer;
-            for (const int i : set)
-                if (!colour_[at(i)] && all(d_.operands[at(i)], kFirst)) layer.push_back(i);
-            for (const int i : layer) colour_[at(i)] = kFirst;
-            left -= layer.size();
-            const bool down = !layer.empty();
-            layer.clear();
-            for (const int i : set)
-                if (!colour_[at(i)] && all(d_.users[at(i)], kSecond)) layer.push_back(i);
-            for (const int i : layer) colour_[at(i)] = kSecond;
-            left -= layer.size();
-            if (!down && layer.empty()) break;
+            const bool one = layer(!resultsFirst_);
+            const bool other = layer(resultsFirst_);
+            if (!one && !other) break;
         }
         std::pair<Order, Order> halves;
         for (const int i : set)
@@ -197,6 +199,7 @@ class Bisection {
     const Dependences& d_;
     std::vector<int> part_;
     std::vector<int> colour_;
+    bool resultsFirst_;
     Order order_;
     int lastPart_ = 0;
 };
@@ -255,18 +258,20 @@ Order windowed(const Dependences& d, const Order& base, std::size_t window, int 
 
 std::vector<std::vector<int>> candidateOrders(const Code& code) {
     const Dependences d(code);
+    const std::size_t n = code.instructions.size();
     const std::vector<Order> bases = {
         d.body,
         depthFirst(d, code, false),
         depthFirst(d, code, true),
-        Bisection(d, code.instructions.size()).run(),
+        Bisection(d, n, false).run(),
+        Bisection(d, n, true).run(),
     };
     std::vector<Order> orders;
     for (const Order& base : bases) {
         orders.push_back(base);
-        for (const std::size_t window :
-             {std::size_t{8}, std::size_t{16}, std::size_t{32}, std::size_t{64}})
-            orders.push_back(windowed(d, base, window, kLiveLimit));
+        for (const int live : {kRegisters - 4, kRegisters - 2, kRegisters})
+            for (const std::size_t window : {8, 16, 32, 64})
+                orders.push_back(windowed(d, base, window, live));
     }
     for (Order& order : orders) order.insert(order.begin(), d.loads.begin(), d.loads.end());
     return orders;
