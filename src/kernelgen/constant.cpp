@@ -1,6 +1,8 @@
 #include "constant.h"
 
+#include <map>
 #include <numeric>
+#include <tuple>
 
 namespace orvgen::kernelgen {
 
@@ -15,8 +17,15 @@ const Real& pi() {
 Real octant(long num, long den, bool sine) {
     if (num == 0) return sine ? Real(0) : Real(1);
     if (12 * num == den && sine) return Real(1) / 2;
-    const Real angle = 2 * pi() * num / den;
-    return sine ? Real(sin(angle)) : Real(cos(angle));
+    // A flow asks for few angles and for each of them often.
+    static std::map<std::tuple<long, long, bool>, Real> known;
+    const long common = std::gcd(num, den);
+    const auto [place, isNew] = known.try_emplace({num / common, den / common, sine});
+    if (isNew) {
+        const Real angle = 2 * pi() * num / den;
+        place->second = sine ? Real(sin(angle)) : Real(cos(angle));
+    }
+    return place->second;
 }
 
 // cos(2 pi num/den) by reflections: half circle, quarter circle, octant.
