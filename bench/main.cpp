@@ -1,0 +1,204 @@
+// The benchmark: every kernel beside other libraries and beside the bound of its own operations, in
+// core cycles. Ratios come first: their cycles over ours, above 1 where ours is faster.
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <random>
+#include <regex>
+#include <stdexcept>
+
+#include "measure.h"
+#include "operations.h"
+#include "peers.h"
+#include "port_table.h"
+#include "report.h"
+#include "subject.h"
+#include "support/machine_code.h"
+
+namespace orvgen::bench {
+namespace {
+
+constexpr const char* usage =
+    "usage: bench [--only REGEX] [--ports TABLE] [--out FOLDER] [--quick] [--same-isa]\n"
+    "  --only REGEX   kernels whose name matches (for instance '_64_32fc|WHT')\n"
+    "  --ports TABLE  zen5, golden-cove or a file that bench_ports wrote; by default this core's\n"
+    "  --out FOLDER   where the tables and the plot go\n"
+    "  --quick        fewer and shorter samples\n"
+    "  --same-isa     also an FFTW built here from Debian's source with SSE2 alone\n";
+
+struct Options {
+    std::regex only{""};
+    std::string ports;
+    std::filesystem::path out = ORVGEN_BENCH_OUT;
+    bool quick = false;
+    bool sameIsa = false;
+};
+
+Options parse(int argc, char** argv) {
+    Options o;
+    for (int i = 1; i < argc; ++i) {
+        const std::string word = argv[i];
+        const auto value = [&]() -> std::string {
+            if (++i == argc) throw std::runtime_error(word + " needs a value");
+            return argv[i];
+        };
+        if (word == "--only") {
+            o.only = std::regex(value());
+        } else if (word == "--ports") {
+            o.ports = value();
+        } else if (word == "--out") {
+            o.out = value();
+        } else if (word == "--quick") {
+            o.quick = true;
+        } else if (word == "--same-isa") {
+            o.sameIsa = true;
+        } else {
+            throw std::runtime_error("unknown argument " + word);
+        }
+    }
+    return o;
+}
+
+// Aligned memory with ordinary numbers in it.
+class Buffer {
+  public:
+    explicit Buffer(std::size_t bytes) : size((bytes + 4096) / 64 * 64) {
+        memory.reset(std::aligned_alloc(4096, (size + 4095) / 4096 * 4096));
+    }
+    void fill(bool wide) const {
+        std::mt19937 engine(7);
+        std::uniform_real_distribution<double> value(-1, 1);
+        for (std::size_t at = 0; at + 8 <= size; at += wide ? 8 : 4) {
+            const double d = value(engine);
+            const auto f = static_cast<float>(d);
+            std::memcpy(data() + at, wide ? static_cast<const void*>(&d) : &f, wide ? 8 : 4);
+        }
+    }
+    unsigned char* data() const { return static_cast<unsigned char*>(memory.get()); }
+
+  private:
+    std::size_t size;
+    std::unique_ptr<void, decltype(&std::free)> memory{nullptr, std::free};
+};
+
+struct Peer {
+    std::string name;
+    std::function<std::optional<Loop>(const Problem&, void*, void*)> plan;
+};
+
+// Other libraries measured once a problem: the packed formats of a length share theirs.
+using Known = std::map<std::string, std::map<std::string, Cycles>>;
+
+std::string keyOf(const Problem& p) {
+    return std::to_string(static_cast<int>(p.transform)) + (p.inverse ? "i" : "f") +
+           (p.wide ? "d" : "s") + std::to_string(p.length);
+}
+
+int run(const Options& options) {
+    Effort effort;
+    if (options.quick) {
+        effort.samples = 5;
+        effort.cyclesPerSample = 20000;
+        effort.briefSamples = 9;
+    }
+    const Measurement measure(effort);
+    const PortTable ports =
+        options.ports.empty() ? PortTable::detected() : PortTable::read(options.ports);
+    const test::MachineCode code(ORVGEN_LIBRARY_FILE);
+
+    Fftw installed;
+    std::unique_ptr<Fftw> same;
+    std::vector<Peer> peers;
+    Heading heading;
+    heading.notes = {
+        "their cycles over ours (above 1: ours is faster), then our cycles: long bursts, "
+        "short bursts, latency; bound by the port table " +
+        ports.name()};
+    if (!installed.loaded()) throw std::runtime_error("FFTW is not installed");
+    heading.notes.push_back("fftw: " + installed.version() + " as installed, patient plans");
+    peers.push_back(
+        {"fftw", [&](const Problem& p, void* s, void* d) { return installed.plan(p, s, d); }});
+    if (options.sameIsa) {
+        const std::string folder = std::string(ORVGEN_BENCH_OUT) + "/fftw-sse2";
+        if (std::system((std::string(ORVGEN_BUILD_FFTW) + " '" + folder + "'").c_str()) != 0) {
+            throw std::runtime_error("cannot build FFTW with SSE2 alone");
+        }
+        same = std::make_unique<Fftw>(folder + "/lib");
+        if (!same->loaded()) throw std::runtime_error("no FFTW in " + folder);
+        heading.notes.push_back("fftw-sse2: " + same->version() + " built with SSE2 alone");
+        peers.push_back(
+            {"fftw-sse2", [&](const Problem& p, void* s, void* d) { return same->plan(p, s, d); }});
+    }
+    peers.push_back({"kissfft", [](const Problem& p, void*, void*) { return kissPlan(p); }});
+    peers.push_back({"plain", [](const Problem& p, void*, void*) { return plainLoop(p); }});
+    for (const Peer& p : peers) heading.libraries.push_back(p.name);
+
+    std::vector<Subject> subjects;
+    for (Subject& s : allSubjects()) {
+        if (std::regex_search(s.name, options.only)) subjects.push_back(std::move(s));
+    }
+    if (subjects.empty()) throw std::runtime_error("no such kernels");
+    std::fputs(tableHead(heading).c_str(), stdout);
+    std::vector<Result> results;
+    Known known;
+    for (std::size_t i = 0; i < subjects.size(); ++i) {
+        const Subject& s = subjects[i];
+        const std::size_t bytes = std::max(s.problem.srcBytes, s.problem.dstBytes) + 64;
+        const Buffer src(bytes), dst(bytes);
+        src.fill(s.problem.wide);
+        dst.fill(s.problem.wide);
+        Result r;
+        r.name = s.name;
+        r.family = s.family;
+        r.length = s.problem.length;
+        r.ours.burst = measure.burst(s.loop, src.data(), dst.data(), false);
+        r.ours.latency = measure.burst(s.loop, src.data(), dst.data(), true);
+        // Before a short burst: neighbours in the list that fit the buffers.
+        std::vector<const Loop*> others;
+        for (std::size_t k = 1; k < subjects.size() && others.size() < 4; ++k) {
+            const Subject& o = subjects[(i + k * 7) % subjects.size()];
+            if (std::max(o.problem.srcBytes, o.problem.dstBytes) < bytes && o.name != s.name) {
+                others.push_back(&o.loop);
+            }
+        }
+        r.ours.brief = measure.brief(s.loop, src.data(), dst.data(), others);
+        const OperationCounts counts = operationsOf(code, s.name);
+        if (!counts.empty()) r.bound = ports.bound(counts);
+        const auto [slot, fresh] = known.try_emplace(keyOf(s.problem));
+        if (fresh) {
+            for (const Peer& peer : peers) {
+                const auto loop = peer.plan(s.problem, src.data(), dst.data());
+                if (!loop) continue;
+                src.fill(s.problem.wide);
+                slot->second[peer.name] = measure.burst(*loop, src.data(), dst.data(), false);
+            }
+        }
+        r.others = slot->second;
+        std::fputs(tableRow(heading, r).c_str(), stdout);
+        std::fflush(stdout);
+        results.push_back(std::move(r));
+    }
+    std::fputs(summary(heading, results).c_str(), stdout);
+    writeReport(options.out, heading, results);
+    std::printf("written to %s\n", options.out.string().c_str());
+    return 0;
+}
+
+}  // namespace
+}  // namespace orvgen::bench
+
+int main(int argc, char** argv) {
+    try {
+        if (argc == 2 && (std::strcmp(argv[1], "--help") == 0 || std::strcmp(argv[1], "-h") == 0)) {
+            std::fputs(orvgen::bench::usage, stdout);
+            return 0;
+        }
+        return orvgen::bench::run(orvgen::bench::parse(argc, argv));
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "bench: %s\n%s", e.what(), orvgen::bench::usage);
+        return 2;
+    }
+}

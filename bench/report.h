@@ -1,0 +1,39 @@
+// What the benchmark writes: the table, the summary of each family, the plot.
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "measure.h"
+
+namespace orvgen::bench {
+
+struct Result {
+    std::string name;
+    std::string family;
+    int length = 0;
+    Timing ours;
+    std::optional<double> bound;           // cycles of the kernel's own operations
+    std::map<std::string, Cycles> others;  // by library, long bursts
+};
+
+struct Heading {
+    std::string core;                    // of the port table
+    std::vector<std::string> libraries;  // in the order of the columns
+    std::vector<std::string> notes;
+};
+
+std::string tableHead(const Heading& heading);
+std::string tableRow(const Heading& heading, const Result& result);
+// For each family and each library: geometric mean and worst of (their cycles / ours), and the same
+// of (our cycles / bound).
+std::string summary(const Heading& heading, const std::vector<Result>& results);
+
+// table.txt, table.csv, summary.txt and, where gnuplot is there, one PNG of all families.
+void writeReport(const std::filesystem::path& folder, const Heading& heading,
+                 const std::vector<Result>& results);
+
+}  // namespace orvgen::bench

@@ -1,0 +1,61 @@
+// What is measured: the kernels of the public header's lists, and other libraries that do the same.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace orvgen::bench {
+
+enum class Transform { complexDft, realForward, realInverse, hartley, wht, dct4 };
+
+struct Problem {
+    Transform transform = Transform::complexDft;
+    bool inverse = false;
+    bool wide = false;  // binary64
+    int length = 0;     // points
+    std::size_t srcBytes = 0;
+    std::size_t dstBytes = 0;
+};
+
+// A function that runs `calls` transforms from src to dst, one after the other. `chained` calls
+// wait for each other: the address of each call's source is made of the result of the one before.
+using Loop = std::function<void(const void* src, void* dst, int calls, bool chained)>;
+
+struct Subject {
+    std::string name;    // of the kernel
+    std::string family;  // of its list, for the summary
+    std::string format;  // RToCCS and the like; empty where there is one only
+    Problem problem;
+    Loop loop;
+};
+
+// All kernels that exist, in the order of the lists. DCT-IV: the lengths 2 to 1024.
+std::vector<Subject> allSubjects();
+
+// Waits for the result in dst and gives a zero that depends on it.
+inline std::ptrdiff_t dependence(const void* dst) {
+    std::ptrdiff_t zero = 0;
+    asm volatile("movl (%1), %k0\n\tandl $0, %k0" : "=&r"(zero) : "r"(dst) : "cc", "memory");
+    return zero;
+}
+
+// The loop over one call, written once for ours and for theirs.
+template <class Call>
+Loop makeLoop(Call call) {
+    return [call](const void* src, void* dst, int calls, bool chained) {
+        const auto* from = static_cast<const unsigned char*>(src);
+        if (chained) {
+            for (int i = 0; i < calls; ++i) {
+                call(from, dst);
+                from += dependence(dst);
+            }
+        } else {
+            for (int i = 0; i < calls; ++i) call(from, dst);
+        }
+    };
+}
+
+}  // namespace orvgen::bench
