@@ -72,16 +72,18 @@ struct Functions {
         if (!made) return std::nullopt;
         const std::shared_ptr<std::remove_pointer_t<Plan>> kept(made, destroy);
         const auto run = execute;
-        return Loop([kept, run](const void*, void* out, int calls, bool chained) {
-            Plan raw = kept.get();
-            for (int i = 0; i < calls; ++i) {
-                run(raw);
-                // The plan holds its pointers: chain through the plan's address.
-                if (chained) {
-                    raw = reinterpret_cast<Plan>(reinterpret_cast<char*>(raw) + dependence(out));
+        return Loop(
+            [kept, run, bytes = p.dstBytes](const void*, void* out, int calls, bool chained) {
+                Plan raw = kept.get();
+                for (int i = 0; i < calls; ++i) {
+                    run(raw);
+                    // The plan holds its pointers: chain through the plan's address.
+                    if (chained) {
+                        raw = reinterpret_cast<Plan>(reinterpret_cast<char*>(raw) +
+                                                     dependence(out, bytes));
+                    }
                 }
-            }
-        });
+            });
     }
 
     bool whole = false;
@@ -158,7 +160,7 @@ std::optional<Loop> kissPlan(const Problem& p) {
     if (p.transform == Transform::complexDft && !p.wide) {
         const std::shared_ptr<kiss_fft_state> state(
             kiss_fft_alloc(p.length, p.inverse, nullptr, nullptr), kiss_fft_free);
-        return makeLoop([state](const void* s, void* d) {
+        return makeLoop(p, [state](const void* s, void* d) {
             kiss_fft(state.get(), static_cast<const kiss_fft_cpx*>(s),
                      static_cast<kiss_fft_cpx*>(d));
         });
@@ -166,7 +168,7 @@ std::optional<Loop> kissPlan(const Problem& p) {
     if (p.transform == Transform::complexDft) {
         const auto plan =
             std::make_shared<kissfft<double>>(static_cast<std::size_t>(p.length), p.inverse);
-        return makeLoop([plan](const void* s, void* d) {
+        return makeLoop(p, [plan](const void* s, void* d) {
             plan->transform(static_cast<const std::complex<double>*>(s),
                             static_cast<std::complex<double>*>(d));
         });
@@ -177,11 +179,11 @@ std::optional<Loop> kissPlan(const Problem& p) {
     const std::shared_ptr<kiss_fftr_state> state(
         kiss_fftr_alloc(p.length, p.inverse, nullptr, nullptr), kiss_fft_free);
     if (p.inverse) {
-        return makeLoop([state](const void* s, void* d) {
+        return makeLoop(p, [state](const void* s, void* d) {
             kiss_fftri(state.get(), static_cast<const kiss_fft_cpx*>(s), static_cast<float*>(d));
         });
     }
-    return makeLoop([state](const void* s, void* d) {
+    return makeLoop(p, [state](const void* s, void* d) {
         kiss_fftr(state.get(), static_cast<const float*>(s), static_cast<kiss_fft_cpx*>(d));
     });
 }
@@ -189,8 +191,8 @@ std::optional<Loop> kissPlan(const Problem& p) {
 std::optional<Loop> plainLoop(const Problem& p) {
     if (p.transform != Transform::wht) return std::nullopt;
     const int n = p.length;
-    if (p.wide) return makeLoop([n](const void* s, void* d) { plainWht<double>(s, d, n); });
-    return makeLoop([n](const void* s, void* d) { plainWht<float>(s, d, n); });
+    if (p.wide) return makeLoop(p, [n](const void* s, void* d) { plainWht<double>(s, d, n); });
+    return makeLoop(p, [n](const void* s, void* d) { plainWht<float>(s, d, n); });
 }
 
 }  // namespace orvgen::bench

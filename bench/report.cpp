@@ -102,12 +102,11 @@ void plot(const std::filesystem::path& folder, const Heading& heading,
     std::ofstream script(folder / "plot.gp");
     script << "set terminal pngcairo size " << 560 * columns << "," << 380 * rows
            << " font 'sans,9'\nset output '" << (folder / "ratios.png").string() << "'\n"
-           << "set datafile missing '?'\nset grid ytics\nset logscale y\nset key top left\n"
+           << "set datafile missing '?'\nset grid ytics\nset logscale y\nset key below\n"
            << "set ytics (0.25,0.5,0.7,1,1.5,2,3,4,6,8,12,16)\nset xlabel 'length'\n"
            << "set ylabel 'their cycles / ours'\n"
            << "set multiplot layout " << rows << "," << columns
-           << " title 'Other libraries'' cycles over ours (above 1: orvgen is faster); "
-              "bound of the own operations over ours'\n";
+           << " title 'Cycles of other libraries over ours (above 1: ours is faster)'\n";
     int index = 0;
     for (const std::string& family : families) {
         const bool doubling = family.starts_with("WHT") || family.starts_with("DCT4");

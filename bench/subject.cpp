@@ -46,28 +46,21 @@ std::string formatOf(const std::string& name) {
     return "";
 }
 
-[[maybe_unused]] void addLength(std::vector<Subject>& list, const char* name, const char* type,
-                                int n, std::size_t real, Loop loop) {
-    Subject s;
-    s.family = std::string(name) + "_" + type;
-    s.name = "orvg" + std::string(name) + "_" + std::to_string(n) + "_" + type;
-    s.format = formatOf(name);
-    s.problem = problemOf(name, n, real);
-    s.loop = std::move(loop);
-    list.push_back(std::move(s));
+template <class Call>
+[[maybe_unused]] void add(std::vector<Subject>& list, const std::string& name,
+                          const std::string& family, const std::string& format,
+                          const Problem& problem, Call call) {
+    list.push_back({name, family, format, problem, makeLoop(problem, call)});
 }
 
-[[maybe_unused]] void addOrder(std::vector<Subject>& list, const char* type, int k,
-                               std::size_t real, Loop loop) {
-    Subject s;
-    s.family = std::string("WHT_") + type;
-    s.name = "orvgWHT_" + std::to_string(k) + "_" + type;
-    s.problem.transform = Transform::wht;
-    s.problem.length = 1 << k;
-    s.problem.wide = real == sizeof(double);
-    s.problem.srcBytes = s.problem.dstBytes = (std::size_t{1} << k) * real;
-    s.loop = std::move(loop);
-    list.push_back(std::move(s));
+// Of the transforms on N reals.
+[[maybe_unused]] Problem realProblem(Transform transform, int n, std::size_t real) {
+    Problem p;
+    p.transform = transform;
+    p.wide = real == sizeof(double);
+    p.length = n;
+    p.srcBytes = p.dstBytes = static_cast<std::size_t>(n) * real;
+    return p;
 }
 
 [[maybe_unused]] std::shared_ptr<std::uint8_t> buffer(int bytes) {
@@ -75,49 +68,40 @@ std::string formatOf(const std::string& name) {
     return {static_cast<std::uint8_t*>(std::aligned_alloc(64, size)), std::free};
 }
 
-[[maybe_unused]] void addPlan(std::vector<Subject>& list, const char* type, int n, std::size_t real,
-                              Loop loop) {
-    Subject s;
-    s.family = std::string("DCT4_") + type;
-    s.name = "orvgDCT4_" + std::string(type) + " of " + std::to_string(n);
-    s.problem.transform = Transform::dct4;
-    s.problem.length = n;
-    s.problem.wide = real == sizeof(double);
-    s.problem.srcBytes = s.problem.dstBytes = static_cast<std::size_t>(n) * real;
-    s.loop = std::move(loop);
-    list.push_back(std::move(s));
-}
-
 }  // namespace
 
-#define ADD_LENGTH(NAME, N, T)                                                                   \
-    addLength(list, #NAME, #T, N, realBytes<Orv##T>, makeLoop([](const void* s, void* d) {       \
-                  orvg##NAME##_##N##_##T(static_cast<const Orv##T*>(s), static_cast<Orv##T*>(d), \
-                                         orvScaleBySqrtN);                                       \
-              }));
+#define ADD_LENGTH(NAME, N, T)                                                             \
+    add(list, "orvg" #NAME "_" #N "_" #T, #NAME "_" #T, formatOf(#NAME),                   \
+        problemOf(#NAME, N, realBytes<Orv##T>), [](const void* s, void* d) {               \
+            orvg##NAME##_##N##_##T(static_cast<const Orv##T*>(s), static_cast<Orv##T*>(d), \
+                                   orvScaleBySqrtN);                                       \
+        });
 #define ADD_LENGTHS(NAME, T, LIST) LIST(ADD_LENGTH, NAME, T)
 
-#define ADD_ORDER(NAME, K, T)                                                                      \
-    {                                                                                              \
-        int32_t bytes = 0;                                                                         \
-        orvg##NAME##GetBufferSize_##T(K, &bytes);                                                  \
-        const auto work = buffer(bytes);                                                           \
-        addOrder(list, #T, K, realBytes<Orv##T>, makeLoop([work](const void* s, void* d) {         \
-                     orvg##NAME##_##K##_##T(static_cast<const Orv##T*>(s),                         \
-                                            static_cast<Orv##T*>(d), orvScaleBySqrtN, work.get()); \
-                 }));                                                                              \
+#define ADD_ORDER(NAME, K, T)                                                                  \
+    {                                                                                          \
+        int32_t bytes = 0;                                                                     \
+        orvg##NAME##GetBufferSize_##T(K, &bytes);                                              \
+        const auto work = buffer(bytes);                                                       \
+        add(list, "orvg" #NAME "_" #K "_" #T, #NAME "_" #T, "",                                \
+            realProblem(Transform::wht, 1 << K, realBytes<Orv##T>),                            \
+            [work](const void* s, void* d) {                                                   \
+                orvg##NAME##_##K##_##T(static_cast<const Orv##T*>(s), static_cast<Orv##T*>(d), \
+                                       orvScaleBySqrtN, work.get());                           \
+            });                                                                                \
     }
 #define ADD_ORDERS(NAME, T, LIST) LIST(ADD_ORDER, NAME, T)
 
-#define ADD_PLANS(NAME, T)                                                                   \
-    for (int n = 2; n <= 1024; n *= 2) {                                                     \
-        Orv##NAME##Spec_##T* made = nullptr;                                                 \
-        if (orvg##NAME##InitAlloc_##T(&made, n) != orvOk) continue;                          \
-        const std::shared_ptr<Orv##NAME##Spec_##T> plan(made, orvg##NAME##Free_##T);         \
-        addPlan(list, #T, n, realBytes<Orv##T>, makeLoop([plan](const void* s, void* d) {    \
-                    orvg##NAME##_##T(static_cast<const Orv##T*>(s), static_cast<Orv##T*>(d), \
-                                     plan.get());                                            \
-                }));                                                                         \
+#define ADD_PLANS(NAME, T)                                                                       \
+    for (int n = 2; n <= 1024; n *= 2) {                                                         \
+        Orv##NAME##Spec_##T* made = nullptr;                                                     \
+        if (orvg##NAME##InitAlloc_##T(&made, n) != orvOk) continue;                              \
+        const std::shared_ptr<Orv##NAME##Spec_##T> plan(made, orvg##NAME##Free_##T);             \
+        add(list, "orvg" #NAME "_" #T " of " + std::to_string(n), #NAME "_" #T, "",              \
+            realProblem(Transform::dct4, n, realBytes<Orv##T>), [plan](const void* s, void* d) { \
+                orvg##NAME##_##T(static_cast<const Orv##T*>(s), static_cast<Orv##T*>(d),         \
+                                 plan.get());                                                    \
+            });                                                                                  \
     }
 
 std::vector<Subject> allSubjects() {
