@@ -1,0 +1,20 @@
+// The measured error of a kernel over random inputs, against the definition in binary128.
+#pragma once
+
+#include "kernel_list.h"
+
+namespace orvgen::test {
+
+// In units of u: 2^-24 for binary32, 2^-53 for binary64.
+struct Accuracy {
+    double relativeL2 = 0;  // |error| / |result| over all inputs together, L2 norms
+    double largest = 0;     // largest error of a real over the root mean square of the results
+};
+
+// Uniform inputs in [-1, 1], the same for all kernels of a length and type.
+Accuracy measureAccuracy(const ListedKernel& k);
+
+// What relativeL2 may be at most: sqrt(log2 N), primes of 7 and more 1.3 times that.
+double accuracyLimit(const ListedKernel& k);
+
+}  // namespace orvgen::test
