@@ -166,8 +166,8 @@ ORVGEN_API const OrvLibraryVersion* orvgenGetLibVersion(void);
 
 /* The Walsh-Hadamard families: F(NAME, T, LIST), LIST being the list of the orders that exist. */
 #define ORVGEN_ORDER_FAMILIES(F)                                                                   \
-    /* F(WHT, 32f, ORVGEN_ORDERS) */                                                               \
-    /* F(WHT, 64f, ORVGEN_ORDERS) */
+    F(WHT, 32f, ORVGEN_ORDERS)                                                                     \
+    F(WHT, 64f, ORVGEN_ORDERS)
 
 /* The DCT-IV families: F(NAME, T). */
 #define ORVGEN_DCT4_FAMILIES(F)                                                                    \

@@ -12,7 +12,7 @@
 namespace orvgen::kernelgen {
 
 // What an address is relative to. The emitter binds each to a register.
-enum class Base : std::uint8_t { Src, Dst, Pool, Scale, Frame, Buffer, Count };
+enum class Base : std::uint8_t { Src, Dst, Pool, Scale, Frame, Buffer, Tile, Count };
 
 struct Address {
     Base base = Base::Src;

@@ -19,11 +19,22 @@ int fail(const std::string& what) {
     return 2;
 }
 
-std::optional<Kernel> findKernel(const std::vector<Family>& families, const std::string& name) {
+struct Member {
+    const Family* family;
+    int length;
+};
+
+std::optional<Member> findMember(const std::vector<Family>& families, const std::string& name) {
     for (const Family& family : families)
         for (const int length : family.lengths)
-            if (memberName(family.name, length) == name) return family.kernel(length);
+            if (memberName(family.name, length) == name) return Member{&family, length};
     return std::nullopt;
+}
+
+std::string assemblyOf(const Member& member) {
+    const Family& family = *member.family;
+    return family.assembly ? family.assembly(member.length)
+                           : compileKernel(family.kernel(member.length)).assembly;
 }
 
 void show(const Kernel& kernel) {
@@ -72,14 +83,18 @@ int runCommand(int argc, char** argv, const std::vector<Family>& families) {
         }
         if ((command != "emit" || argc != 4) && (command != "show" || argc != 3))
             return fail("usage: list | emit NAME FILE | show NAME");
-        const std::optional<Kernel> kernel = findKernel(families, argv[2]);
-        if (!kernel) return fail("no such kernel: " + std::string(argv[2]));
+        const std::optional<Member> member = findMember(families, argv[2]);
+        if (!member) return fail("no such kernel: " + std::string(argv[2]));
         if (command == "show") {
-            show(*kernel);
+            // A kernel that comes as assembly tells its figures in the head of it.
+            if (member->family->assembly)
+                std::cout << assemblyOf(*member);
+            else
+                show(member->family->kernel(member->length));
             return 0;
         }
         std::ofstream file(argv[3]);
-        file << compileKernel(*kernel).assembly;
+        file << assemblyOf(*member);
         return file.flush() ? 0 : fail("cannot write " + std::string(argv[3]));
     } catch (const std::exception& e) {
         return fail(e.what());

@@ -23,7 +23,6 @@ constexpr int kBias = 128;         // one-byte displacements reach from -128 to 
 
 Block compileBlock(const Code& code, const AllocationOptions& options) {
     Block best;
-    double bestCost = 0;
     bool any = false;
     for (const std::vector<int>& order : candidateOrders(code)) {
         Allocation allocation = allocate(code, order, options);
@@ -32,14 +31,13 @@ Block compileBlock(const Code& code, const AllocationOptions& options) {
             (modelCycles(block, CoreKind::ThreePipe) + modelCycles(block, CoreKind::FourPipe)) / 2;
         const double cost = cycles + kSpillWeight * allocation.spills +
                             kInstructionWeight * static_cast<double>(block.size());
-        if (any && cost >= bestCost) continue;
+        if (any && cost >= best.cost) continue;
         const double bound =
             (portBound(block, CoreKind::ThreePipe) + portBound(block, CoreKind::FourPipe)) / 2;
         const int frameBytes = layOutFrame(allocation);
         if (options.frameLimit > 0 && frameBytes > options.frameLimit) continue;
         any = true;
-        bestCost = cost;
-        best = {std::move(allocation.instructions), frameBytes, allocation.spills, cycles, bound};
+        best = {std::move(allocation.instructions), frameBytes, allocation.spills, cycles, bound, cost};
     }
     if (!any) throw std::runtime_error("no order of the kernel keeps within its frame");
     renumberRegisters(best.instructions);
@@ -68,7 +66,7 @@ std::string functionTail(const std::string& name) {
     return "\t.cfi_endproc\n\t.size\t" + name + ", . - " + name + "\n\n";
 }
 
-std::string printFlagGate(const GateScales& scales, ScaleRule rule, int poolBias,
+std::string printFlagGate(const GateScales& scales, ScaleRule rule, const Binding& pool,
                           const std::string& bodyLabel) {
     const int flag1 = rule == ScaleRule::InverseByN ? scales.none : scales.byN;
     const int flag2 = rule == ScaleRule::ForwardByN ? scales.none : scales.byN;
@@ -76,8 +74,8 @@ std::string printFlagGate(const GateScales& scales, ScaleRule rule, int poolBias
     int current = -1;
     const auto test = [&](int flag, int offset) {
         if (offset != current) {
-            const int displacement = offset - poolBias;
-            text += "\tlea\trax, [rcx" + std::string(displacement < 0 ? " - " : " + ") +
+            const int displacement = offset - pool.bias;
+            text += "\tlea\trax, [" + pool.reg + (displacement < 0 ? " - " : " + ") +
                     std::to_string(std::abs(displacement)) + "]\n";
             current = offset;
         }
@@ -218,7 +216,7 @@ class KernelPrinter {
         text += "\ttest\trsi, rsi\n\tje\t" + local + "_null\n";
         text += "\tlea\trcx, [rip + .L" + kernel_.name + "_pool" +
                 (pool.bias ? " + " + std::to_string(pool.bias) : "") + "]\n";
-        text += printFlagGate(scales_, kernel_.scale, pool.bias, local + "_body" + suffix);
+        text += printFlagGate(scales_, kernel_.scale, pool, local + "_body" + suffix);
         text += local + "_body" + suffix + ":\n";
         // The stack is 8 above a multiple of 16 at entry; the frame makes the slots aligned.
         const int frame = block_.frameBytes ? block_.frameBytes + 8 : 0;

@@ -15,6 +15,7 @@ struct Block {
     int spills = 0;
     double modelCycles = 0;
     double portBound = 0;
+    double cost = 0;  // what the order was chosen by: cycles, spills, instructions
 };
 Block compileBlock(const Code& code, const AllocationOptions& options);
 
@@ -37,11 +38,11 @@ enum class ScaleKind : std::uint8_t { None, BySqrtN, ByN };
 double storedScale(ScaleKind kind, int length, bool single);
 
 // The gate in front of a body: what it tests, in order, and the registers it leaves behind
-// (rcx: pool + bias, rax: address of the scale, rdi and rsi biased).
+// (rax: address of the scale). `pool` is the register that holds the pool's address, plus a bias.
 struct GateScales {
     int none = 0, bySqrtN = 0, byN = 0;  // byte offsets in the pool
 };
-std::string printFlagGate(const GateScales& scales, ScaleRule rule, int poolBias,
+std::string printFlagGate(const GateScales& scales, ScaleRule rule, const Binding& pool,
                           const std::string& bodyLabel);
 
 // Directives around a function: section, alignment, type, CFI start; and the end.

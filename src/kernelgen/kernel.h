@@ -43,6 +43,8 @@ struct Family {
     std::string name;  // orvgDFTFwd_CToC_32fc: the by-length dispatcher
     std::vector<int> lengths;
     std::function<Kernel(int length)> kernel;
+    // Instead of `kernel`, where a kernel is more than one flow: its assembly, as a whole file.
+    std::function<std::string(int length)> assembly = {};
 };
 
 // The member's name: orvgDFTFwd_CToC_32fc with 16 is orvgDFTFwd_CToC_16_32fc.

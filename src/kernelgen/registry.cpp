@@ -1,6 +1,7 @@
 #include "registry.h"
 
 #include "dft/families.h"
+#include "wht/families.h"
 
 namespace orvgen::kernelgen {
 
@@ -10,6 +11,7 @@ std::vector<Family> allFamilies() {
         all.insert(all.end(), families.begin(), families.end());
     };
     append(dft::complexSingleFamilies());
+    append(wht::walshHadamardFamilies());
     return all;
 }
 
