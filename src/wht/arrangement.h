@@ -35,12 +35,12 @@ struct Cut {
 
 // The usual block is 256 bytes, which sixteen registers just hold. Binary64 takes blocks of 1 KB at
 // orders 10 and 13, so that the last pass there keeps to radix 8.
-constexpr Cut cuts32f[] = {
-    {{1, 0, 0}}, {{2, 0, 0}}, {{3, 0, 0}}, {{4, 0, 0}}, {{5, 0, 0}}, {{6, 0, 0}}, {{7, 0, 0}},
-    {{5, 3, 0}}, {{6, 3, 0}}, {{6, 4, 0}}, {{6, 5, 0}}, {{6, 3, 3}}, {{6, 3, 4}}};
-constexpr Cut cuts64f[] = {
-    {{1, 0, 0}}, {{2, 0, 0}}, {{3, 0, 0}}, {{4, 0, 0}}, {{5, 0, 0}}, {{6, 0, 0}}, {{7, 0, 0}},
-    {{5, 3, 0}}, {{5, 4, 0}}, {{7, 3, 0}}, {{5, 3, 3}}, {{5, 3, 4}}, {{7, 3, 3}}};
+constexpr Cut cuts32f[] = {{{1, 0, 0}}, {{2, 0, 0}}, {{3, 0, 0}}, {{4, 0, 0}}, {{5, 0, 0}},
+                           {{6, 0, 0}}, {{7, 0, 0}}, {{5, 3, 0}}, {{6, 3, 0}}, {{6, 4, 0}},
+                           {{6, 5, 0}}, {{6, 3, 3}}, {{6, 3, 4}}};
+constexpr Cut cuts64f[] = {{{1, 0, 0}}, {{2, 0, 0}}, {{3, 0, 0}}, {{4, 0, 0}}, {{5, 0, 0}},
+                           {{6, 0, 0}}, {{7, 0, 0}}, {{5, 3, 0}}, {{5, 4, 0}}, {{7, 3, 0}},
+                           {{5, 3, 3}}, {{5, 3, 4}}, {{7, 3, 3}}};
 
 constexpr const Cut& cutOf(Element element, int order) {
     return (element == Element::F32 ? cuts32f : cuts64f)[order - firstOrder];

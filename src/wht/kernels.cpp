@@ -1,7 +1,7 @@
 // The kernels as assembly: the gate, then one straight body or the loops of the passes.
 //
-// General registers of the kernels with passes. All of them belong to the callee, and none is needed
-// across a call of the allocator but what the frame keeps.
+// General registers of the kernels with passes. All of them belong to the callee, and none is
+// needed across a call of the allocator but what the frame keeps.
 //
 //     rdi  src, running        rcx  buffer             r8   what a pass reads from or writes to
 //     rsi  dst, running        rdx  frame              r9   steps left of the pass
@@ -139,7 +139,9 @@ class WalshHadamardKernel {
     int slotsAt() const { return passes() ? kVectorBytes : 0; }
     int savedAt() const { return slotsAt() + spillBytes_; }
     // The stack is 8 above a multiple of 16 at entry; an odd number of quadwords aligns it.
-    int frameBytes() const { return passes() ? savedAt() + 5 * 8 : spillBytes_ ? spillBytes_ + 8 : 0; }
+    int frameBytes() const {
+        return passes() ? savedAt() + 5 * 8 : spillBytes_ ? spillBytes_ + 8 : 0;
+    }
     int frameBias() const { return savedAt() > kBias ? kBias : 0; }
     std::string saved(int i) const { return "qword ptr " + at("rsp", savedAt() + 8 * i); }
     static constexpr int kCallersBuffer = 0, kBlock = 1, kSrc = 2, kDst = 3, kScale = 4;
@@ -151,7 +153,8 @@ class WalshHadamardKernel {
         std::string text = "# " + name_ + "\n# Walsh-Hadamard transform of " + number(n) +
                            " points: " + number(n * order_) + " additions, " + number(n) +
                            " multiplications.\n";
-        if (tiles() > 1) text += "# " + number(tiles()) + " tiles, each in two passes; a last pass.\n";
+        if (tiles() > 1)
+            text += "# " + number(tiles()) + " tiles, each in two passes; a last pass.\n";
         for (const Step& s : steps_) {
             const kernelgen::Block& b = s.compiled.block;
             const int last = s.pass.firstLayer + s.pass.layers() - 1;
@@ -159,8 +162,8 @@ class WalshHadamardKernel {
             std::snprintf(figures, sizeof figures,
                           "%zu instructions, %d spills, %.0f cycles by the model, port bound %.0f",
                           b.instructions.size(), b.spills, b.modelCycles, b.portBound);
-            text += "# Layers " + number(s.pass.firstLayer) + " to " + number(last) + ": " + s.what +
-                    "; " + figures + ".\n";
+            text += "# Layers " + number(s.pass.firstLayer) + " to " + number(last) + ": " +
+                    s.what + "; " + figures + ".\n";
         }
         return text + "# Frame of " + number(frameBytes()) + " bytes, buffer of " +
                number(bufferBytes(element_, order_)) + ".\n";
@@ -172,8 +175,8 @@ class WalshHadamardKernel {
         std::string text = kernelgen::functionHead(name, exported);
         if (variants.front() == Variant::Aligned) {
             text += line("mov\teax, edi") + line("or\teax, esi") + line("test\tal, 15");
-            text += line("jne\t" + (variants.size() > 1 ? local + "_unaligned"
-                                                        : kernelgen::twinName(name)));
+            text += line("jne\t" +
+                         (variants.size() > 1 ? local + "_unaligned" : kernelgen::twinName(name)));
         }
         for (std::size_t v = 0; v < variants.size(); ++v) {
             const std::string suffix = v == 0 ? "" : "_2";
@@ -319,8 +322,7 @@ class WalshHadamardKernel {
         const bool single = element_ == Element::F32;
         const auto type = single ? kernelgen::Type::F32 : kernelgen::Type::F64;
         const auto scale = [&](kernelgen::ScaleKind kind, const char* what) {
-            const double value =
-                kernelgen::storedScale(kind, static_cast<int>(points()), single);
+            const double value = kernelgen::storedScale(kind, static_cast<int>(points()), single);
             return kernelgen::printPoolEntry({type, {value}, what}) + "\n";
         };
         return "\t.section\t.rodata\n\t.p2align\t5\n" + label(".L" + name_ + "_pool") +

@@ -161,9 +161,9 @@ class PassBuilder {
     std::string firstStage() const {
         const int last = pass_.firstLayer + pass_.layers() - (pass_.rows - split_) - 1;
         const std::string which =
-            last == pass_.firstLayer ? "layer " + std::to_string(last)
-                                     : "layers " + std::to_string(pass_.firstLayer) + " to " +
-                                           std::to_string(last);
+            last == pass_.firstLayer
+                ? "layer " + std::to_string(last)
+                : "layers " + std::to_string(pass_.firstLayer) + " to " + std::to_string(last);
         return which + (split_ < pass_.rows ? " in groups of " + std::to_string(1 << split_) : "");
     }
 

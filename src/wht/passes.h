@@ -38,8 +38,8 @@ Pass columnPass(Element element, int layers, int firstLayer);
 // 2^layers elements one by one.
 Pass scalarPass(Element element, int layers);
 
-// The pass's instructions. The rows are done in two stages: groups of 2^`split` rows that follow one
-// another, then what is left of the layers across the groups. The split changes the order of
+// The pass's instructions. The rows are done in two stages: groups of 2^`split` rows that follow
+// one another, then what is left of the layers across the groups. The split changes the order of
 // instructions and nothing else.
 kernelgen::Code passCode(const Pass& pass, int split);
 
