@@ -195,7 +195,7 @@ class WalshHadamardKernel {
         text += line("lea\tr8, [rip + .L" + name_ + "_pool]");
         text += kernelgen::printFlagGate({0, size, 2 * size}, kernelgen::ScaleRule::BothByN,
                                          {"r8", 0}, local + "_body" + suffix);
-        return text + "\t.p2align\t4\n" + label(local + "_body" + suffix);
+        return text + label(local + "_body" + suffix);
     }
 
     std::string enterFrame() const {
