@@ -37,7 +37,8 @@ Block compileBlock(const Code& code, const AllocationOptions& options) {
         const int frameBytes = layOutFrame(allocation);
         if (options.frameLimit > 0 && frameBytes > options.frameLimit) continue;
         any = true;
-        best = {std::move(allocation.instructions), frameBytes, allocation.spills, cycles, bound, cost};
+        best = {
+            std::move(allocation.instructions), frameBytes, allocation.spills, cycles, bound, cost};
     }
     if (!any) throw std::runtime_error("no order of the kernel keeps within its frame");
     renumberRegisters(best.instructions);
