@@ -264,8 +264,9 @@ class LaneLowering {
     }
 
     void chooseIntermediates() {
-        for (const auto& [pair, needs] : needs_) {
-            std::vector<Need> open = needs;
+        for (const auto& entry : needs_) {
+            const SourcePair& pair = entry.first;
+            std::vector<Need> open = entry.second;
             const auto all = candidates(pair.first, pair.second);
             while (!open.empty()) {
                 const Intermediate* best = nullptr;
