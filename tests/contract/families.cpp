@@ -1,0 +1,213 @@
+// The families against the table of families: every member and every twin there and no other, the
+// by-length functions followed to the very kernel, and the names and numbers of the public header.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <map>
+#include <set>
+
+#include "kernels/kernel_list.h"
+#include "orvgen.h"
+#include "support/data_table.h"
+#include "support/integer_core.h"
+
+namespace orvgen::test {
+namespace {
+
+const MachineCode& library() {
+    static const MachineCode code(ORVGEN_LIBRARY_FILE);
+    return code;
+}
+
+struct Member {
+    std::string name;
+    std::string twin;  // empty: none
+    long number;
+};
+
+std::vector<Member> membersOf(const DataRow& family) {
+    std::vector<Member> members;
+    for (long n = family.integer("first"); n <= family.integer("last"); ++n) {
+        Member m;
+        m.name = family.text("base") + "_" + std::to_string(n) + "_" + family.text("suffix");
+        m.number = n;
+        if (!family.empty("first_twin") && n >= family.integer("first_twin") &&
+            n <= family.integer("last_twin")) {
+            m.twin = "owng" + m.name.substr(4) + "_unaligned";
+        }
+        members.push_back(m);
+    }
+    return members;
+}
+
+std::vector<Member> presentMembers(const DataRow& family) {
+    std::vector<Member> members = membersOf(family);
+    std::erase_if(members, [](const Member& m) { return !library().has(m.name); });
+    return members;
+}
+
+// Skipped while members are to come; says how many below each by-length function.
+TEST(Families, AreComplete) {
+    std::string missing;
+    for (const DataRow& family : dataTable("families").rows()) {
+        const std::size_t absent = membersOf(family).size() - presentMembers(family).size();
+        if (absent != 0) missing += " " + std::to_string(absent) + " below";
+        if (absent != 0 || !library().has(family.text("dispatcher"))) {
+            missing += " " + family.text("dispatcher");
+        }
+    }
+    for (const DataRow& row : dataTable("other_functions").rows()) {
+        if (!library().has(row.text("name"))) missing += " " + row.text("name");
+    }
+    if (!missing.empty()) GTEST_SKIP() << "to come:" << missing;
+}
+
+TEST(Families, HaveTheirTwinsAndNoOthers) {
+    std::set<std::string> twins;
+    for (const DataRow& family : dataTable("families").rows()) {
+        for (const Member& m : presentMembers(family)) {
+            EXPECT_TRUE(library().image().find(m.name)->global) << m.name;
+            if (m.twin.empty()) continue;
+            twins.insert(m.twin);
+            ASSERT_TRUE(library().has(m.twin)) << m.twin;
+            EXPECT_FALSE(library().image().find(m.twin)->global) << m.twin;
+        }
+    }
+    for (const Symbol& s : library().image().symbols()) {
+        if (s.name.ends_with("_unaligned") && s.name.find("DCT4") == std::string::npos) {
+            EXPECT_TRUE(twins.count(s.name)) << s.name;
+        }
+    }
+}
+
+TEST(Families, ListsOfTheHeaderAreTheLibrary) {
+    std::set<std::string> listed, present;
+    for (const ListedKernel& k : listedKernels()) listed.insert(k.name);
+    for (const DataRow& family : dataTable("families").rows()) {
+        if (family.text("base") == "orvgWHT") continue;
+        for (const Member& m : presentMembers(family)) present.insert(m.name);
+    }
+    EXPECT_EQ(listed, present);
+}
+
+// The machine code of a by-length function: out of range it looks at nothing, in range it goes to
+// the kernel of that very length with everything unchanged.
+TEST(Families, ByLengthFunctionsReachTheirKernels) {
+    const auto touches = [](const Trace& t) {
+        for (const Step& s : t.steps) {
+            if (s.access && (s.access->region == Region::src || s.access->region == Region::dst)) {
+                return true;
+            }
+        }
+        return false;
+    };
+    int followed = 0;
+    for (const DataRow& family : dataTable("families").rows()) {
+        const std::string& function = family.text("dispatcher");
+        if (!library().has(function)) continue;
+        const long first = family.integer("first"), last = family.integer("last");
+        for (const long n : {first - 1, 0L, -1L, -2L, last + 1, 100L, 256L + first, 65536L + first,
+                             2147483647L, -2147483648L, -2147483648L + first}) {
+            for (const bool null : {true, false}) {
+                CallSetup setup;
+                setup.length = static_cast<std::int32_t>(n);
+                setup.srcNull = setup.dstNull = null;
+                setup.flag = null ? 3 : 8;
+                const Trace t = runIntegers(library(), function, setup);
+                EXPECT_EQ(t.complaints, std::vector<std::string>()) << function;
+                EXPECT_EQ(t.status, orvErrSize) << function << " of " << n;
+                EXPECT_EQ(t.entered, std::vector<std::string>{function}) << n;
+                EXPECT_FALSE(touches(t)) << function << " of " << n;
+            }
+        }
+        for (const Member& m : presentMembers(family)) {
+            CallSetup setup;
+            setup.length = static_cast<std::int32_t>(m.number);
+            for (const std::int32_t flag : {8, 1, 3}) {
+                setup.flag = flag;
+                const Trace t = runIntegers(library(), function, setup);
+                EXPECT_EQ(t.complaints, std::vector<std::string>()) << function;
+                EXPECT_EQ(t.status, flag == 3 ? orvErrFlag : orvOk) << m.name;
+                EXPECT_EQ(t.entered, (std::vector<std::string>{function, m.name}));
+            }
+            setup.flag = 3;
+            setup.srcNull = true;
+            EXPECT_EQ(runIntegers(library(), function, setup).status, orvErrNullPtr) << m.name;
+            ++followed;
+        }
+    }
+    EXPECT_GT(followed, 0);
+}
+
+// A null source beside a destination off its boundary reaches the test of the twin.
+TEST(Families, NullBesideMisalignedIsSeenByTheTwin) {
+    const std::string name = "orvgDFTFwd_CToC_30_32fc";
+    if (!library().has(name)) GTEST_SKIP() << "to come: " << name;
+    CallSetup setup;
+    setup.srcNull = true;
+    setup.dstMisalignment = 8;
+    const Trace t = runIntegers(library(), name, setup);
+    EXPECT_EQ(t.status, orvErrNullPtr);
+    EXPECT_EQ(t.entered, (std::vector<std::string>{name, "owngDFTFwd_CToC_30_32fc_unaligned"}));
+}
+
+TEST(Header, NamesAndNumbers) {
+    const std::map<std::string, long> statuses = {{"orvOk", orvOk},
+                                                  {"orvErrPlan", orvErrPlan},
+                                                  {"orvErrSize", orvErrSize},
+                                                  {"orvErrNullPtr", orvErrNullPtr},
+                                                  {"orvErrFlag", orvErrFlag}};
+    EXPECT_EQ(dataTable("statuses").rows().size(), statuses.size());
+    for (const DataRow& row : dataTable("statuses").rows()) {
+        EXPECT_EQ(statuses.at(row.text("name")), row.integer("value"));
+    }
+    EXPECT_TRUE((std::is_same_v<OrvStatus, std::int32_t>));
+    const std::map<std::string, long> flags = {{"orvScaleFwdByN", orvScaleFwdByN},
+                                               {"orvScaleInvByN", orvScaleInvByN},
+                                               {"orvScaleBySqrtN", orvScaleBySqrtN},
+                                               {"orvScaleNone", orvScaleNone}};
+    EXPECT_EQ(dataTable("flags").rows().size(), flags.size());
+    for (const DataRow& row : dataTable("flags").rows()) {
+        EXPECT_EQ(flags.at(row.text("name")), row.integer("value"));
+    }
+    const std::map<std::string, std::size_t> types = {{"Orv32f", sizeof(Orv32f)},
+                                                      {"Orv64f", sizeof(Orv64f)},
+                                                      {"Orv32fc", sizeof(Orv32fc)},
+                                                      {"Orv64fc", sizeof(Orv64fc)}};
+    EXPECT_EQ(dataTable("element_types").rows().size(), types.size());
+    for (const DataRow& row : dataTable("element_types").rows()) {
+        EXPECT_EQ(static_cast<long>(types.at(row.text("name"))), row.integer("bytes"));
+    }
+}
+
+// Field by field as the table orders them, without the header's help.
+TEST(Header, VersionRecord) {
+    const auto* at = reinterpret_cast<const unsigned char*>(orvgenGetLibVersion());
+    for (const DataRow& row : dataTable("version_record").rows()) {
+        const std::string& type = row.text("type");
+        const std::string& field = row.text("field");
+        if (type == "int32") {
+            std::int32_t value = 0;
+            std::memcpy(&value, at, 4);
+            EXPECT_EQ(value, row.integer("value")) << field;
+            at += 4;
+        } else if (type == "text8") {
+            char text[8] = {};
+            std::strncpy(text, row.text("value").c_str(), 7);
+            EXPECT_EQ(std::memcmp(at, text, 8), 0) << field;
+            at += 8;
+        } else {
+            ASSERT_EQ(type, "text pointer");
+            const char* text = nullptr;
+            std::memcpy(&text, at, 8);
+            EXPECT_EQ(text, row.text("value")) << field;
+            at += 8;
+        }
+    }
+    EXPECT_EQ(
+        reinterpret_cast<const unsigned char*>(orvgenGetLibVersion()) + sizeof(OrvLibraryVersion),
+        at);
+}
+
+}  // namespace
+}  // namespace orvgen::test

@@ -1,0 +1,209 @@
+// The scales that kernels store: 1/N rounded once; 1/sqrt(N) rounded once in binary32, and in
+// binary64 as 1.0 divided by the rounded root, so with two roundings. Computed here with MPFR, and
+// read back twice: from the constants that a call loads under one flag and not under another, and
+// from the response to an impulse.
+#include <gtest/gtest.h>
+#include <mpfr.h>
+
+#include <bit>
+#include <cmath>
+#include <cstring>
+#include <map>
+#include <set>
+
+#include "kernels/kernel_list.h"
+#include "orvgen.h"
+#include "support/data_table.h"
+#include "support/integer_core.h"
+
+namespace orvgen::test {
+namespace {
+
+class Mpfr {
+  public:
+    explicit Mpfr(mpfr_prec_t bits) { mpfr_init2(x, bits); }
+    ~Mpfr() { mpfr_clear(x); }
+    Mpfr(const Mpfr&) = delete;
+    Mpfr& operator=(const Mpfr&) = delete;
+    double value() const { return mpfr_get_d(x, MPFR_RNDN); }
+    mpfr_t x;
+};
+
+// All values here are far from the ends of the exponent range, so that precision alone makes the
+// format: 24 bits for binary32, 53 for binary64.
+double reciprocal(unsigned long n, mpfr_prec_t bits) {
+    Mpfr r(bits);
+    mpfr_set_ui(r.x, 1, MPFR_RNDN);
+    mpfr_div_ui(r.x, r.x, n, MPFR_RNDN);
+    return r.value();
+}
+
+double rootOnce(unsigned long n, mpfr_prec_t bits) {
+    Mpfr r(bits);
+    mpfr_set_ui(r.x, n, MPFR_RNDN);
+    mpfr_rec_sqrt(r.x, r.x, MPFR_RNDN);
+    return r.value();
+}
+
+double rootTwice(unsigned long n) {
+    Mpfr r(53);
+    mpfr_sqrt_ui(r.x, n, MPFR_RNDN);
+    mpfr_ui_div(r.x, 1, r.x, MPFR_RNDN);
+    return r.value();
+}
+
+double expected(const std::string& meaning, unsigned long n, bool single) {
+    if (meaning == "one") return 1;
+    if (meaning == "by_n") return reciprocal(n, single ? 24 : 53);
+    EXPECT_EQ(meaning, "by_root");
+    return single ? rootOnce(n, 24) : rootTwice(n);
+}
+
+std::string columnOf(const std::string& kernel) {
+    if (kernel.find("Hartley") != std::string::npos) return "hartley";
+    if (kernel.find("WHT") != std::string::npos) return "wht";
+    return kernel.find("DFTInv") != std::string::npos ? "inverse" : "forward";
+}
+
+const MachineCode& library() {
+    static const MachineCode code(ORVGEN_LIBRARY_FILE);
+    return code;
+}
+
+// The real that all lanes of a constant hold.
+double constantAt(std::int64_t address, int size, bool single) {
+    const auto bytes =
+        library().image().bytes(static_cast<std::uint64_t>(address), static_cast<unsigned>(size));
+    EXPECT_EQ(bytes.size(), static_cast<std::size_t>(size));
+    const std::size_t real = single ? 4 : 8;
+    double value = 0;
+    for (std::size_t at = 0; at + real <= bytes.size(); at += real) {
+        float f = 0;
+        double d = 0;
+        std::memcpy(single ? static_cast<void*>(&f) : &d, bytes.data() + at, real);
+        const double lane = single ? static_cast<double>(f) : d;
+        EXPECT_TRUE(at == 0 || lane == value) << "lanes differ";
+        value = lane;
+    }
+    return value;
+}
+
+using Place = std::pair<std::int64_t, int>;
+
+// For each flag the constants that its calls read and those of some other flag do not.
+std::map<std::int32_t, std::set<Place>> scalePlaces(const std::string& function) {
+    std::map<std::int32_t, std::set<Place>> places;
+    std::map<Place, int> readers;
+    for (const std::int32_t flag : {1, 2, 4, 8}) {
+        CallSetup setup;
+        setup.flag = flag;
+        for (const Step& step : runIntegers(library(), function, setup).steps) {
+            if (!step.access || step.access->region != Region::constants) continue;
+            places[flag].insert({step.access->offset, step.access->size});
+        }
+        for (const Place& place : places[flag]) ++readers[place];
+    }
+    for (auto& [flag, set] : places)
+        std::erase_if(set, [&](const Place& p) { return readers[p] == 4; });
+    return places;
+}
+
+void checkStored(const std::string& function, unsigned long n, bool single) {
+    const auto places = scalePlaces(function);
+    for (const DataRow& row : dataTable("flags").rows()) {
+        const auto flag = static_cast<std::int32_t>(row.integer("value"));
+        const auto it = places.find(flag);
+        ASSERT_TRUE(it != places.end() && !it->second.empty())
+            << function << " flag " << flag << ": no constant of its own";
+        const double scale = expected(row.text(columnOf(function)), n, single);
+        for (const auto& [address, size] : it->second) {
+            EXPECT_EQ(constantAt(address, size, single), scale) << function << " flag " << flag;
+        }
+    }
+}
+
+// The first output for an impulse at the first input: the scale, but for rounding where the
+// transform is a convolution (Bluestein's algorithm).
+template <class Real>
+void checkImpulse(const KernelCall& call, const std::string& name, std::size_t srcCount,
+                  std::size_t dstCount, unsigned long n, bool rounded) {
+    for (const DataRow& row : dataTable("flags").rows()) {
+        const auto flag = static_cast<std::int32_t>(row.integer("value"));
+        std::vector<Real> src(srcCount + 2), dst(dstCount + 2);
+        src[0] = 1;
+        ASSERT_EQ(call(src.data(), dst.data(), flag), orvOk) << name;
+        const double scale = expected(row.text(columnOf(name)), n, sizeof(Real) == 4);
+        const double found = static_cast<double>(dst[0]);
+        if (rounded) {
+            EXPECT_NEAR(found / scale, 1, 1e-6) << name << " flag " << flag;
+        } else {
+            EXPECT_EQ(found, scale) << name << " flag " << flag;
+        }
+    }
+}
+
+TEST(Scales, RootsWithTwoRoundingsAreThoseListed) {
+    std::vector<long> differing;
+    for (unsigned long n = 2; n <= 64; ++n) {
+        const double once = rootOnce(n, 53), twice = rootTwice(n);
+        if (once == twice) continue;
+        differing.push_back(static_cast<long>(n));
+        const auto a = std::bit_cast<std::int64_t>(once), b = std::bit_cast<std::int64_t>(twice);
+        EXPECT_EQ(std::abs(a - b), 1) << n;
+    }
+    EXPECT_EQ(differing, dataTable("sqrt_two_roundings").list("length"));
+    EXPECT_EQ(std::bit_cast<std::uint64_t>(rootTwice(2)), 0x3fe6a09e667f3bccU);
+}
+
+TEST(Scales, RootsOfOrdersAreThoseListed) {
+    for (const DataRow& row : dataTable("wht_root_scales").rows()) {
+        const unsigned long n = 1UL << row.integer("order");
+        EXPECT_EQ(std::bit_cast<std::uint32_t>(static_cast<float>(rootOnce(n, 24))),
+                  row.bits("f32"));
+        EXPECT_EQ(std::bit_cast<std::uint64_t>(rootTwice(n)), row.bits("f64")) << n;
+    }
+}
+
+TEST(Scales, OfEveryLengthAreStored) {
+    ASSERT_FALSE(listedKernels().empty());
+    for (const ListedKernel& k : listedKernels()) {
+        checkStored(k.name, static_cast<unsigned long>(k.length), k.single);
+        if (k.twin) checkStored(k.twinName, static_cast<unsigned long>(k.length), k.single);
+        if (HasFatalFailure()) return;
+    }
+}
+
+TEST(Scales, OfEveryLengthAnswerAnImpulse) {
+    for (const ListedKernel& k : listedKernels()) {
+        const auto n = static_cast<unsigned long>(k.length);
+        const bool rounded = k.single && k.complex &&
+                             dataTable("complex_f32_bluestein").find("length", k.length) != nullptr;
+        if (k.single) {
+            checkImpulse<float>(k.call, k.name, k.srcCount, k.dstCount, n, rounded);
+        } else {
+            checkImpulse<double>(k.call, k.name, k.srcCount, k.dstCount, n, rounded);
+        }
+        if (HasFatalFailure()) return;
+    }
+}
+
+#define ORDER(NAME, K, T)                                                                          \
+    {                                                                                              \
+        const std::string name = "orvg" #NAME "_" #K "_" #T;                                       \
+        checkStored(name, 1UL << (K), sizeof(Orv##T) == 4);                                        \
+        if (library().has("owng" + name.substr(4) + "_unaligned")) {                               \
+            checkStored("owng" + name.substr(4) + "_unaligned", 1UL << (K), sizeof(Orv##T) == 4);  \
+        }                                                                                          \
+        const KernelCall call = [](const void* src, void* dst, std::int32_t flag) {                \
+            return orvg##NAME##_##K##_##T(static_cast<const Orv##T*>(src),                         \
+                                          static_cast<Orv##T*>(dst), flag, nullptr);               \
+        };                                                                                         \
+        checkImpulse<Orv##T>(call, name, std::size_t{1} << (K), std::size_t{1} << (K), 1UL << (K), \
+                             false);                                                               \
+    }
+#define ORDERS(NAME, T, LIST) \
+    TEST(Scales, OfEveryOrder_##T) { LIST(ORDER, NAME, T) }
+ORVGEN_ORDER_FAMILIES(ORDERS)
+
+}  // namespace
+}  // namespace orvgen::test
