@@ -169,7 +169,7 @@ void classify(Instruction& in, bool jump, bool call, bool ret) {
         in.kind = jump ? Kind::jump : call ? Kind::call : Kind::ret;
         return;
     }
-    if (m == "nop" || m == "endbr64") {
+    if (m == "endbr64") {
         in.kind = Kind::nop;
         return;
     }
@@ -209,6 +209,10 @@ void fill(const cs_insn& raw, Instruction& in, csh decoder) {
     in.mnemonic = raw.mnemonic;
     in.text = std::string(raw.mnemonic) + (raw.op_str[0] ? " " : "") + raw.op_str;
     const cs_x86& x86 = raw.detail->x86;
+    if (in.mnemonic == "nop") {
+        in.kind = Kind::nop;  // whatever operands and prefixes make it long
+        return;
+    }
     if (x86.op_count > in.operands.size()) return;  // foreign
     in.operandCount = x86.op_count;
     for (int i = 0; i < in.operandCount; ++i) {

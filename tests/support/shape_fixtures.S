@@ -154,6 +154,7 @@ FUNC good_passes
     mov r12, rax
     mov [rsp], rax
 6:  xor eax, eax
+    .byte 0x66, 0x66, 0x2e, 0x0f, 0x1f, 0x84, 0, 0, 0, 0, 0  // one long nop
 7:  movups xmm1, [rbx + rax]
     movaps [r12 + rax], xmm1
     add rax, 16
