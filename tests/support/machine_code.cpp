@@ -226,7 +226,8 @@ void fill(const cs_insn& raw, Instruction& in, csh decoder) {
             operand.value = op.imm;
             operand.size = op.size;
         } else if (op.type == X86_OP_MEM) {
-            known = setMemory(op.mem, op.size, operand);
+            // Padding has operands that look like anything and mean nothing.
+            known = setMemory(op.mem, op.size, operand) || in.mnemonic == "nop";
         }
         if (!known) return;  // foreign
     }

@@ -1,0 +1,358 @@
+// The machine code of the kernels, read back: gates and bodies, how the layers are cut into passes,
+// what each step of a pass reads, writes and does, which moves and shuffles there are.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+#include "support/data_table.h"
+#include "support/shape.h"
+
+namespace {
+
+using namespace orvgen::test;
+
+const MachineCode& library() {
+    static const MachineCode code(ORVGEN_LIBRARY_FILE);
+    return code;
+}
+
+// One kernel by the tables.
+struct Kernel {
+    bool single;
+    long order;
+
+    long points() const { return 1L << order; }
+    long size() const { return single ? 4 : 8; }
+    long lanes() const { return single ? 4 : 2; }
+    std::string type() const { return single ? "f32" : "f64"; }
+    std::string name() const {
+        return "orvgWHT_" + std::to_string(order) + (single ? "_32f" : "_64f");
+    }
+    std::string twin() const { return "owng" + name().substr(4) + "_unaligned"; }
+
+    const DataRow& row(const std::string& table) const { return *find(table); }
+    const DataRow* find(const std::string& table) const {
+        for (const DataRow& r : dataTable(table).rows())
+            if (r.text("type") == type() && r.integer("order") == order) return &r;
+        return nullptr;
+    }
+    std::string kind() const { return row("wht_bodies").text("kind"); }
+    bool scalar() const { return kind() == "scalar"; }
+    bool hasTwin() const { return kind() == "twin"; }
+    bool passes() const { return find("wht_passes") != nullptr; }
+    long bufferBytes() const {
+        return dataTable("wht_buffer").row("order", order).integer(type() + "_bytes");
+    }
+};
+
+std::vector<Kernel> allKernels() {
+    std::vector<Kernel> list;
+    for (const bool single : {true, false})
+        for (long k = 1; k <= 13; ++k) list.push_back({single, k});
+    return list;
+}
+
+class Machine : public testing::TestWithParam<Kernel> {};
+
+TEST_P(Machine, GateAndBodies) {
+    const Kernel& k = GetParam();
+    KernelFacts facts;
+    facts.name = k.name();
+    facts.twin = k.hasTwin() ? k.twin() : "";
+    facts.twoBodies = k.kind() == "two_bodies";
+    facts.pointerStep = static_cast<int>(k.size());
+    facts.takesBuffer = k.passes();
+    ShapeRules& r = facts.rules;
+    r.srcBytes = r.dstBytes = k.points() * k.size();
+    r.bufferBytes = k.bufferBytes();
+    r.straight = !k.passes();
+    r.scalar = k.scalar();
+    if (k.scalar()) r.elementBytes = static_cast<int>(k.size());
+    r.movddup = !k.single && !k.scalar();
+    r.allReadsFirst = true;
+    facts.twinRules = r;
+    if (!k.scalar()) {
+        facts.rules.elementBytes = 16;
+        facts.twinRules.elementBytes = k.single ? 16 : 8;
+    }
+    for (const std::string& complaint : checkKernel(library(), facts)) ADD_FAILURE() << complaint;
+    EXPECT_EQ(library().has(k.twin()), k.hasTwin());
+    // The calls: of the allocator, where there is a buffer.
+    for (const std::string& name : {k.name(), k.twin()}) {
+        if (!library().has(name)) continue;
+        const auto& code = library().function(name).instructions;
+        EXPECT_EQ(std::count_if(code.begin(), code.end(),
+                                [](const Instruction& i) { return i.kind == Kind::call; }),
+                  k.passes() ? 2 : 0);
+    }
+}
+
+// ---- The steps of the passes
+
+// Eight bytes of an array.
+using Place = std::pair<Region, std::int64_t>;
+
+// One block, or one step of a column pass: what it reads and writes, all of it and nothing else.
+struct PassStep {
+    std::string what;
+    std::set<Place> reads, writes;
+    std::map<std::string, long> operations;
+    bool parkedScale = false;  // a frame load that is no spill
+    bool spills = true;        // it may
+};
+
+struct Array {
+    Region region;
+    std::int64_t offset;  // bytes
+};
+
+void addPlaces(std::set<Place>& places, const Array& array, std::int64_t at, std::int64_t bytes) {
+    for (std::int64_t i = 0; i < bytes; i += 8) places.emplace(array.region, array.offset + at + i);
+}
+
+PassStep blockStep(const Kernel& k, const std::string& what, Array from, Array to, long elements) {
+    PassStep step;
+    step.what = what;
+    addPlaces(step.reads, from, 0, elements * k.size());
+    addPlaces(step.writes, to, 0, elements * k.size());
+    if (k.single)
+        for (const char* shuffle : {"unpcklps", "unpckhps", "movlhps", "shufps"})
+            step.operations[shuffle] = elements / 4;
+    else
+        for (const char* shuffle : {"unpcklpd", "unpckhpd"})
+            step.operations[shuffle] = elements / 2;
+    long layers = 0;
+    while (1L << layers < elements) ++layers;
+    step.operations["add"] = elements * layers / k.lanes();
+    return step;
+}
+
+PassStep columnStep(const Kernel& k, const std::string& what, Array from, Array to, long column,
+                    long radix, long stride, bool scaled) {
+    PassStep step;
+    step.what = what;
+    for (long row = 0; row < radix; ++row) {
+        addPlaces(step.reads, from, 16 * column + row * stride * k.size(), 16);
+        addPlaces(step.writes, to, 16 * column + row * stride * k.size(), 16);
+    }
+    long layers = 0;
+    while (1L << layers < radix) ++layers;
+    step.operations["add"] = radix * layers;
+    if (scaled) step.operations["multiply"] = radix;
+    step.parkedScale = scaled;
+    step.spills = radix > 8;
+    return step;
+}
+
+// The steps in the order in which they run, by the table.
+std::vector<PassStep> stepsOf(const Kernel& k) {
+    const Array src{Region::src, 0}, dst{Region::dst, 0}, main{Region::buffer, 0};
+    const auto at = [&](Array a, long elements) {
+        return Array{a.region, a.offset + elements * k.size()};
+    };
+    const auto named = [](const char* what, long i) { return what + (" " + std::to_string(i)); };
+    std::vector<PassStep> steps;
+    if (!k.passes()) {
+        PassStep step = blockStep(k, "the body", src, dst, k.points());
+        step.operations["multiply"] = k.points() / k.lanes();
+        step.parkedScale = true;
+        steps.push_back(step);
+        return steps;
+    }
+    const DataRow& row = k.row("wht_passes");
+    const long blocks = row.integer("blocks"), size = row.integer("block_size");
+    const long tiles = row.integer("tiles");
+    const Array scratch = at(main, k.points());
+    for (long t = 0; t < std::max(tiles, 1L); ++t) {
+        const long tile = t * blocks * size;
+        for (long b = 0; b < blocks; ++b)
+            steps.push_back(blockStep(k, named("block", t * blocks + b), at(src, tile + b * size),
+                                      tiles ? at(scratch, b * size) : at(main, b * size), size));
+        if (!tiles) continue;
+        EXPECT_EQ(row.integer("tile_steps"), row.integer("tile_stride") / k.lanes());
+        for (long c = 0; c < row.integer("tile_steps"); ++c)
+            steps.push_back(columnStep(k, named("tile column", c), scratch, at(main, tile), c,
+                                       row.integer("tile_radix"), row.integer("tile_stride"),
+                                       false));
+    }
+    EXPECT_EQ(row.integer("last_steps"), row.integer("last_stride") / k.lanes());
+    for (long c = 0; c < row.integer("last_steps"); ++c)
+        steps.push_back(columnStep(k, named("last column", c), main, dst, c,
+                                   row.integer("last_radix"), row.integer("last_stride"), true));
+    return steps;
+}
+
+bool isData(const Step& step) {
+    return step.access &&
+           (step.access->region == Region::src || step.access->region == Region::dst ||
+            step.access->region == Region::buffer);
+}
+
+// How data is moved by the aligned body and by the twin.
+std::string checkMove(const Kernel& k, const Step& step, bool twin) {
+    const Access& a = *step.access;
+    const Instruction& in = *step.instruction;
+    const std::set<std::string> halves{"movsd", "movlps", "movhps"};
+    const bool good = !in.vector()                          ? false
+                      : a.region == Region::buffer || !twin ? a.size == 16 && in.aligned
+                      : k.single                            ? in.mnemonic == "movups"
+                                                            : halves.contains(in.mnemonic);
+    return good ? "" : "moves data by " + in.text;
+}
+
+// Follows a run through the steps; what is wrong, empty when all is well.
+std::string followSteps(const Kernel& k, const Trace& trace, bool twin) {
+    auto at = trace.steps.begin();
+    const auto end = trace.steps.end();
+    std::map<std::string, long> outside;  // shuffles before the first data is touched
+    if (k.passes())
+        for (; at != end && !isData(*at); ++at)
+            if (at->instruction->kind == Kind::shuffle) ++outside[at->instruction->mnemonic];
+    const std::map<std::string, long> spread = k.single
+                                                   ? std::map<std::string, long>{{"unpcklps", 2}}
+                                                   : std::map<std::string, long>{{"movddup", 1}};
+    if (k.passes() && outside != spread) return "the scale is not spread once before the passes";
+
+    for (PassStep step : stepsOf(k)) {
+        if (!k.passes())
+            for (const auto& [name, count] : spread) step.operations[name] += count;
+        std::set<Place> read;
+        std::map<std::string, long> done;
+        std::set<std::int64_t> frameLoads;
+        bool frameStores = false;
+        for (; at != end && !step.writes.empty(); ++at) {
+            const Instruction& in = *at->instruction;
+            if (in.kind == Kind::shuffle) ++done[in.mnemonic];
+            if (in.kind == Kind::add) ++done["add"];
+            if (in.kind == Kind::multiply) ++done["multiply"];
+            if (in.kind == Kind::logic || in.kind == Kind::convert)
+                return step.what + ": " + in.text;
+            if (in.mnemonic == "shufps" && in.operands[2].value != 0xee)
+                return step.what + ": " + in.text;
+            if (at->access && at->access->region == Region::frame && in.vector()) {
+                frameStores |= at->access->store;
+                if (at->access->load) frameLoads.insert(at->access->offset);
+            }
+            if (!isData(*at)) continue;
+            const std::string move = checkMove(k, *at, twin);
+            if (!move.empty()) return step.what + ": " + move;
+            for (std::int64_t i = 0; i < at->access->size; i += 8) {
+                const Place place{at->access->region, at->access->offset + i};
+                if (at->access->store ? step.writes.erase(place) == 0
+                                      : step.reads.count(place) == 0)
+                    return step.what + ": " + in.text + " at " + std::to_string(place.second) +
+                           " of " + regionName(place.first);
+                if (at->access->load) read.insert(place);
+            }
+        }
+        if (!step.writes.empty()) return step.what + " is not finished";
+        if (read != step.reads) return step.what + " does not read all of its elements";
+        if (done != step.operations) {
+            std::string text = step.what + " does:";
+            for (const auto& [name, count] : done) text += " " + std::to_string(count) + " " + name;
+            return text;
+        }
+        if (!step.spills && (frameStores || frameLoads.size() > (step.parkedScale ? 1U : 0U)))
+            return step.what + " spills";
+    }
+    for (; at != end; ++at)
+        if (at->instruction->vector()) return "after the last step: " + at->instruction->text;
+    return "";
+}
+
+class VectorMachine : public Machine {};
+
+TEST_P(VectorMachine, StepsOfThePasses) {
+    const Kernel& k = GetParam();
+    for (const std::int32_t flag : {8, 4, 1, 2}) {
+        CallSetup setup;
+        setup.flag = flag;
+        EXPECT_EQ(followSteps(k, runIntegers(library(), k.name(), setup), false), "") << k.name();
+        if (k.hasTwin()) {
+            EXPECT_EQ(followSteps(k, runIntegers(library(), k.twin(), setup), true), "")
+                << k.twin();
+        }
+        setup.srcMisalignment = 8;
+        EXPECT_EQ(followSteps(k, runIntegers(library(), k.name(), setup), true), "") << k.name();
+        setup.bufferNull = true;
+        EXPECT_EQ(followSteps(k, runIntegers(library(), k.name(), setup), true), "") << k.name();
+    }
+}
+
+// The whole run: N k additions, N multiplications whatever the flag, the shuffles of the transposes
+// and of the scale, and no other arithmetic.
+TEST_P(Machine, Operations) {
+    const Kernel& k = GetParam();
+    const long n = k.points(), lanes = k.scalar() ? 1 : k.lanes();
+    for (const std::string& name : {k.name(), k.twin()}) {
+        if (!library().has(name)) continue;
+        for (const std::int32_t flag : {8, 4, 1, 2}) {
+            CallSetup setup;
+            setup.flag = flag;
+            const BodyCounts c(runIntegers(library(), name, setup));
+            const auto kind = [&](Kind what) {
+                long sum = 0;
+                for (const Lanes l : {Lanes::scalar32, Lanes::scalar64, Lanes::packed32,
+                                      Lanes::packed64, Lanes::whole})
+                    sum += c.count(what, l);
+                return sum;
+            };
+            const Lanes type = k.scalar() ? (k.single ? Lanes::scalar32 : Lanes::scalar64)
+                                          : (k.single ? Lanes::packed32 : Lanes::packed64);
+            EXPECT_EQ(c.count(Kind::add, type) * lanes, n * k.order) << name;
+            EXPECT_EQ(c.count(Kind::multiply, type) * lanes, n) << name;
+            EXPECT_EQ(kind(Kind::add), c.count(Kind::add, type)) << name;
+            EXPECT_EQ(kind(Kind::multiply), c.count(Kind::multiply, type)) << name;
+            EXPECT_EQ(kind(Kind::convert), 0) << name;
+            EXPECT_EQ(kind(Kind::logic), 0) << name;
+
+            std::map<std::string, long> shuffles;
+            if (!k.scalar() && k.single)
+                shuffles = {{"unpcklps", n / 4 + 2},
+                            {"unpckhps", n / 4},
+                            {"movlhps", n / 4},
+                            {"shufps", n / 4}};
+            if (!k.scalar() && !k.single)
+                shuffles = {{"unpcklpd", n / 2}, {"unpckhpd", n / 2}, {"movddup", 1}};
+            long all = 0;
+            for (const auto& [mnemonic, count] : shuffles) {
+                EXPECT_EQ(c.mnemonic(mnemonic), count) << name << ", " << mnemonic;
+                all += count;
+            }
+            EXPECT_EQ(kind(Kind::shuffle), all) << name;
+        }
+    }
+}
+
+// Straight-line bodies by the table: scalar or vector, as many vectors of data.
+TEST_P(Machine, StraightBodies) {
+    const Kernel& k = GetParam();
+    if (k.passes()) {
+        EXPECT_EQ(k.find("wht_straight"), nullptr);
+        return;
+    }
+    const DataRow& row = k.row("wht_straight");
+    EXPECT_EQ(row.text("body") == "scalar", k.scalar());
+    const BodyCounts c(runIntegers(library(), k.name(), CallSetup{}));
+    if (k.scalar())
+        EXPECT_EQ(c.stores(Region::dst, static_cast<int>(k.size())), k.points());
+    else
+        EXPECT_EQ(c.stores(Region::dst, 16), row.integer("vectors"));
+    // More vectors than registers: some wait on the stack.
+    EXPECT_EQ(c.stackStores() > 0, !k.scalar() && row.integer("vectors") >= 16);
+}
+
+std::vector<Kernel> vectorKernels() {
+    std::vector<Kernel> list = allKernels();
+    std::erase_if(list, [](const Kernel& k) { return k.scalar(); });
+    return list;
+}
+
+INSTANTIATE_TEST_SUITE_P(Kernels, VectorMachine, testing::ValuesIn(vectorKernels()),
+                         [](const auto& p) { return p.param.name(); });
+INSTANTIATE_TEST_SUITE_P(Kernels, Machine, testing::ValuesIn(allKernels()),
+                         [](const auto& p) { return p.param.name(); });
+
+}  // namespace
