@@ -19,17 +19,38 @@ namespace orvgen::flows {
 template <class V>
 Bins<V> Flow<V>::real(const PlanPtr& plan, long e, const std::vector<V>& x) {
     const PlanPtr p = plans_->resolve(Transform::Real, plan);
-    switch (p->method) {
+    const int n = p->length;
+    switch (plan->renumbering) {
+        case Renumbering::None:
+            break;
+        case Renumbering::Samples: {
+            std::vector<V> renumbered(x);
+            for (int t = 0; t < n; ++t) renumbered[at(e * t, n)] = x[static_cast<std::size_t>(t)];
+            return realBlock(*p, 1, renumbered);
+        }
+        case Renumbering::Bins: {
+            const Bins<V> bins = realBlock(*p, 1, x);
+            Bins<V> renumbered;
+            for (int k = 0; 2 * k <= n; ++k) renumbered.push_back(binAt(bins, n, e * k));
+            return renumbered;
+        }
+    }
+    return realBlock(*p, e, x);
+}
+
+template <class V>
+Bins<V> Flow<V>::realBlock(const Plan& plan, long e, const std::vector<V>& x) {
+    switch (plan.method) {
         case Method::Direct:
-            return directReal(*this, p->length, e, x);
+            return directReal(*this, plan.length, e, x);
         case Method::GoodThomas:
-            return goodThomasReal(*this, *p, e, x);
+            return goodThomasReal(*this, plan, e, x);
         case Method::CooleyTukey:
-            return cooleyTukeyReal(*this, *p, e, x);
+            return cooleyTukeyReal(*this, plan, e, x);
         case Method::Rader:
-            return raderReal(*this, *p, e, x);
+            return raderReal(*this, plan, e, x);
         default:
-            noBlock("real", *p);
+            noBlock("real", plan);
     }
 }
 

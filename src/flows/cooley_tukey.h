@@ -81,12 +81,14 @@ std::vector<V> cooleyTukeyInverseReal(Flow<V>& flow, const Plan& plan, long e, c
             }
             for (std::size_t c = 0; c < u.size(); ++c) u[c].push_back({y[c], {}});
         } else {
+            const int own = plan.conjugateRows ? r - k : k;
             Bins<V> row;
-            for (int q = 0; q < m; ++q) row.push_back(binAt(z, n, k + r * q));
+            for (int q = 0; q < m; ++q) row.push_back(binAt(z, n, own + r * q));
             const Bins<V> y = flow.inverseComplex(plan.parts[0], plan.complexParts[0], e, row);
             for (int c = 0; c < m; ++c) {
                 const auto i = static_cast<std::size_t>(c);
-                u[i].push_back(rotate(y[i], e * k * c, n));
+                const Bin<V> turned = rotate(y[i], e * own * c, n);
+                u[i].push_back(plan.conjugateRows ? conj(turned) : turned);
             }
         }
     }
@@ -177,12 +179,14 @@ std::vector<V> cooleyTukeyInverseOdd(Flow<V>& flow, const Plan& plan, const Bins
             const std::vector<V> y = flow.inverseOdd(plan.parts[0], row);
             for (std::size_t c = 0; c < u.size(); ++c) u[c].push_back({y[c], {}});
         } else {
+            const int own = plan.conjugateRows ? r - 1 - j : j;
             Bins<V> row;
-            for (int q = 0; q < m; ++q) row.push_back(oddBinAt(z, n, 2 * (j + r * q) + 1));
+            for (int q = 0; q < m; ++q) row.push_back(oddBinAt(z, n, 2 * (own + r * q) + 1));
             const Bins<V> y = flow.inverseComplex(plan.parts[0], plan.complexParts[0], 1, row);
             for (int c = 0; c < m; ++c) {
                 const auto i = static_cast<std::size_t>(c);
-                u[i].push_back(rotate(y[i], (2 * j + 1) * c, 2 * n));
+                const Bin<V> turned = rotate(y[i], (2 * own + 1) * c, 2 * n);
+                u[i].push_back(plan.conjugateRows ? conj(turned) : turned);
             }
         }
     }

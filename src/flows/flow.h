@@ -118,6 +118,7 @@ class Flow {
                            const Bins<V>& z);
 
   private:
+    Bins<V> realBlock(const Plan& plan, long e, const std::vector<V>& x);
     bool carries(const std::string& operand) const {
         for (const std::string& place : carries_)
             if (place[0] == '/' ? operand == place : operand.ends_with(place)) return true;

@@ -9,8 +9,12 @@ namespace {
 
 PlanPtr make(Method method, int length, std::vector<PlanPtr> parts = {},
              std::vector<PlanPtr> complexParts = {}) {
-    return std::make_shared<const Plan>(
-        Plan{method, length, std::move(parts), std::move(complexParts)});
+    Plan plan;
+    plan.method = method;
+    plan.length = length;
+    plan.parts = std::move(parts);
+    plan.complexParts = std::move(complexParts);
+    return std::make_shared<const Plan>(std::move(plan));
 }
 
 class Parser {
@@ -31,21 +35,35 @@ class Parser {
     PlanPtr plan() {
         const Factor first = factor();
         Method method;
+        bool conjugateRows = false;
         if (accept("x"))
             method = Method::GoodThomas;
         else if (accept("."))
             method = Method::CooleyTukey;
+        else if (accept(":"))
+            method = Method::CooleyTukey, conjugateRows = true;
         else if (first.complex)
             fail("a plan for complex rows belongs to a factor");
         else
             return first.real;
         const Factor second = factor();
-        return make(method, first.real->length * second.real->length, {first.real, second.real},
-                    {first.complex, second.complex});
+        Plan join;
+        join.method = method;
+        join.length = first.real->length * second.real->length;
+        join.conjugateRows = conjugateRows;
+        join.parts = {first.real, second.real};
+        join.complexParts = {first.complex, second.complex};
+        return std::make_shared<const Plan>(std::move(join));
     }
 
     Factor factor() {
         Factor f{atom(), nullptr};
+        const bool samples = accept("'");
+        if (samples || accept("\"")) {
+            Plan renumbered = *f.real;
+            renumbered.renumbering = samples ? Renumbering::Samples : Renumbering::Bins;
+            f.real = std::make_shared<const Plan>(std::move(renumbered));
+        }
         if (accept("|")) f.complex = atom();
         return f;
     }

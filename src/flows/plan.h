@@ -7,8 +7,12 @@
 //               root g, not those of its inverse
 //   4x3         Good-Thomas join, 4-point blocks first (coprime factors, no twiddles)
 //   4.3         Cooley-Tukey join, 4-point blocks first, twiddles between
+//   4:3         the same, each complex row of an inverse join by its conjugate row
 //   (5x3)x2     a factor may be a plan itself
 //   5|7         real rows by the first plan, complex rows by the second
+//   4'          a block that a Good-Thomas join gives the root exponent e is run with exponent 1 on
+//               renumbered samples, x[t] as number e t
+//   4"          the same with the bins renumbered: bin k is its bin e k
 //   lanes(p)    a complex transform by plan p on the real parts and on the imaginary parts
 //   rader(c; e; o)             forward Rader: the cycle's transform, then the inverse transforms of
 //                              the even and of the odd frequencies
@@ -40,9 +44,14 @@ using PlanPtr = std::shared_ptr<const Plan>;
 
 enum class Method { Named, Direct, GoodThomas, CooleyTukey, Lanes, Rader, InverseRader };
 
+// How a block comes by its root exponent: by its constants, or by the order of samples or bins.
+enum class Renumbering { None, Samples, Bins };
+
 struct Plan {
     Method method = Method::Named;
     int length = 0;
+    Renumbering renumbering = Renumbering::None;
+    bool conjugateRows = false;
     // Joins: the two factors. Rader: the transforms in order of execution. Lanes: the one plan.
     std::vector<PlanPtr> parts;
     // Joins: the plans of the factors on complex rows; null where nothing is said.

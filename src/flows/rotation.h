@@ -31,15 +31,17 @@ Bin<V> rotate(const Bin<V>& z, long num, long den) {
         const Constant c = kernelgen::cosTurn(1, 8);
         const V p = narrow(product(c, z.re));
         const V r = narrow(product(c, z.im));
-        switch (8 * num / den) {  // the eighth nearest to the real axis, then quarters
+        const auto plus = [&] { return Bin<V>{p - r, r + p}; };   // by 45 degrees
+        const auto minus = [&] { return Bin<V>{p + r, r - p}; };  // by -45 degrees
+        switch (8 * num / den) {
             case 1:
-                return {p - r, r + p};
+                return plus();
             case 3:
-                return quarterTurns(Bin<V>{p + r, r - p}, 2);
+                return quarterTurns(plus(), 1);
             case 5:
-                return quarterTurns(Bin<V>{p - r, r + p}, 2);
+                return quarterTurns(minus(), 3);
             default:
-                return {p + r, r - p};
+                return minus();
         }
     }
     const V a = narrow(z.re);

@@ -21,7 +21,7 @@ constexpr PlanRow kPlans[] = {
     {Transform::Real, 9, "3.3"},
     {Transform::Real, 10, "5x2"},
     {Transform::Real, 12, "4x3"},
-    {Transform::Real, 13, "rader(3x4; 2x3; 2.3)"},
+    {Transform::Real, 13, "rader(3x4; 6; 6)"},
     {Transform::Real, 14, "2x7"},
     {Transform::Real, 15, "3x5"},
     {Transform::Real, 16, "4.4"},
@@ -45,7 +45,7 @@ constexpr PlanRow kPlans[] = {
     {Transform::Real, 34, "2x17"},
     {Transform::Real, 35, "7x5"},
     {Transform::Real, 36, "9x4"},
-    {Transform::Real, 37, "rader(4x9; 2x9; 6.3)"},
+    {Transform::Real, 37, "rader(4x9; 2x9; 6:3)"},
     {Transform::Real, 38, "19x2"},
     {Transform::Real, 39, "13x3"},
     {Transform::Real, 40, "8x5"},
@@ -56,14 +56,14 @@ constexpr PlanRow kPlans[] = {
     {Transform::Real, 45, "5x9"},
     {Transform::Real, 46, "2x23"},
     {Transform::Real, 47, "rader(23x2; 23; 23)"},
-    {Transform::Real, 48, "16x3"},
+    {Transform::Real, 48, "16\"x3"},
     {Transform::Real, 49, "7.7"},
     {Transform::Real, 50, "25x2"},
-    {Transform::Real, 51, "17x3"},
+    {Transform::Real, 51, "17'x3"},
     {Transform::Real, 52, "13x4"},
     {Transform::Real, 53,
      "rader(4x13; 2x inverse-rader(3x2; 2.3; 3x4);"
-     " 2.inverse-rader(3x2; 2x3; 3x2; 2.3))"},
+     " 2.inverse-rader(3x2; 2x3; 3x2; 6))"},
     {Transform::Real, 54, "2x27"},
     {Transform::Real, 55, "11x5"},
     {Transform::Real, 56, "7x8"},
@@ -89,9 +89,9 @@ constexpr PlanRow kPlans[] = {
     {Transform::InverseReal, 23, "inverse-rader(11; 11; 11d x 2)"},
     {Transform::InverseReal, 29, "inverse-rader(2x7; 14; 4x7)"},
 
-    {Transform::InverseOdd, 4, "2.2"},
-    {Transform::InverseOdd, 6, "2.3"},
-    {Transform::InverseOdd, 8, "4.2"},
+    {Transform::InverseOdd, 4, "2:2"},
+    {Transform::InverseOdd, 6, "2:3"},
+    {Transform::InverseOdd, 8, "4:2"},
     {Transform::InverseOdd, 14, "2.7"},
 };
 
@@ -106,8 +106,42 @@ const Plans& forwardPlans() {
     return plans;
 }
 
+// Which values go on unrounded where the plan leaves it open. "head" below is the real bin of a
+// 3-point or Rader block, which is added to a sum and also begins the block's double expression.
 const std::vector<Carry>& forwardCarries() {
-    static const std::vector<Carry> carries = {};
+    static const std::vector<Carry> carries = {
+        // heads of the first 3-point blocks behind the products of each 19-block
+        {19, "even/first0"},
+        {19, "odd/first0"},
+        {38, "even/first0"},
+        {38, "odd/first0"},
+        {57, "even/first0"},
+        {57, "odd/first0"},
+        // frequencies 0 and 18, joined in one expression, and the head behind their sum; both parts
+        // of frequency 9 at the two 3-point blocks
+        {37, "/even/first0"},
+        {37, "/even/second0/first0"},
+        {37, "/odd/first1/second0"},
+        {37, "/odd/first1/second1"},
+        // heads of the inner 11-blocks
+        {46, "/second0/even"},
+        {46, "/second0/odd"},
+        {46, "/second1/even"},
+        {47, "/cycle/first0/even"},
+        {47, "/cycle/first0/odd"},
+        {47, "/cycle/first1/even"},
+        // heads of the 23-blocks
+        {47, "/even"},
+        {47, "/odd"},
+        // both parts of frequency 13 at the two 13-blocks
+        {53, "/odd/second0"},
+        {53, "/odd/second1"},
+        // heads of the 29-blocks
+        {59, "/even"},
+        {59, "/odd"},
+        // head of the first 3-point block behind the products of the first 31-block
+        {62, "/first0/even/first0"},
+    };
     return carries;
 }
 
