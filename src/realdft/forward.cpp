@@ -145,6 +145,12 @@ const std::vector<Carry>& forwardCarries() {
     return carries;
 }
 
+std::string forwardMethod(int n) {
+    for (const PlanRow& row : kPlans)
+        if (row.transform == Transform::Real && row.length == n) return row.plan;
+    return "direct";
+}
+
 Graph forwardGraph(int n, PackedFormat format, Arithmetic arithmetic) {
     Graph graph(arithmetic);
     std::vector<Value> x;

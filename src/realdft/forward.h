@@ -10,9 +10,11 @@
 
 namespace orvgen::realdft {
 
-// The plans of the forward transform of length n, and the places that carry on unrounded.
+// The plans of the forward transforms, and the places that carry on unrounded.
 const flows::Plans& forwardPlans();
 const std::vector<flows::Carry>& forwardCarries();
+// How length n is made, as the table of plans has it.
+std::string forwardMethod(int n);
 
 // The half spectrum, not scaled yet.
 template <class V>

@@ -18,6 +18,9 @@
 
 namespace orvgen::realdft {
 
+inline constexpr int kShortest = 2;
+inline constexpr int kLongest = 64;
+
 enum class PackedFormat { Ccs, Pack, Perm };
 
 inline constexpr std::array<PackedFormat, 3> kPackedFormats = {

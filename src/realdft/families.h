@@ -1,0 +1,13 @@
+// The families of real kernels, for the kernel compiler and the tests.
+#pragma once
+
+#include <vector>
+
+#include "kernelgen/kernel.h"
+
+namespace orvgen::realdft {
+
+// orvgDFTFwd_RToCCS, RToPack and RToPerm, each in binary32 and in binary64.
+std::vector<kernelgen::Family> forwardRealFamilies();
+
+}  // namespace orvgen::realdft
