@@ -149,12 +149,12 @@ ORVGEN_API const OrvLibraryVersion* orvgenGetLibVersion(void);
     /* F(DFTInv_CToC, 32fc, ORVGEN_LENGTHS) */                                                     \
     /* F(DFTFwd_CToC, 64fc, ORVGEN_LENGTHS) */                                                     \
     /* F(DFTInv_CToC, 64fc, ORVGEN_LENGTHS) */                                                     \
-    /* F(DFTFwd_RToCCS, 32f, ORVGEN_LENGTHS) */                                                    \
-    /* F(DFTFwd_RToPack, 32f, ORVGEN_LENGTHS) */                                                   \
-    /* F(DFTFwd_RToPerm, 32f, ORVGEN_LENGTHS) */                                                   \
-    /* F(DFTFwd_RToCCS, 64f, ORVGEN_LENGTHS) */                                                    \
-    /* F(DFTFwd_RToPack, 64f, ORVGEN_LENGTHS) */                                                   \
-    /* F(DFTFwd_RToPerm, 64f, ORVGEN_LENGTHS) */                                                   \
+    F(DFTFwd_RToCCS, 32f, ORVGEN_LENGTHS)                                                          \
+    F(DFTFwd_RToPack, 32f, ORVGEN_LENGTHS)                                                         \
+    F(DFTFwd_RToPerm, 32f, ORVGEN_LENGTHS)                                                         \
+    F(DFTFwd_RToCCS, 64f, ORVGEN_LENGTHS)                                                          \
+    F(DFTFwd_RToPack, 64f, ORVGEN_LENGTHS)                                                         \
+    F(DFTFwd_RToPerm, 64f, ORVGEN_LENGTHS)                                                         \
     /* F(DFTInv_CCSToR, 32f, ORVGEN_LENGTHS) */                                                    \
     /* F(DFTInv_PackToR, 32f, ORVGEN_LENGTHS) */                                                   \
     /* F(DFTInv_PermToR, 32f, ORVGEN_LENGTHS) */                                                   \

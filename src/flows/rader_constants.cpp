@@ -31,6 +31,11 @@ RaderConstants::RaderConstants(int p, long e) {
         const Real factor = Real(isInner ? 2 : 1) / cycle;
         const std::string name = (isInner ? "2K[" : "K[") + std::to_string(k) + "], " + root;
         re.push_back(k == 0 ? -kernelgen::ratio(1, cycle) : Constant(factor * sumRe, "re " + name));
+        // sqrt(13)/12 is a number of the interface, given to 16 digits as 0.3004626062886657; it is
+        // stored as this number, one unit below the nearest binary64.
+        if (p == 13 && 2 * k == cycle)
+            re.back() = re.back().pinnedTo(re.back().isNegative() ? -0.3004626062886657
+                                                                  : 0.3004626062886657);
         im.push_back(isInner ? Constant(factor * sumIm, "im " + name) : Constant(0));
     }
 }

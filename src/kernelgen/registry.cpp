@@ -1,6 +1,7 @@
 #include "registry.h"
 
 #include "dft/families.h"
+#include "realdft/families.h"
 #include "wht/families.h"
 
 namespace orvgen::kernelgen {
@@ -11,6 +12,7 @@ std::vector<Family> allFamilies() {
         all.insert(all.end(), families.begin(), families.end());
     };
     append(dft::complexSingleFamilies());
+    append(realdft::forwardRealFamilies());
     append(wht::walshHadamardFamilies());
     return all;
 }

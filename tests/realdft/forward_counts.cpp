@@ -1,0 +1,144 @@
+// The forward real flows beside the table of their counts, row by row and column by column, and
+// beside the matrix of the transform.
+#include <gtest/gtest.h>
+
+#include "forward_flows.h"
+#include "kernelgen/count.h"
+#include "support/closed_sets.h"
+#include "support/count_check.h"
+#include "support/data_table.h"
+#include "support/packed_format.h"
+#include "support/proof.h"
+
+namespace orvgen::test {
+namespace {
+
+using kernelgen::Counts;
+using kernelgen::Op;
+
+TEST(ForwardCounts, EveryRowInEveryFormatAndType) {
+    const DataTable& table = dataTable("real_forward");
+    ASSERT_EQ(table.rows().size(), 63U);
+    for (const Format format : realdft::kPackedFormats) {
+        for (const Arithmetic arithmetic : {Arithmetic::Single, Arithmetic::Double}) {
+            CountCheck check("real_forward");
+            for (const DataRow& row : table.rows()) {
+                const auto n = static_cast<int>(row.integer("length"));
+                const Counts c =
+                    kernelgen::countOperations(realdft::forwardGraph(n, format, arithmetic));
+                const auto compare = [&](const char* column, long achieved) {
+                    check.compare(n, column, row.integer(column), achieved);
+                };
+                compare("additions", c.additions);
+                compare("sign_steps", c.signSteps);
+                compare("constant_products", c.constantProducts);
+                compare("multiplications", c.multiplications());
+                if (arithmetic == Arithmetic::Single) compare("conversions", c.conversions());
+                EXPECT_EQ(c.doublings, 0) << n;
+                if (arithmetic == Arithmetic::Double) {
+                    EXPECT_EQ(c.conversions(), 0) << n;
+                }
+            }
+            EXPECT_EQ(check.report(), "") << realdft::formatName(format);
+        }
+    }
+}
+
+TEST(ForwardCounts, ClosedSets) {
+    for (const DataRow& row : dataTable("real_forward").rows()) {
+        const auto n = static_cast<int>(row.integer("length"));
+        for (const Arithmetic arithmetic : {Arithmetic::Single, Arithmetic::Double}) {
+            const Graph g = realdft::forwardGraph(n, Format::Pack, arithmetic);
+            EXPECT_EQ(closedInputSets(g, firstOfSets(n), n), row.integers("closed_sets")) << n;
+        }
+    }
+}
+
+// The column "method" as the plans have it: the blocks of nested Good-Thomas joins one by one.
+void goodThomasFactors(const flows::PlanPtr& plan, std::string& words) {
+    const flows::PlanPtr p = realdft::forwardPlans().resolve(flows::Transform::Real, plan);
+    if (p->method != flows::Method::GoodThomas) {
+        words += " " + std::to_string(p->length);
+        return;
+    }
+    for (const flows::PlanPtr& part : p->parts) goodThomasFactors(part, words);
+}
+
+std::string twiddledFactors(const flows::PlanPtr& plan) {
+    const flows::PlanPtr p = realdft::forwardPlans().resolve(flows::Transform::Real, plan);
+    if (p->method != flows::Method::CooleyTukey) return " " + std::to_string(p->length);
+    return twiddledFactors(p->parts[0]) + twiddledFactors(p->parts[1]);
+}
+
+std::string methodOf(int n) {
+    const flows::PlanPtr named = flows::parsePlan(std::to_string(n));
+    const flows::PlanPtr p = realdft::forwardPlans().resolve(flows::Transform::Real, named);
+    const bool isBinary = (n & (n - 1)) == 0;
+    switch (p->method) {
+        case flows::Method::Direct:
+            return n == 2 ? "butterfly" : isBinary ? "binary" : "direct";
+        case flows::Method::Rader:
+            return "rader " + std::to_string(p->parts[0]->length);
+        case flows::Method::CooleyTukey:
+            return isBinary ? "binary" : "twiddled" + twiddledFactors(named);
+        case flows::Method::GoodThomas: {
+            std::string words;
+            goodThomasFactors(named, words);
+            return "good-thomas" + words;
+        }
+        default:
+            return "?";
+    }
+}
+
+TEST(ForwardCounts, Methods) {
+    for (const DataRow& row : dataTable("real_forward").rows())
+        EXPECT_EQ(methodOf(static_cast<int>(row.integer("length"))), row.text("method"));
+}
+
+// The layouts come from the table of positions here, not from the product's own description.
+TEST(ForwardProof, EveryLengthAndFormat) {
+    const std::vector<std::string> names = {"ccs", "pack", "perm"};
+    for (int n = realdft::kShortest; n <= realdft::kLongest; ++n) {
+        for (std::size_t f = 0; f < names.size(); ++f) {
+            const test::PackedFormat layout(names[f], n);
+            const auto matrix = [&](int output, int input) {
+                const auto& term = layout.at(output);
+                return term ? forwardCoefficient(n, *term, input) : Real(0);
+            };
+            for (const Arithmetic arithmetic : {Arithmetic::Single, Arithmetic::Double}) {
+                const Graph g = realdft::forwardGraph(n, realdft::kPackedFormats[f], arithmetic);
+                EXPECT_LT(proofError(g, n, layout.size(), matrix), kProofTolerance)
+                    << n << " " << names[f];
+                EXPECT_TRUE(g.deadNodes().empty()) << n;
+                EXPECT_EQ(elementsRead(g).size(), static_cast<std::size_t>(n));
+            }
+        }
+    }
+}
+
+// The product's description of the layouts against the tables.
+TEST(PackedFormats, AgreeWithTheTables) {
+    const std::vector<std::string> names = {"ccs", "pack", "perm"};
+    for (int n = realdft::kShortest; n <= realdft::kLongest; ++n) {
+        for (std::size_t f = 0; f < names.size(); ++f) {
+            const Format format = realdft::kPackedFormats[f];
+            const test::PackedFormat layout(names[f], n);
+            ASSERT_EQ(realdft::elementCount(format, n), layout.size());
+            std::vector<int> zeros;
+            for (int i = 0; i < layout.size(); ++i) {
+                const auto& term = layout.at(i);
+                if (!term)
+                    zeros.push_back(i);
+                else if (term->imaginary)
+                    EXPECT_EQ(realdft::imaginaryPosition(format, n, term->bin), i);
+                else
+                    EXPECT_EQ(realdft::realPosition(format, n, term->bin), i);
+            }
+            EXPECT_EQ(realdft::zeroPositions(format, n), zeros);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace orvgen::test
