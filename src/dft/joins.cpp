@@ -1,6 +1,7 @@
 #include "joins.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "butterflies.h"
 #include "embedded_rader.h"
@@ -97,15 +98,10 @@ std::vector<Points> Joins::runSplit(const Decomposition& join, const std::vector
         for (std::size_t c = 0; c < M; ++c)
             for (std::size_t t = 0; t < R; ++t)
                 u[s * M + place[c]].push_back(inputs[s][join.input(t, c)]);
-    name(describe(u.size(), join.first));
-    ++depth_;
-    u = run(join.first, u);
-    --depth_;
-
-    if (join.join == Join::CooleyTukey) {
-        name("twiddles of order " + std::to_string(join.length));
-        twiddle(join, u);
-    }
+    const bool isTwiddled = join.join == Join::CooleyTukey;
+    const bool inRows = join.twiddleLanes == TwiddleLanes::Rows;
+    u = runStage(join.first, u, isTwiddled && !inRows);
+    if (isTwiddled) twiddle(join, u);
 
     std::vector<Points> v;  // row k of each sub-transform
     for (std::size_t s = 0; s < inputs.size(); ++s)
@@ -113,10 +109,7 @@ std::vector<Points> Joins::runSplit(const Decomposition& join, const std::vector
             v.emplace_back();
             for (std::size_t c = 0; c < M; ++c) v.back().push_back(u[s * M + place[c]][k]);
         }
-    name(describe(v.size(), join.second));
-    ++depth_;
-    v = run(join.second, v);
-    --depth_;
+    v = runStage(join.second, v, isTwiddled && inRows);
 
     std::vector<Points> outputs(inputs.size(), Points(join.length));
     for (std::size_t s = 0; s < inputs.size(); ++s)
@@ -125,10 +118,23 @@ std::vector<Points> Joins::runSplit(const Decomposition& join, const std::vector
     return outputs;
 }
 
+std::vector<Points> Joins::runStage(const Part& part, const std::vector<Points>& inputs,
+                                    bool twiddled) {
+    if (depth_ == 0)
+        lanes_->graph().stage((twiddled ? "twiddled: " : "") + describe(inputs.size(), part));
+    ++depth_;
+    std::swap(twiddled_, twiddled);
+    std::vector<Points> outputs = run(part, inputs);
+    std::swap(twiddled_, twiddled);
+    --depth_;
+    return outputs;
+}
+
 // Column 0 (with the rows in the lanes) or row 0 (with the columns) has no twiddles; of all others
 // every lane is multiplied, also by 1.
 void Joins::twiddle(const Decomposition& join, std::vector<Points>& u) {
     const std::size_t R = join.R(), M = join.M();
+    if (depth_ == 0) lanes_->graph().stage("twiddles of order " + std::to_string(join.length));
     const bool rows = join.twiddleLanes == TwiddleLanes::Rows;
     const std::size_t lanesPerTransform = rows ? R : M;
     const std::size_t count = u.size() / M * lanesPerTransform;
@@ -190,10 +196,6 @@ Vectors Joins::runVectors(const Part& part, const Vectors& z) {
 
 Vectors Joins::runBlock(const Vectors& z) {
     return hasEmbeddedRader(z.size()) ? embeddedRader(direction_, z) : butterfly(direction_, z);
-}
-
-void Joins::name(const std::string& stage) {
-    if (depth_ == 0) lanes_->graph().stage(stage);
 }
 
 }  // namespace orvgen::dft

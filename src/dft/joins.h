@@ -39,16 +39,21 @@ class Joins {
     Vectors runVectors(const Part& part, const Vectors& z);
     virtual Vectors runBlock(const Vectors& z);
 
+    // Whether the stage that runs has its twiddles in its own lanes.
+    bool isTwiddled() const { return twiddled_; }
+
     Lanes& lanes() { return *lanes_; }
     Direction direction() const { return direction_; }
 
   private:
     void twiddle(const Decomposition& join, std::vector<Points>& u);
-    void name(const std::string& stage);
+    std::vector<Points> runStage(const Part& part, const std::vector<Points>& inputs,
+                                 bool twiddled);
 
     Lanes* lanes_;
     Direction direction_;
     int depth_ = 0;
+    bool twiddled_ = false;
 };
 
 // z exp(-+ 2 pi i num/den), the same in all lanes: a quarter turn is an exchange and a sign, any

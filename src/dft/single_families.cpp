@@ -2,6 +2,7 @@
 #include "butterflies.h"
 #include "families.h"
 #include "joins.h"
+#include "rader.h"
 #include "single_kernels.h"
 #include "single_table.h"
 
@@ -29,8 +30,11 @@ Graph scalarFlow(Direction direction, std::size_t length) {
 Graph laneFlow(Direction direction, std::size_t length) {
     Graph graph(Arithmetic::SingleLanes);
     Lanes lanes(graph);
-    Joins joins(lanes, direction);
-    lanes.store(joins.run(singleDecomposition(length), {lanes.load(length)})[0]);
+    const Points x = lanes.load(length);
+    if (hasRader(length))
+        lanes.store(rader(lanes, direction, x));
+    else
+        lanes.store(Joins(lanes, direction).run(singleDecomposition(length), {x})[0]);
     return graph;
 }
 
@@ -44,14 +48,22 @@ bool touchesHalvesOnly(int length) {
         case 10:
         case 12:
         case 15:
-        case 20: return true;
+        case 20:
+            return true;
         case 47:
-        case 59: return false;
-        default: break;
+        case 59:
+            return false;
+        default:
+            break;
     }
     for (int d = 2; d * d <= length; ++d)
         if (length % d == 0) return false;
     return length > 5;
+}
+
+std::string method(std::size_t length) {
+    if (hasRader(length)) return "Rader, cycle " + raderCycle(length)->stages();
+    return singleDecomposition(length)->stages();
 }
 
 Kernel kernel(const std::string& family, Direction direction, int length) {
@@ -59,7 +71,7 @@ Kernel kernel(const std::string& family, Direction direction, int length) {
     const bool scalar = length <= 5;
     return {kernelgen::memberName(family, length),
             length,
-            singleDecomposition(n)->stages(),
+            method(n),
             direction == Direction::Forward ? ScaleRule::ForwardByN : ScaleRule::InverseByN,
             scalar ? Alignment::Any : Alignment::Twin,
             touchesHalvesOnly(length),
@@ -75,11 +87,8 @@ Family family(const std::string& name, Direction direction, const std::vector<in
 
 std::vector<Family> complexSingleFamilies() {
     std::vector<int> lengths;
-    for (int n = 2; n <= 64; ++n) {
-        const bool rader =
-            n > 5 && singleDecomposition(static_cast<std::size_t>(n))->join == Join::None;
-        if (!rader) lengths.push_back(n);
-    }
+    for (int n = 2; n <= 64; ++n)
+        if (n != 47 && n != 59) lengths.push_back(n);
     return {family("orvgDFTFwd_CToC_32fc", Direction::Forward, lengths),
             family("orvgDFTInv_CToC_32fc", Direction::Inverse, lengths)};
 }
