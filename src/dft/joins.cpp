@@ -22,6 +22,10 @@ std::vector<Points> slice(const std::vector<Points>& all, std::size_t first, std
             all.begin() + static_cast<std::ptrdiff_t>(first + count)};
 }
 
+// Columns stand in the order of the residues of their elements modulo M, which is the order in
+// which a mirrored transform leaves them.
+std::size_t place(const Decomposition& join, std::size_t c) { return join.input(0, c) % join.M(); }
+
 std::string describe(std::size_t count, const Part& part) {
     const std::string points = std::to_string(part->length) + " points";
     return std::to_string(count) + " transforms of " + points +
@@ -88,34 +92,39 @@ std::vector<Points> Joins::runRemainder(const Part& part, const std::vector<Poin
 
 std::vector<Points> Joins::runSplit(const Decomposition& join, const std::vector<Points>& inputs) {
     const std::size_t R = join.R(), M = join.M();
-    // Columns stand in the order of the residues of their elements modulo M, which is the order in
-    // which a mirrored transform leaves them.
-    std::vector<std::size_t> place(M);
-    for (std::size_t c = 0; c < M; ++c) place[c] = join.input(0, c) % M;
-
     std::vector<Points> u(inputs.size() * M);
     for (std::size_t s = 0; s < inputs.size(); ++s)
         for (std::size_t c = 0; c < M; ++c)
             for (std::size_t t = 0; t < R; ++t)
-                u[s * M + place[c]].push_back(inputs[s][join.input(t, c)]);
+                u[s * M + place(join, c)].push_back(inputs[s][join.input(t, c)]);
     const bool isTwiddled = join.join == Join::CooleyTukey;
-    const bool inRows = join.twiddleLanes == TwiddleLanes::Rows;
-    u = runStage(join.first, u, isTwiddled && !inRows);
+    u = runStage(join.first, u, isTwiddled && join.twiddleLanes == TwiddleLanes::Columns);
     if (isTwiddled) twiddle(join, u);
+    return runSecond(join, u);
+}
 
+std::vector<Points> Joins::runSecond(const Decomposition& join, const std::vector<Points>& u) {
+    const std::size_t R = join.R(), M = join.M();
+    const std::size_t count = u.size() / M;
     std::vector<Points> v;  // row k of each sub-transform
-    for (std::size_t s = 0; s < inputs.size(); ++s)
+    for (std::size_t s = 0; s < count; ++s)
         for (std::size_t k = 0; k < R; ++k) {
             v.emplace_back();
-            for (std::size_t c = 0; c < M; ++c) v.back().push_back(u[s * M + place[c]][k]);
+            for (std::size_t c = 0; c < M; ++c) v.back().push_back(u[s * M + place(join, c)][k]);
         }
-    v = runStage(join.second, v, isTwiddled && inRows);
+    v = runStage(join.second, v,
+                 join.join == Join::CooleyTukey && join.twiddleLanes == TwiddleLanes::Rows);
 
-    std::vector<Points> outputs(inputs.size(), Points(join.length));
-    for (std::size_t s = 0; s < inputs.size(); ++s)
+    std::vector<Points> outputs(count, Points(join.length));
+    for (std::size_t s = 0; s < count; ++s)
         for (std::size_t k = 0; k < R; ++k)
             for (std::size_t q = 0; q < M; ++q) outputs[s][join.output(k, q)] = v[s * R + k][q];
     return outputs;
+}
+
+Points Joins::finish(const Decomposition& join, std::vector<Points> u) {
+    twiddle(join, u);
+    return runSecond(join, u)[0];
 }
 
 std::vector<Points> Joins::runStage(const Part& part, const std::vector<Points>& inputs,
@@ -172,26 +181,7 @@ std::vector<Points> Joins::runInLanes(const Part& part, const std::vector<Points
 }
 
 Vectors Joins::runVectors(const Part& part, const Vectors& z) {
-    if (part->join == Join::None) return runBlock(z);
-    const Decomposition& join = *part;
-    const std::size_t R = join.R(), M = join.M();
-    std::vector<Vectors> u;
-    for (std::size_t c = 0; c < M; ++c) {
-        Vectors x;
-        for (std::size_t t = 0; t < R; ++t) x.push_back(z[join.input(t, c)]);
-        u.push_back(runVectors(join.first, x));
-    }
-    Vectors y(join.length);
-    for (std::size_t k = 0; k < R; ++k) {
-        Vectors v;
-        for (std::size_t c = 0; c < M; ++c)
-            v.push_back(join.join == Join::GoodThomas
-                            ? u[c][k]
-                            : rotated(direction_, u[c][k], join.twiddle(c, k), join.length));
-        const Vectors x = runVectors(join.second, v);
-        for (std::size_t q = 0; q < M; ++q) y[join.output(k, q)] = x[q];
-    }
-    return y;
+    return composed(part, direction_, z, [this](const Vectors& x) { return runBlock(x); });
 }
 
 Vectors Joins::runBlock(const Vectors& z) {

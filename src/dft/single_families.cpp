@@ -1,4 +1,5 @@
 // The complex binary32 kernels: lengths 2 to 5 on scalars, from 6 up in lanes.
+#include "bluestein.h"
 #include "butterflies.h"
 #include "families.h"
 #include "joins.h"
@@ -30,11 +31,14 @@ Graph scalarFlow(Direction direction, std::size_t length) {
 Graph laneFlow(Direction direction, std::size_t length) {
     Graph graph(Arithmetic::SingleLanes);
     Lanes lanes(graph);
-    const Points x = lanes.load(length);
-    if (hasRader(length))
-        lanes.store(rader(lanes, direction, x));
+    if (hasBluestein(length))
+        lanes.store(bluestein(lanes, direction, lanes.load(length + 1)));
+    else if (hasRader(length))
+        lanes.store(rader(lanes, direction, lanes.load(length)));
     else
-        lanes.store(Joins(lanes, direction).run(singleDecomposition(length), {x})[0]);
+        lanes.store(
+            Joins(lanes, direction).run(singleDecomposition(length), {lanes.load(length)})[0]);
+    graph.removeDeadNodes();
     return graph;
 }
 
@@ -63,6 +67,7 @@ bool touchesHalvesOnly(int length) {
 
 std::string method(std::size_t length) {
     if (hasRader(length)) return "Rader, cycle " + raderCycle(length)->stages();
+    if (hasBluestein(length)) return "Bluestein, " + bluesteinForward(length)->stages();
     return singleDecomposition(length)->stages();
 }
 
@@ -87,8 +92,7 @@ Family family(const std::string& name, Direction direction, const std::vector<in
 
 std::vector<Family> complexSingleFamilies() {
     std::vector<int> lengths;
-    for (int n = 2; n <= 64; ++n)
-        if (n != 47 && n != 59) lengths.push_back(n);
+    for (int n = 2; n <= 64; ++n) lengths.push_back(n);
     return {family("orvgDFTFwd_CToC_32fc", Direction::Forward, lengths),
             family("orvgDFTInv_CToC_32fc", Direction::Inverse, lengths)};
 }

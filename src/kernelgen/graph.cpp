@@ -153,4 +153,38 @@ std::vector<NodeId> Graph::deadNodes() const {
     return dead;
 }
 
+void Graph::removeDeadNodes() {
+    std::vector<NodeId> renamed(nodes_.size(), 0);
+    for (const NodeId id : deadNodes()) renamed[static_cast<std::size_t>(id)] = kNone;
+    const auto rename = [&](NodeId& id) {
+        if (id != kNone) id = renamed[static_cast<std::size_t>(id)];
+    };
+    const std::vector<std::array<Lane, 4>> packs = std::move(lanes_);
+    std::vector<Node> live;
+    lanes_.clear();
+    laneIndex_.clear();
+    interned_.clear();
+    for (std::size_t i = 0; i < nodes_.size(); ++i) {
+        if (renamed[i] == kNone) continue;
+        Node n = nodes_[i];
+        rename(n.a);
+        rename(n.b);
+        if (n.op == Op::Pack) {
+            std::array<Lane, 4> four = packs[static_cast<std::size_t>(n.index)];
+            for (Lane& lane : four) rename(lane.node);
+            n.index = static_cast<int>(lanes_.size());
+            lanes_.push_back(four);
+            laneIndex_.emplace(four, n.index);
+        }
+        renamed[i] = static_cast<NodeId>(live.size());
+        interned_.emplace(std::make_tuple(n.op, n.type, n.a, n.b, n.index), renamed[i]);
+        live.push_back(n);
+    }
+    nodes_ = std::move(live);
+    for (PairOutput& out : pairOutputs_) {
+        rename(out.re.node);
+        rename(out.im.node);
+    }
+}
+
 }  // namespace orvgen::kernelgen

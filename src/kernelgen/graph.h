@@ -124,6 +124,8 @@ class Graph {
 
     // Values that no output depends on (there are none in a finished flow).
     std::vector<NodeId> deadNodes() const;
+    // Drops them, for flows that want only some of the results of a transform.
+    void removeDeadNodes();
 
   private:
     NodeId intern(Op op, Type type, NodeId a, NodeId b, int index);

@@ -11,6 +11,22 @@
 namespace orvgen {
 namespace {
 
+// Live and executed lanes, with the products by the scale: 2 N, or all lanes of the `stored`
+// elements where whole vectors are stored.
+kernelgen::LaneCounts compareLanes(test::CountCheck& check, const kernelgen::Family& family,
+                                   const test::DataRow& row, long stored) {
+    const long n = row.integer("length");
+    const auto c = kernelgen::countLanes(family.kernel(static_cast<int>(n)).flow);
+    const std::pair<std::string, long> columns[] = {
+        {"live_additions", c.liveAdditions},
+        {"live_multiplications", c.liveMultiplications + 2 * n},
+        {"executed_additions", c.executedAdditions},
+        {"executed_multiplications", c.executedMultiplications + 2 * stored}};
+    for (const auto& [column, achieved] : columns)
+        check.compare(n, column, row.integer(column), achieved);
+    return c;
+}
+
 TEST(SingleCounts, CompositeLengths) {
     test::CountCheck check("complex_f32_composite");
     for (const auto& family : dft::complexSingleFamilies())
@@ -32,17 +48,8 @@ TEST(SingleCounts, RaderPrimes) {
     test::CountCheck distinct("complex_f32_factors");
     for (const auto& family : dft::complexSingleFamilies())
         for (const auto& row : test::dataTable("complex_f32_rader").rows()) {
+            const auto c = compareLanes(check, family, row, row.integer("length"));
             const long p = row.integer("length");
-            const auto kernel = family.kernel(static_cast<int>(p));
-            const auto c = kernelgen::countLanes(kernel.flow);
-            const long scale = 2 * p;
-            check.compare(p, "live_additions", row.integer("live_additions"), c.liveAdditions);
-            check.compare(p, "live_multiplications", row.integer("live_multiplications"),
-                          c.liveMultiplications + scale);
-            check.compare(p, "executed_additions", row.integer("executed_additions"),
-                          c.executedAdditions);
-            check.compare(p, "executed_multiplications", row.integer("executed_multiplications"),
-                          c.executedMultiplications + scale);
             for (const auto& factor : test::dataTable("complex_f32_factors").rows()) {
                 if (factor.integer("factor") != p) continue;
                 distinct.compare(p, "alone_additions", factor.integer("alone_additions"),
@@ -54,6 +61,14 @@ TEST(SingleCounts, RaderPrimes) {
         }
     EXPECT_EQ(check.report(), "");
     EXPECT_EQ(distinct.report(), "");
+}
+
+TEST(SingleCounts, BluesteinPrimes) {
+    test::CountCheck check("complex_f32_bluestein");
+    for (const auto& family : dft::complexSingleFamilies())
+        for (const auto& row : test::dataTable("complex_f32_bluestein").rows())
+            compareLanes(check, family, row, row.integer("length") + 1);
+    EXPECT_EQ(check.report(), "");
 }
 
 }  // namespace
