@@ -19,10 +19,14 @@ install_package() {
 }
 
 # By CMake, from the installed package (find) or from the source tree (subdirectory), in one language.
-consume() {
+configure_consumer() {
     "$cmake" -S "$here/consumer" -B "$folder/build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" -DCONSUMER_BY="$1" \
         -DCONSUMER_LANGUAGE="$2" -DORVGEN_SOURCE="$source" -DCMAKE_C_COMPILER="$cc" -DCMAKE_CXX_COMPILER="$cxx" \
-        >"$folder/log" 2>&1 && "$cmake" --build "$folder/build" >>"$folder/log" 2>&1 || fail "$(cat "$folder/log")"
+        >"$folder/log" 2>&1 || fail "$(cat "$folder/log")"
+}
+consume() {
+    configure_consumer "$@"
+    "$cmake" --build "$folder/build" >>"$folder/log" 2>&1 || fail "$(cat "$folder/log")"
     "$folder/build/consumer"
 }
 
@@ -41,7 +45,12 @@ case $name in
     find_package_cpp) install_package; consume find CXX ;;
     pkg_config_c) install_package; pkg_config "$cc" use.c ;;
     pkg_config_cpp) install_package; pkg_config "$cxx" use.cpp ;;
-    add_subdirectory) consume subdirectory CXX ;;
+    add_subdirectory)
+        # Configured, and the build planned; building the library once more would show nothing new.
+        configure_consumer subdirectory CXX
+        ninja -C "$folder/build" -n -v consumer >"$folder/plan" || fail "$(cat "$folder/plan")"
+        grep -q "liborvgenm7.so" "$folder/plan" || fail "the consumer does not link the library"
+        ;;
     staged)
         # What a maker of packages does: the prefix is the target's, the files go below DESTDIR. The tree can be moved.
         DESTDIR=$folder/stage "$cmake" --install "$build" --prefix /opt/orvgen >/dev/null
