@@ -20,6 +20,8 @@ class CountCheck {
     // What is wrong: differences not listed, entries not compared or not as found. A check that
     // compared nothing is wrong too.
     std::vector<std::string> complaints() const;
+    // The same for a check that compares some columns only: entries of others are not asked for.
+    std::vector<std::string> countComplaints(const std::vector<std::string>& columns) const;
     // The complaints, one a line; empty when all is well (for EXPECT_EQ(check.report(), "")).
     std::string report() const;
 

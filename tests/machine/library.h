@@ -1,0 +1,23 @@
+// The product's machine code and one run of each of its kernels.
+#pragma once
+
+#include <string>
+
+#include "support/shape.h"
+
+namespace orvgen::test {
+
+inline const MachineCode& library() {
+    static const MachineCode code(ORVGEN_LIBRARY_FILE);
+    return code;
+}
+
+// A call on aligned buffers, or on buffers `off` bytes behind a boundary.
+inline Trace traceOf(const std::string& function, int off = 0, bool bufferNull = false) {
+    CallSetup setup;
+    setup.srcMisalignment = setup.dstMisalignment = off;
+    setup.bufferNull = bufferNull;
+    return runIntegers(library(), function, setup);
+}
+
+}  // namespace orvgen::test

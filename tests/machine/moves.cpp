@@ -1,0 +1,197 @@
+// How the complex kernels move data: whole aligned vectors, neighbours merged by shifts, halves;
+// the twin's moves against the aligned body's; zero vectors; the stack; the precision of the
+// arithmetic.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+#include "kernels/kernel_list.h"
+#include "machine/library.h"
+#include "support/data_table.h"
+
+namespace orvgen::test {
+namespace {
+
+struct Moves {
+    std::multiset<std::int64_t> wholeLoads, halfLoads, wholeStores, halfStores;
+    std::set<std::int64_t> alignedStorePlaces;
+    bool other = false;  // an access of another size
+};
+
+Moves movesOf(const Trace& trace) {
+    Moves m;
+    for (const Step& s : trace.steps) {
+        if (!s.access) continue;
+        const Access& a = *s.access;
+        if (a.region == Region::src) {
+            if (a.size == 16) m.wholeLoads.insert(a.offset);
+            if (a.size == 8) m.halfLoads.insert(a.offset);
+        } else if (a.region == Region::dst) {
+            if (a.size == 16) m.wholeStores.insert(a.offset);
+            if (a.size == 8) m.halfStores.insert(a.offset);
+            if (a.size == 16 && s.instruction->aligned) m.alignedStorePlaces.insert(a.offset);
+        } else {
+            continue;
+        }
+        m.other |= a.size != 8 && a.size != 16;
+    }
+    return m;
+}
+
+const DataRow& shapeRow(int length) { return dataTable("complex_f32_shape").row("length", length); }
+
+// The complex binary32 kernels, with `vector` those from length 6 on.
+template <class Check>
+void forComplexSingle(bool vector, Check check) {
+    for (const ListedKernel& k : listedKernels()) {
+        if (!k.complex || !k.single || (vector && k.length < 6)) continue;
+        SCOPED_TRACE(k.name);
+        check(k);
+    }
+}
+
+TEST(ComplexSingle, WholeVectorsAreMovedAsAlignmentAllows) {
+    forComplexSingle(true, [](const ListedKernel& k) {
+        const Moves aligned = movesOf(traceOf(k.name));
+        const Moves twin = movesOf(traceOf(k.twinName, 8));
+        EXPECT_FALSE(aligned.other);
+        EXPECT_FALSE(twin.other);
+        for (const std::int64_t at : aligned.wholeLoads) EXPECT_EQ(at % 16, 0) << at;
+        // Stores at multiples of 16 are aligned, the others cannot be.
+        for (const std::int64_t at : aligned.wholeStores) {
+            EXPECT_EQ(aligned.alignedStorePlaces.count(at) > 0, at % 16 == 0) << at;
+            EXPECT_EQ(at % 8, 0) << at;
+        }
+        EXPECT_TRUE(twin.alignedStorePlaces.empty());
+        EXPECT_EQ(twin.wholeStores, aligned.wholeStores);
+        EXPECT_EQ(twin.halfStores, aligned.halfStores);
+        EXPECT_EQ(twin.halfLoads, aligned.halfLoads);
+        // The twin's one load of two neighbours is an aligned load, or two around them.
+        std::set<std::int64_t> wanted;
+        for (const std::int64_t at : twin.wholeLoads) {
+            wanted.insert(at / 16 * 16);
+            if (at % 16 != 0) wanted.insert(at / 16 * 16 + 16);
+        }
+        EXPECT_EQ(std::set<std::int64_t>(aligned.wholeLoads.begin(), aligned.wholeLoads.end()),
+                  wanted);
+    });
+}
+
+// From the first access to the data on: each instruction and where its memory operand lies.
+std::vector<std::string> bodyText(const Trace& trace) {
+    std::vector<std::string> body;
+    for (const Step& s : trace.steps) {
+        const bool data = s.access && s.access->region != Region::constants;
+        if (!data && body.empty()) continue;
+        std::string text = s.instruction->mnemonic;
+        for (const Operand& o : s.instruction->operands) {
+            if (o.type == Operand::Type::vector) text += " xmm" + std::to_string(o.number);
+            if (o.type == Operand::Type::immediate) text += " " + std::to_string(o.value);
+            if (o.type == Operand::Type::memory && s.access) {
+                const bool constant = s.access->region == Region::constants;
+                text += std::string(" ") + regionName(s.access->region);
+                if (!constant) text += " " + std::to_string(s.access->offset);
+            }
+        }
+        body.push_back(text);
+    }
+    return body;
+}
+
+TEST(ComplexSingle, HalvesOnlyWhereListed) {
+    forComplexSingle(true, [](const ListedKernel& k) {
+        const bool rader = dataTable("complex_f32_rader").find("length", k.length) != nullptr;
+        const bool listed = shapeRow(k.length).flag("half_accesses_only");
+        const Moves m = movesOf(traceOf(k.name));
+        if (!listed && !rader) return;
+        EXPECT_TRUE(m.wholeLoads.empty() && m.wholeStores.empty());
+        EXPECT_EQ(bodyText(traceOf(k.twinName)), bodyText(traceOf(k.name)));
+    });
+}
+
+TEST(ComplexSingle, BluesteinKernelsMoveWholeVectors) {
+    forComplexSingle(true, [](const ListedKernel& k) {
+        if (!dataTable("complex_f32_bluestein").find("length", k.length)) return;
+        const Moves m = movesOf(traceOf(k.name));
+        EXPECT_TRUE(m.halfLoads.empty());
+        EXPECT_EQ(m.wholeStores.size() + m.halfStores.size(),
+                  static_cast<std::size_t>((k.length + 1) / 2));
+        EXPECT_EQ(m.halfStores.size(), 1U);
+        EXPECT_EQ(m.halfStores.count(8 * (k.length - 1)), 1U);
+        EXPECT_EQ(*m.wholeLoads.rbegin(), 8 * (k.length - 1));
+    });
+}
+
+TEST(ComplexSingle, ZeroVectorsWhereLanesAreEmpty) {
+    forComplexSingle(true, [](const ListedKernel& k) {
+        for (const std::string& function : {k.name, k.twinName}) {
+            bool clears = false;
+            for (const Step& s : traceOf(function).steps) {
+                const Instruction& in = *s.instruction;
+                if (in.kind != Kind::logic) continue;
+                const bool clearing = !in.mergesFirst;
+                clears |= clearing;
+                // The one other bit operation merges shifted neighbours.
+                EXPECT_TRUE(clearing || in.mnemonic == "orps" || in.mnemonic == "por") << in.text;
+            }
+            EXPECT_EQ(clears, shapeRow(k.length).flag("zero_vector")) << function;
+        }
+    });
+}
+
+TEST(ComplexSingle, NothingIsStoredToTheStackWhereListed) {
+    forComplexSingle(false, [](const ListedKernel& k) {
+        if (!shapeRow(k.length).flag("no_stack_store")) return;
+        EXPECT_EQ(BodyCounts(traceOf(k.name)).stackStores(), 0);
+        if (!k.twin) return;
+        EXPECT_EQ(BodyCounts(traceOf(k.twinName)).stackStores(), 0) << k.twinName;
+    });
+}
+
+TEST(ComplexSingle, Length64IsNoLongerThanPromised) {
+    for (const char* name : {"orvgDFTFwd_CToC_64_32fc", "orvgDFTInv_CToC_64_32fc"}) {
+        if (!library().has(name)) continue;
+        EXPECT_LE(library().function(name).instructions.size(), 872U);
+    }
+}
+
+// binary64 at lengths 3 and 5 only; scalars below length 6, vectors from there on.
+TEST(ComplexSingle, PrecisionAndLanes) {
+    forComplexSingle(false, [](const ListedKernel& k) {
+        const BodyCounts c(traceOf(k.name));
+        const auto arithmetic = [&](Lanes lanes) {
+            return c.count(Kind::add, lanes) + c.count(Kind::multiply, lanes);
+        };
+        EXPECT_EQ(arithmetic(Lanes::packed64), 0);
+        const bool wide = k.length == 3 || k.length == 5;
+        EXPECT_EQ(arithmetic(Lanes::scalar64) > 0, wide);
+        EXPECT_EQ(c.mnemonic("cvtss2sd") > 0, wide);
+        EXPECT_EQ(c.mnemonic("cvtsd2ss") > 0, wide);
+        EXPECT_EQ(c.count(Kind::convert, Lanes::packed64) + c.count(Kind::convert, Lanes::packed32),
+                  0);
+        EXPECT_EQ(arithmetic(Lanes::scalar32) > 0, k.length < 6);
+        EXPECT_EQ(arithmetic(Lanes::packed32) > 0, k.length >= 6);
+    });
+}
+
+// Whole vectors in aligned bodies, pairs of halves in the others; no conversion anywhere.
+TEST(ComplexDouble, ElementsAreMovedWholeOrAsHalves) {
+    for (const ListedKernel& k : listedKernels()) {
+        if (!k.complex || k.single) continue;
+        SCOPED_TRACE(k.name);
+        const auto n = static_cast<std::size_t>(k.length);
+        const Moves aligned = movesOf(traceOf(k.name));
+        EXPECT_EQ(aligned.wholeLoads.size(), n);
+        EXPECT_EQ(aligned.wholeStores.size(), n);
+        EXPECT_TRUE(aligned.halfLoads.empty() && aligned.halfStores.empty() && !aligned.other);
+        const Moves other = movesOf(traceOf(k.name, 8));
+        EXPECT_EQ(other.halfLoads.size(), 2 * n);
+        EXPECT_EQ(other.halfStores.size(), 2 * n);
+        EXPECT_TRUE(other.wholeLoads.empty() && other.wholeStores.empty() && !other.other);
+    }
+}
+
+}  // namespace
+}  // namespace orvgen::test
