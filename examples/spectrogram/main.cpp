@@ -98,10 +98,9 @@ std::string grouped(std::int64_t n) {
 
 std::string subtitleOf(const Recording& recording, const Spectrogram& s) {
     std::ostringstream text;
-    text << recording.origin() << "; " << grouped(s.windows) << " windows of "
-         << Spectrogram::points << " samples at " << s.rate / 1000 << " kHz (Hann, hop " << s.hop
-         << "), "
-         << "two in each complex transform of length " << Spectrogram::points;
+    text << recording.origin() << "; " << grouped(s.transforms) << " transforms of "
+         << Spectrogram::points << " samples at " << s.rate / 1000 << " kHz (Hann window, hop "
+         << s.hop << ")";
     return text.str();
 }
 

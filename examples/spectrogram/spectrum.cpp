@@ -37,78 +37,56 @@ class Analyser {
     Analyser(int columns, int hop, std::int64_t length)
         : columns_(static_cast<std::size_t>(columns)),
           hop_(hop),
-          windows_((length - N) / hop + 1) {}
+          expected_((length - N) / hop + 1) {}
 
-    // Takes samples; transforms every whole pair of windows among them.
+    // Takes samples; transforms every whole window among them.
     void add(const std::vector<float>& block) {
         samples_.insert(samples_.end(), block.begin(), block.end());
         std::size_t start = 0;
-        const auto step = static_cast<std::size_t>(hop_);
-        for (; start + step + N <= samples_.size(); start += 2 * step) {
-            transformPair(&samples_[start], &samples_[start + step]);
+        for (; start + N <= samples_.size(); start += static_cast<std::size_t>(hop_)) {
+            transform(&samples_[start]);
         }
         samples_.erase(samples_.begin(), samples_.begin() + static_cast<std::ptrdiff_t>(start));
     }
 
-    // The last window may stand alone: it is transformed together with silence.
-    void finish() {
-        static constexpr std::array<float, N> silence{};
-        if (samples_.size() >= N) transformPair(samples_.data(), silence.data());
-    }
-
     std::int64_t transforms() const { return transforms_; }
-    std::int64_t windows() const { return window_; }
     double seconds() const { return std::chrono::duration<double>(spent_).count(); }
     const std::vector<Column>& columns() const { return columns_; }
 
   private:
-    // Two windows of real samples a and b in one complex transform of a + i b: with Z its result,
-    // A[k] = (Z[k] + conj Z[N-k]) / 2 and B[k] = (Z[k] - conj Z[N-k]) / 2i.
-    void transformPair(const float* a, const float* b) {
-        for (std::size_t n = 0; n < N; ++n) x_[n] = {a[n] * window[n], b[n] * window[n]};
+    // One window of real samples; their half spectrum comes as the bins 0 to N/2 in (re, im) pairs.
+    void transform(const float* samples) {
+        for (std::size_t n = 0; n < N; ++n) x_[n] = samples[n] * window[n];
 
         const auto begin = std::chrono::steady_clock::now();
-        const OrvStatus status = orvgDFTFwd_CToC_64_32fc(x_.data(), z_.data(), orvScaleNone);
+        const OrvStatus status = orvgDFTFwd_RToCCS_64_32f(x_.data(), z_.data(), orvScaleNone);
         spent_ += std::chrono::steady_clock::now() - begin;
         if (status != orvOk) throw std::runtime_error("the transform failed");
-        ++transforms_;
 
-        std::array<double, bins> powerA{};
-        std::array<double, bins> powerB{};
-        for (std::size_t k = 0; k < bins; ++k) {
-            const Orv32fc p = z_[k];
-            const Orv32fc q = z_[(N - k) % N];
-            powerA[k] = 0.25 * (sqr(p.re + q.re) + sqr(p.im - q.im));
-            powerB[k] = 0.25 * (sqr(p.im + q.im) + sqr(q.re - p.re));
-        }
-        put(powerA, a);
-        if (b != a + hop_) return;
-        put(powerB, b);
+        // The last column takes what the announced length did not foresee.
+        const auto last = static_cast<std::int64_t>(columns_.size()) - 1;
+        const auto c =
+            std::min(last, transforms_ * (last + 1) / std::max<std::int64_t>(expected_, 1));
+        Column& column = columns_[static_cast<std::size_t>(c)];
+        for (std::size_t k = 0; k < bins; ++k)
+            column.power[k] += sqr(z_[2 * k]) + sqr(z_[2 * k + 1]);
+        for (int n = 0; n < N; ++n) column.peak = std::max(column.peak, std::abs(samples[n]));
+        ++column.windows;
+        ++transforms_;
     }
 
     static double sqr(float v) { return static_cast<double>(v) * v; }
-
-    void put(const std::array<double, bins>& power, const float* samples) {
-        const auto last = static_cast<std::int64_t>(columns_.size()) - 1;
-        const auto c = std::min(last, window_ * (last + 1) / std::max<std::int64_t>(windows_, 1));
-        Column& column = columns_[static_cast<std::size_t>(c)];
-        for (std::size_t k = 0; k < bins; ++k) column.power[k] += power[k];
-        for (int n = 0; n < N; ++n) column.peak = std::max(column.peak, std::abs(samples[n]));
-        ++column.windows;
-        ++window_;
-    }
 
     inline static const Window window = hann();
 
     std::vector<Column> columns_;
     int hop_;
-    std::int64_t windows_;  // that are expected
-    std::int64_t window_ = 0;
+    std::int64_t expected_;  // transforms, by the announced length
     std::int64_t transforms_ = 0;
     std::chrono::steady_clock::duration spent_{};
     std::vector<float> samples_;
-    alignas(16) std::array<Orv32fc, N> x_{};
-    alignas(16) std::array<Orv32fc, N> z_{};
+    std::array<float, N> x_{};
+    std::array<float, N + 2> z_{};
 };
 
 }  // namespace
@@ -126,8 +104,7 @@ Spectrogram analyse(Recording& recording, int columns, const Progress& progress)
         const auto all = static_cast<double>(std::max<std::int64_t>(recording.length(), 1));
         progress(std::min(1.0, static_cast<double>(done) / all));
     }
-    analyser.finish();
-    if (analyser.windows() == 0) {
+    if (analyser.transforms() == 0) {
         throw BadInput("the recording is too short: one transform takes " + std::to_string(N) +
                        " samples, and it has " + std::to_string(done));
     }
@@ -135,7 +112,6 @@ Spectrogram analyse(Recording& recording, int columns, const Progress& progress)
     Spectrogram s;
     s.hop = static_cast<int>(hop);
     s.transforms = analyser.transforms();
-    s.windows = analyser.windows();
     s.rate = recording.rate();
     s.seconds = recording.seconds();
     s.transformSeconds = analyser.seconds();

@@ -16,7 +16,6 @@ struct Spectrogram {
 
     int hop = 0;                  // samples from one window to the next
     std::int64_t transforms = 0;  // calls of the library
-    std::int64_t windows = 0;     // two for each call
     double rate = 0;
     double seconds = 0;
     double transformSeconds = 0;         // time spent in those calls
