@@ -147,8 +147,8 @@ ORVGEN_API const OrvLibraryVersion* orvgenGetLibVersion(void);
 #define ORVGEN_LENGTH_FAMILIES(F)                                                                  \
     F(DFTFwd_CToC, 32fc, ORVGEN_SOME_LENGTHS)\
     /* F(DFTInv_CToC, 32fc, ORVGEN_LENGTHS) */                                                     \
-    /* F(DFTFwd_CToC, 64fc, ORVGEN_LENGTHS) */                                                     \
-    /* F(DFTInv_CToC, 64fc, ORVGEN_LENGTHS) */                                                     \
+    F(DFTFwd_CToC, 64fc, ORVGEN_LENGTHS)                                                           \
+    F(DFTInv_CToC, 64fc, ORVGEN_LENGTHS)                                                           \
     F(DFTFwd_RToCCS, 32f, ORVGEN_LENGTHS)                                                          \
     F(DFTFwd_RToPack, 32f, ORVGEN_LENGTHS)                                                         \
     F(DFTFwd_RToPerm, 32f, ORVGEN_LENGTHS)                                                         \

@@ -9,5 +9,7 @@ namespace orvgen::dft {
 
 // Binary32: orvgDFTFwd_CToC_32fc and orvgDFTInv_CToC_32fc.
 std::vector<kernelgen::Family> complexSingleFamilies();
+// Binary64: orvgDFTFwd_CToC_64fc and orvgDFTInv_CToC_64fc.
+std::vector<kernelgen::Family> complexDoubleFamilies();
 
 }  // namespace orvgen::dft

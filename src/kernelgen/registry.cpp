@@ -12,6 +12,7 @@ std::vector<Family> allFamilies() {
         all.insert(all.end(), families.begin(), families.end());
     };
     append(dft::complexSingleFamilies());
+    append(dft::complexDoubleFamilies());
     append(realdft::forwardRealFamilies());
     append(wht::walshHadamardFamilies());
     return all;

@@ -1,0 +1,286 @@
+// The complex binary64 flows: counts beside the table, proof on unit vectors, how the two
+// directions are related bit for bit, and that no value crosses between the lanes too early.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <set>
+
+#include "dft/complex_proof.h"
+#include "dft/double_flow.h"
+#include "dft/families.h"
+#include "flows/number_theory.h"
+#include "kernelgen/count.h"
+#include "kernelgen/evaluate.h"
+#include "realdft/forward.h"
+#include "support/count_check.h"
+#include "support/data_table.h"
+
+namespace orvgen::test {
+namespace {
+
+using flows::Method;
+using flows::PlanPtr;
+using flows::Transform;
+using kernelgen::Direction;
+using kernelgen::Graph;
+using kernelgen::Node;
+using kernelgen::Op;
+
+const std::vector<Direction> kDirections = {Direction::Forward, Direction::Inverse};
+using Samples = std::vector<double>;  // real and imaginary parts in turn
+
+Samples evaluated(const Graph& graph, const Samples& x, double scale = 1.0) {
+    Samples y(x.size(), std::numeric_limits<double>::signaling_NaN());
+    kernelgen::evaluate(graph, x.data(), y.data(), scale);
+    return y;
+}
+
+Samples randomSamples(int n, unsigned seed) {
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<double> uniform(-1, 1);
+    Samples x;
+    for (int i = 0; i < 2 * n; ++i) x.push_back(uniform(random));
+    return x;
+}
+
+TEST(DoubleCounts, EveryRow) {
+    const DataTable& table = dataTable("complex_f64");
+    ASSERT_EQ(table.rows().size(), 63U);
+    for (const Direction direction : kDirections) {
+        CountCheck check("complex_f64");
+        for (const DataRow& row : table.rows()) {
+            const auto n = static_cast<int>(row.integer("length"));
+            const Graph g = dft::doubleFlow(direction, n);
+            const kernelgen::Counts c = kernelgen::countOperations(g);
+            // a vector operation is two real ones
+            check.compare(n, "additions", row.integer("additions"), 2 * c.additions);
+            check.compare(n, "multiplications", row.integer("multiplications"),
+                          2 * c.multiplications());
+            check.compare(n, "swaps", row.integer("swaps"), c.swaps);
+            EXPECT_EQ(c.swaps, (n - 1) / 2);
+            EXPECT_LE(c.flips, c.swaps);
+            EXPECT_EQ(c.conversions(), 0);
+            EXPECT_EQ(c.signSteps, 0);
+            EXPECT_EQ(c.scaleProducts, n);
+            EXPECT_TRUE(g.deadNodes().empty());
+            for (const Node& node : g.nodes())
+                EXPECT_NE(node.op, direction == Direction::Forward ? Op::FlipHigh : Op::FlipLow);
+        }
+        EXPECT_EQ(check.report(), "");
+    }
+}
+
+// The prime lengths: which method, with what inside, and where the cycle's transform begins.
+class Primes {
+  public:
+    explicit Primes(int p) : plans_(dft::doublePlans(p)), p_(p) {
+        look(Transform::Real, flows::parsePlan(std::to_string(p)), true);
+    }
+    std::string method() const { return method_; }
+    long firstRadix() const { return radix_; }
+    bool holds(const std::string& word) const { return words_.count(word) != 0; }
+
+  private:
+    void look(Transform transform, const PlanPtr& named, bool outermost) {
+        const PlanPtr plan = plans_.resolve(transform, named);
+        if (outermost) {
+            method_ = plan->method == Method::Rader ? "rader" : "direct";
+            if (plan->method == Method::Rader) radix_ = firstRadixOf(plan->parts[0]);
+        } else if (plan->method == Method::Rader) {
+            words_.insert("nested:" + std::to_string(plan->length));
+        } else if (plan->method == Method::Direct) {
+            words_.insert("direct:" + std::to_string(plan->length));
+        }
+        // of a Rader block the cycle's transform; of a join both factors
+        if (plan->method == Method::Rader)
+            look(Transform::Real, plan->parts[0], false);
+        else
+            for (const PlanPtr& part : plan->parts) look(transform, part, false);
+    }
+    // The stage that runs first; a block of 4 points is two stages of radix 2.
+    long firstRadixOf(const PlanPtr& named) const {
+        const PlanPtr plan = plans_.resolve(Transform::Real, named);
+        if (plan->method == Method::GoodThomas || plan->method == Method::CooleyTukey)
+            return firstRadixOf(plan->parts[0]);
+        return plan->length == 4 ? 2 : plan->length;
+    }
+
+    flows::Plans plans_;
+    int p_;
+    std::string method_;
+    long radix_ = 0;
+    std::set<std::string> words_;
+};
+
+TEST(DoubleCounts, PrimeLengths) {
+    for (const DataRow& row : dataTable("complex_f64_primes").rows()) {
+        const auto p = static_cast<int>(row.integer("length"));
+        const Primes found(p);
+        const auto words = row.words("method");
+        EXPECT_EQ(found.method(), words.at(0)) << p;
+        for (std::size_t i = 1; i < words.size(); ++i)
+            EXPECT_TRUE(found.holds(words[i])) << p << " " << words[i];
+        if (!row.empty("first_radix")) {
+            EXPECT_EQ(found.firstRadix(), row.integer("first_radix")) << p;
+        }
+        const DataRow& all = dataTable("complex_f64").row("length", p);
+        EXPECT_EQ(row.integer("additions"), all.integer("additions"));
+        EXPECT_EQ(row.integer("multiplications"), all.integer("multiplications"));
+    }
+}
+
+TEST(DoubleProof, EveryLength) {
+    for (const Direction direction : kDirections)
+        for (int n = 2; n <= 64; ++n)
+            EXPECT_LT(complexProofError(dft::doubleFlow(direction, n), direction, n), 1e-60) << n;
+}
+
+bool sameBits(const Samples& a, const Samples& b) {
+    for (std::size_t i = 0; i < a.size(); ++i)
+        if (std::memcmp(&a[i], &b[i], sizeof(double)) != 0 &&
+            !(std::isnan(a[i]) && std::isnan(b[i])))
+            return false;
+    return a.size() == b.size();
+}
+
+Samples swapped(const Samples& x) {
+    Samples y;
+    for (std::size_t i = 0; i < x.size(); i += 2) {
+        y.push_back(x[i + 1]);
+        y.push_back(x[i]);
+    }
+    return y;
+}
+
+Samples reversed(const Samples& x) {
+    const std::size_t n = x.size() / 2;
+    Samples y;
+    for (std::size_t k = 0; k < n; ++k) {
+        y.push_back(x[2 * ((n - k) % n)]);
+        y.push_back(x[2 * ((n - k) % n) + 1]);
+    }
+    return y;
+}
+
+// inverse(x) = swap(forward(swap(x))) and inverse(x) = reverse(forward(x)).
+TEST(DoubleRelations, BetweenTheDirections) {
+    CountCheck check("inverse_relations_f64");
+    for (const DataRow& row : dataTable("inverse_relations").rows()) {
+        const auto n = static_cast<int>(row.integer("length"));
+        const Graph forward = dft::doubleFlow(Direction::Forward, n);
+        const Graph inverse = dft::doubleFlow(Direction::Inverse, n);
+        bool bySwap = true;
+        bool byReversal = true;
+        for (unsigned seed = 0; seed < 24; ++seed) {
+            Samples x = randomSamples(n, seed);
+            if (seed % 4 == 3) {  // zeros of either sign, infinities, a NaN
+                for (std::size_t i = seed % 3; i < x.size(); i += 3) x[i] = i % 2 == 0 ? 0.0 : -0.0;
+                if (seed % 8 == 7) x[seed % x.size()] = std::numeric_limits<double>::infinity();
+                if (seed == 23) x[0] = std::numeric_limits<double>::quiet_NaN();
+            }
+            const Samples y = evaluated(inverse, x);
+            bySwap = bySwap && sameBits(y, swapped(evaluated(forward, swapped(x))));
+            byReversal = byReversal && sameBits(y, reversed(evaluated(forward, x)));
+        }
+        check.compare(n, "f64_swap", row.flag("f64_swap"), bySwap);
+        check.compare(n, "f64_reverse", row.flag("f64_reverse"), byReversal);
+    }
+    EXPECT_EQ(check.report(), "");
+}
+
+TEST(DoubleRelations, RoundTrip) {
+    for (int n = 2; n <= 64; ++n) {
+        const Samples x = randomSamples(n, 3);
+        const Graph forward = dft::doubleFlow(Direction::Forward, n);
+        const Graph inverse = dft::doubleFlow(Direction::Inverse, n);
+        const double byN = 1.0 / n;
+        for (const auto& [there, back] :
+             std::vector<std::pair<double, double>>{{1.0, byN}, {byN, 1.0}}) {
+            const Samples y = evaluated(inverse, evaluated(forward, x, there), back);
+            for (std::size_t i = 0; i < x.size(); ++i) EXPECT_NEAR(y[i], x[i], 4e-15) << n;
+        }
+    }
+}
+
+// Real samples stay in the real lane up to the swaps: the result is the forward real transform,
+// completed to all N bins.
+TEST(DoubleLanes, RealSamples) {
+    for (int n = 2; n <= 64; ++n) {
+        Samples x = randomSamples(n, 5);
+        Samples real;
+        for (std::size_t i = 0; i < x.size(); i += 2) {
+            real.push_back(x[i]);
+            x[i + 1] = 0;
+        }
+        const Samples y = evaluated(dft::doubleFlow(Direction::Forward, n), x);
+        const Graph half =
+            realdft::forwardGraph(n, realdft::PackedFormat::Ccs, kernelgen::Arithmetic::Double);
+        Samples ccs(static_cast<std::size_t>(n) + 2, 0.0);
+        kernelgen::evaluate(half, real.data(), ccs.data(), 1.0);
+        for (int k = 0; k < n; ++k) {
+            const auto i = static_cast<std::size_t>(2 * k);
+            const auto j = static_cast<std::size_t>(2 * (2 * k > n ? n - k : k));
+            EXPECT_NEAR(y[i], ccs[j], 1e-13) << n;
+            EXPECT_NEAR(y[i + 1], 2 * k > n ? -ccs[j + 1] : ccs[j + 1], 1e-13) << n;
+        }
+        EXPECT_EQ(y[1], 0) << n;
+        if (n % 2 == 0) {
+            EXPECT_EQ(y[static_cast<std::size_t>(n) + 1], 0) << n;
+        }
+    }
+}
+
+// An infinity or a NaN in a real part reaches imaginary parts through the swaps alone, and y[0]
+// and y[N/2] have none: their imaginary parts are as without it.
+TEST(DoubleLanes, CleanImaginaryPartOfTheFirstElement) {
+    for (int n = 2; n <= 64; ++n) {
+        for (const Direction direction : kDirections) {
+            const Graph g = dft::doubleFlow(direction, n);
+            const Samples x = randomSamples(n, 11);
+            const Samples clean = evaluated(g, x);
+            for (const double bad : {std::numeric_limits<double>::infinity(),
+                                     std::numeric_limits<double>::quiet_NaN()}) {
+                for (int t = 0; t < n; t += 1 + n / 7) {
+                    Samples spoilt = x;
+                    spoilt[static_cast<std::size_t>(2 * t)] = bad;
+                    const Samples y = evaluated(g, spoilt);
+                    EXPECT_FALSE(std::isfinite(y[0]));
+                    EXPECT_EQ(y[1], clean[1]) << n;
+                    if (n % 2 == 0) {
+                        EXPECT_EQ(y[static_cast<std::size_t>(n) + 1],
+                                  clean[static_cast<std::size_t>(n) + 1]);
+                    }
+                }
+            }
+        }
+    }
+}
+
+// The direct block of 7: three cosines and three sines, each six times.
+TEST(DoubleLanes, ConstantsOfSeven) {
+    const Graph g = dft::doubleFlow(Direction::Forward, 7);
+    std::map<double, int> uses;
+    for (const Node& n : g.nodes())
+        if (n.op == Op::Mul) uses[std::round(g.constant(n).lane(0).asDouble() * 1e6) / 1e6] += 2;
+    const std::map<double, int> expected = {{0.222521, 6}, {0.433884, 6}, {0.62349, 6},
+                                            {0.781831, 6}, {0.900969, 6}, {0.974928, 6}};
+    EXPECT_EQ(uses, expected);
+}
+
+TEST(DoubleFamilies, BodiesAndTwins) {
+    for (const auto& family : dft::complexDoubleFamilies()) {
+        EXPECT_EQ(family.lengths.size(), 63U);
+        for (const int n : {2, 3, 4, 5, 64}) {
+            const auto kernel = family.kernel(n);
+            EXPECT_EQ(kernel.alignment,
+                      n < 5 ? kernelgen::Alignment::TwoBodies : kernelgen::Alignment::Twin);
+            EXPECT_TRUE(kernel.readsAllFirst);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace orvgen::test
