@@ -283,7 +283,7 @@ class Allocator {
     void twoOperand(const Instruction& i) {
         Register x = i.a;
         Register y = i.b;
-        if (y != kNoRegister && x != y && isCommutative(i.op) &&
+        if (y != kNoRegister && x != y && options_.commute && isCommutative(i.op) &&
             costAsTied(y) + costAsOther(x, i.op) < costAsTied(x) + costAsOther(y, i.op))
             std::swap(x, y);
 

@@ -18,6 +18,9 @@ struct AllocationOptions {
     bool storesEndAllOfSrc = true;
     // The largest frame in bytes; 0: any. Orders that need more are passed over.
     int frameLimit = 0;
+    // Sums and products may take their operands in either order. It shows in one thing only: of two
+    // NaN the first operand's comes out.
+    bool commute = true;
 };
 
 struct Allocation {

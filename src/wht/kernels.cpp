@@ -7,7 +7,9 @@
 //     rsi  dst, running        rdx  frame              r9   steps left of the pass
 //     rax  the scale's address                         r10  buffer, running through the tiles
 //                                                      r11  tiles left
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 
 #include "kernelgen/compile.h"
@@ -20,7 +22,6 @@ namespace {
 
 using kernelgen::Addressing;
 using kernelgen::Base;
-using kernelgen::Binding;
 using kernelgen::MachineInstruction;
 using kernelgen::Opcode;
 using kernelgen::Variant;

@@ -208,12 +208,15 @@ Pass scalarPass(Element element, int layers) {
 Code passCode(const Pass& pass, int split) { return PassBuilder(pass, split).run(); }
 
 CompiledPass compilePass(const Pass& pass) {
+    kernelgen::AllocationOptions options;
+    options.foldSrc = pass.scalar;
+    options.commute = false;  // a[p] is the first operand, as in the formula
     // Groups that a few registers hold; a group holds whole transposes.
     const int least = pass.block && !pass.scalar ? log2Lanes(pass.element) : 1;
     CompiledPass best;
     for (int split = least; split <= pass.rows; ++split) {
         const Code code = passCode(pass, split);
-        kernelgen::Block block = kernelgen::compileBlock(code, {pass.scalar, true});
+        kernelgen::Block block = kernelgen::compileBlock(code, options);
         if (split > least && block.cost >= best.block.cost) continue;
         best = {std::move(block), code.stages};
     }
