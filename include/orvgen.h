@@ -171,8 +171,8 @@ ORVGEN_API const OrvLibraryVersion* orvgenGetLibVersion(void);
 
 /* The DCT-IV families: F(NAME, T). */
 #define ORVGEN_DCT4_FAMILIES(F)                                                                    \
-    /* F(DCT4, 32f) */                                                                             \
-    /* F(DCT4, 64f) */
+    F(DCT4, 32f)                                                                                   \
+    F(DCT4, 64f)
 
 /* clang-format on */
 
