@@ -1,0 +1,123 @@
+// Plans for the tests of one family (ORVGEN_DCT4_FAMILY says which), with a view of their nodes.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "dct4/operations.h"
+#include "dct4/radix.h"
+#include "support/data_table.h"
+
+namespace orvgen::test::dct4 {
+
+using namespace orvgen::dct4;
+
+constexpr int familyBits = ORVGEN_DCT4_FAMILY;
+inline const std::string familySuffix = familyBits == 32 ? "_32f" : "_64f";
+inline const std::string familyPrefix = familyBits == 32 ? "owngDCT4_32fw7_" : "owngDCT4_64fw7_";
+
+// Unit roundoff of the family.
+constexpr double unitRoundoff = familyBits == 32 ? 0x1p-24 : 0x1p-53;
+
+inline const DataTable& table(const std::string& name) { return dataTable("dct4/" + name); }
+
+inline std::vector<Real> randomVector(std::int64_t length, unsigned seed) {
+    std::mt19937_64 generator(seed);
+    std::uniform_real_distribution<double> uniform(-1, 1);
+    std::vector<Real> x(static_cast<std::size_t>(length));
+    for (Real& value : x) value = static_cast<Real>(uniform(generator));
+    return x;
+}
+
+template <class T>
+bool sameBits(const std::vector<T>& a, const std::vector<T>& b) {
+    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(T)) == 0;
+}
+
+// A block with its first address at a chosen remainder modulo 32, filled with a pattern.
+class Block {
+  public:
+    explicit Block(std::size_t size, std::size_t remainder = 0) : memory(size + 64, fill) {
+        const auto address = reinterpret_cast<std::uintptr_t>(memory.data());
+        start = (32 - address % 32) % 32 + remainder;
+        bytes = size;
+    }
+    std::uint8_t* data() { return memory.data() + start; }
+    const std::uint8_t* data() const { return memory.data() + start; }
+    std::size_t size() const { return bytes; }
+    Arena* arena() { return reinterpret_cast<Arena*>(data()); }
+    // Makes the block an arena as Init does.
+    Arena* makeArena() {
+        const auto address = reinterpret_cast<std::uint64_t>(data());
+        arena()->setBump(address + 64 - address % 32);
+        return arena();
+    }
+    std::size_t used() {
+        return static_cast<std::size_t>(arena()->bump() - reinterpret_cast<std::uint64_t>(data()));
+    }
+    std::vector<std::uint8_t> copy() const { return {data(), data() + bytes}; }
+
+    static constexpr std::uint8_t fill = 0xA5;
+
+  private:
+    std::vector<std::uint8_t> memory;
+    std::size_t start, bytes;
+};
+
+// A plan in a block of its own, of exactly the reported size and a guard behind it.
+class Plan {
+  public:
+    explicit Plan(std::int32_t length, std::size_t remainder = 0)
+        : block(reportedSize(length) + guard, remainder) {
+        status = EXPORTED(DCT4Init)(&spec, length, block.data());
+        if (status != orvOk) throw std::runtime_error("no plan of " + std::to_string(length));
+    }
+
+    static std::size_t reportedSize(std::int32_t length) {
+        std::int32_t size = -1;
+        if (EXPORTED(DCT4GetSize)(length, &size) != orvOk) {
+            throw std::runtime_error("no size for " + std::to_string(length));
+        }
+        return static_cast<std::size_t>(size);
+    }
+
+    OrvStatus run(const Real* src, Real* dst) { return EXPORTED(DCT4)(src, dst, spec); }
+    std::vector<Real> operator()(const std::vector<Real>& x) {
+        std::vector<Real> y(x.size(), static_cast<Real>(-77));
+        EXPECT_EQ(run(x.data(), y.data()), orvOk);
+        return y;
+    }
+
+    Env1* top() { return reinterpret_cast<Env1*>(spec); }
+    template <class Record>
+    static Record* child(const EnvList* role) {
+        return static_cast<Record*>(EnvList_get(role, 0));
+    }
+    Env2* env2() { return child<Env2>(top()->stageTwoRole); }
+    Env3* env3() { return child<Env3>(top()->stageOneRole); }
+    Env4* env4() { return child<Env4>(env2()->kernelRole); }
+    Env5* env5() { return child<Env5>(env3()->transformRole); }
+    // The recursion levels from outside in.
+    std::vector<Env7*> levels() {
+        std::vector<Env7*> found;
+        if (top()->rule != treeRule) return found;
+        Env7* level = child<Env7>(env5()->recursionRole);
+        while (level != nullptr) {
+            found.push_back(level);
+            level = child<Env7>(child<Env9>(level->innerRole)->recursionRole);
+        }
+        return found;
+    }
+
+    static constexpr std::size_t guard = 4096;
+    Spec* spec = nullptr;
+    OrvStatus status = orvErrPlan;
+    Block block;
+};
+
+}  // namespace orvgen::test::dct4
