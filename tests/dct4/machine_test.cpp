@@ -1,0 +1,313 @@
+// The kernels read back from the machine code of the built library: their operation counts, what
+// they call, and how they reach memory.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "support/data_table.h"
+#include "support/machine_code.h"
+
+namespace orvgen::test::dct4 {
+namespace {
+
+struct FamilyCode {
+    const char* suffix;     // of the exported functions
+    const char* prefix;     // of the internal ones
+    const char* nameSpace;  // in the mangled names of the loops
+    const char* packed;     // ending of packed arithmetic
+    const char* scalar;
+};
+
+constexpr FamilyCode families[] = {{"_32f", "owngDCT4_32fw7_", "binary32", "ps", "ss"},
+                                   {"_64f", "owngDCT4_64fw7_", "binary64", "pd", "sd"}};
+
+const MachineCode& code() {
+    static const MachineCode library(ORVGEN_LIBRARY_FILE);
+    return library;
+}
+
+// The loop around one packed kernel, by its template's name and size.
+const Function& kernelLoop(const FamilyCode& family, const std::string& loop, long size) {
+    const std::string part = loop + "ILi" + std::to_string(size) + "E";
+    std::vector<std::string> found;
+    for (const Symbol& symbol : code().image().symbols()) {
+        if (symbol.function && symbol.name.find(family.nameSpace) != std::string::npos &&
+            symbol.name.find(part) != std::string::npos) {
+            found.push_back(symbol.name);
+        }
+    }
+    if (found.size() != 1) throw std::runtime_error("no single " + part);
+    return code().function(found[0]);
+}
+
+struct Counts {
+    long add = 0, sub = 0, mul = 0, calls = 0;
+    long foreign = 0;           // arithmetic of another width or kind
+    long unalignedVectors = 0;  // 16-byte accesses without alignment
+    long backJumps = 0;
+    std::vector<std::string> odd;
+};
+
+Counts countsOf(const Function& function, const std::string& ending) {
+    Counts counts;
+    for (const Instruction& instruction : function.instructions) {
+        const std::string& name = instruction.mnemonic;
+        if (name == "nop") continue;
+        if (name == "add" + ending) {
+            ++counts.add;
+        } else if (name == "sub" + ending) {
+            ++counts.sub;
+        } else if (name == "mul" + ending) {
+            ++counts.mul;
+        } else if (instruction.kind == Kind::add || instruction.kind == Kind::multiply ||
+                   instruction.kind == Kind::convert || instruction.kind == Kind::foreign ||
+                   instruction.sse3) {
+            ++counts.foreign;
+            counts.odd.push_back(instruction.text);
+        }
+        if (instruction.kind == Kind::call) ++counts.calls;
+        if (instruction.kind == Kind::jump &&
+            instruction.operands[0].type == Operand::Type::immediate &&
+            static_cast<std::uint64_t>(instruction.operands[0].value) < instruction.address) {
+            ++counts.backJumps;
+        }
+        const Operand* memory = instruction.memory();
+        if (instruction.vector() && memory != nullptr && memory->size == 16 &&
+            !instruction.aligned) {
+            ++counts.unalignedVectors;
+        }
+    }
+    return counts;
+}
+
+void expectRow(const DataRow& row, const Counts& counts, const std::string& what) {
+    EXPECT_EQ(counts.add, row.integer("add")) << what;
+    EXPECT_EQ(counts.sub, row.integer("sub")) << what;
+    EXPECT_EQ(counts.mul, row.integer("mul")) << what;
+    EXPECT_EQ(counts.calls, 0) << what;
+    EXPECT_EQ(counts.foreign, 0) << what << ": " << (counts.odd.empty() ? "" : counts.odd[0]);
+    EXPECT_EQ(counts.unalignedVectors, 0) << what;
+    EXPECT_EQ(counts.backJumps, 1) << what << ": one loop around a straight-line body";
+}
+
+TEST(MachineCounts, OfThePackedKernels) {
+    for (const FamilyCode& family : families) {
+        int rows = 0;
+        const auto expectTable = [&](const char* table, const char* loop, const char* size) {
+            for (const DataRow& row : dataTable(table).rows()) {
+                const long n = row.integer(size);
+                expectRow(row, countsOf(kernelLoop(family, loop, n), family.packed),
+                          std::string(family.nameSpace) + " " + loop + " " + std::to_string(n));
+                ++rows;
+            }
+        };
+        expectTable("dct4/odd_frequency", "oddFrequencyLoop", "n");
+        expectTable("dct4/stage_two", "stageTwoLoop", "r");
+        expectTable("dct4/joins", "joinLoop", "r");
+        EXPECT_EQ(rows, 17);
+    }
+}
+
+// Single-element accesses to source and destination of the transform: so many of them per body.
+TEST(MachineAccess, OfThePackedKernels) {
+    for (const FamilyCode& family : families) {
+        const long lanes = family.suffix == std::string("_32f") ? 4 : 2;
+        const auto singles = [&](const Function& function, bool store) {
+            long count = 0;
+            for (const Instruction& instruction : function.instructions) {
+                const Operand* memory = instruction.memory();
+                if (memory == nullptr || !instruction.vector() || memory->size * lanes != 16) {
+                    continue;
+                }
+                if (memory->base == 16) continue;  // constants
+                count += store ? instruction.stores() : instruction.loads();
+            }
+            return count;
+        };
+        for (const DataRow& row : dataTable("dct4/odd_frequency").rows()) {
+            const Function& loop = kernelLoop(family, "oddFrequencyLoop", row.integer("n"));
+            EXPECT_EQ(singles(loop, false), lanes * row.integer("loads"));
+            EXPECT_EQ(singles(loop, true), 0);
+        }
+        for (const DataRow& row : dataTable("dct4/stage_two").rows()) {
+            const Function& loop = kernelLoop(family, "stageTwoLoop", row.integer("r"));
+            EXPECT_EQ(singles(loop, false), lanes * row.integer("elements"));
+            EXPECT_EQ(singles(loop, true), lanes * row.integer("elements"));
+        }
+        for (const DataRow& row : dataTable("dct4/joins").rows()) {
+            const Function& loop = kernelLoop(family, "joinLoop", row.integer("r"));
+            EXPECT_EQ(singles(loop, false), 0);
+            EXPECT_EQ(singles(loop, true), 0);
+        }
+    }
+}
+
+// Every way through the run function that calls nothing, as counts of products and of additions and
+// subtractions; and what the run reads of the plan on it.
+struct Path {
+    long mul = 0, addSub = 0, calls = 0;
+};
+
+std::vector<Path> pathsOf(const Function& function, const FamilyCode& family) {
+    std::vector<Path> paths;
+    const std::string ending = family.scalar;
+    std::function<void(std::size_t, Path, std::set<std::uint64_t>)> walk =
+        [&](std::size_t index, Path path, std::set<std::uint64_t> seen) {
+            for (; index < function.instructions.size(); ++index) {
+                const Instruction& instruction = function.instructions[index];
+                ASSERT_TRUE(seen.insert(instruction.address).second)
+                    << "a loop at " << function.label(instruction);
+                const std::string& name = instruction.mnemonic;
+                path.mul += name == "mul" + ending;
+                path.addSub += name == "add" + ending || name == "sub" + ending;
+                path.calls += instruction.kind == Kind::call;
+                if (instruction.kind == Kind::ret) {
+                    paths.push_back(path);
+                    return;
+                }
+                if (instruction.kind != Kind::jump) continue;
+                ASSERT_EQ(instruction.operands[0].type, Operand::Type::immediate);
+                const auto target = static_cast<std::uint64_t>(instruction.operands[0].value);
+                const Instruction* to = function.at(target);
+                if (to == nullptr) {  // a call in tail position
+                    ++path.calls;
+                    paths.push_back(path);
+                } else {
+                    walk(static_cast<std::size_t>(to - function.instructions.data()), path, seen);
+                }
+                if (name == "jmp") return;
+            }
+            FAIL() << "the end of the function is reached";
+        };
+    walk(0, {}, {});
+    return paths;
+}
+
+TEST(MachineCounts, OfTheStraightLineBodies) {
+    for (const FamilyCode& family : families) {
+        const Function& run = code().function("orvgDCT4" + std::string(family.suffix));
+        std::set<std::pair<long, long>> found, expected;
+        for (const Path& path : pathsOf(run, family)) {
+            if (path.mul + path.addSub == 0) continue;
+            EXPECT_EQ(path.calls, 0);
+            found.insert({path.mul, path.addSub});
+        }
+        for (const DataRow& row : dataTable("dct4/bodies").rows()) {
+            expected.insert({row.integer("multiplications"), row.integer("additions")});
+        }
+        EXPECT_EQ(found, expected);
+
+        for (const Instruction& instruction : run.instructions) {
+            const bool scalar = instruction.mnemonic.ends_with(family.scalar);
+            if (instruction.kind == Kind::add || instruction.kind == Kind::multiply) {
+                EXPECT_TRUE(scalar) << instruction.text;
+            }
+            EXPECT_NE(instruction.kind, Kind::convert) << instruction.text;
+            EXPECT_NE(instruction.kind, Kind::shuffle) << instruction.text;
+            if (instruction.vector() && instruction.memory() != nullptr) {
+                EXPECT_NE(instruction.memory()->size, 16) << instruction.text;
+            }
+        }
+    }
+}
+
+// What can be reached from a function by direct calls and tail calls, imports included.
+void reach(const Function& function, std::set<std::string>& names) {
+    if (!names.insert(function.symbol.name).second) return;
+    for (const Instruction& instruction : function.instructions) {
+        if (instruction.kind != Kind::call && instruction.kind != Kind::jump) continue;
+        const Operand& operand = instruction.operands[0];
+        if (operand.type != Operand::Type::immediate) {
+            if (instruction.kind == Kind::call) names.insert("an indirect call");
+            continue;
+        }
+        const auto target = static_cast<std::uint64_t>(operand.value);
+        if (instruction.kind == Kind::jump && function.at(target) != nullptr) continue;
+        const Function* called = code().functionAt(target);
+        if (called == nullptr) {
+            names.insert("outside");
+        } else {
+            reach(*called, names);
+        }
+    }
+}
+
+// A run calls no library function, no allocator, no trigonometry: kernels and the list's access.
+TEST(MachineCalls, OfARun) {
+    for (const FamilyCode& family : families) {
+        std::set<std::string> names;
+        reach(code().function("orvgDCT4" + std::string(family.suffix)), names);
+        EXPECT_TRUE(names.count("EnvList_get"));
+        for (const char* node : {"env4", "env5", "env7", "env8", "env9"}) {
+            EXPECT_TRUE(names.count(family.prefix + std::string(node) + "_compute")) << node;
+        }
+        for (const std::string& name : names) {
+            const bool kernel = name.find("Loop") != std::string::npos ||
+                                name.find("oddFrequencyKernel") != std::string::npos ||
+                                name.find("twoStages") != std::string::npos;
+            EXPECT_TRUE(kernel || name == "EnvList_get" || name.ends_with("_compute") ||
+                        name == "orvgDCT4" + std::string(family.suffix))
+                << name;
+        }
+    }
+}
+
+TEST(MachineCalls, TrigonometryIsOfFourFunctions) {
+    std::set<std::string> imported;
+    const std::pair<const char*, const char*> helpers[] = {{"orvgCosPi_32f", "cosf"},
+                                                           {"orvgSinPi_32f", "sinf"},
+                                                           {"orvgCosPi_64f", "cos"},
+                                                           {"orvgSinPi_64f", "sin"}};
+    for (const auto& [helper, library] : helpers) {
+        std::set<std::string> names;
+        reach(code().function(helper), names);
+        EXPECT_EQ(names, (std::set<std::string>{helper, "outside"}));
+    }
+}
+
+TEST(Symbols, StandAsLocalFunctions) {
+    int checked = 0;
+    const auto expectLocal = [&](const std::string& name) {
+        const Symbol* symbol = code().image().find(name);
+        ASSERT_NE(symbol, nullptr) << name;
+        EXPECT_TRUE(symbol->function) << name;
+        EXPECT_FALSE(symbol->global) << name;
+        ++checked;
+    };
+    for (const DataRow& row : dataTable("dct4/symbols").rows()) {
+        if (row.flag("family")) {
+            for (const FamilyCode& family : families) expectLocal(family.prefix + row.text("name"));
+        } else {
+            expectLocal(row.text("name"));
+        }
+    }
+    EXPECT_GT(checked, 90);
+}
+
+// The tables say all: no further function under the prefixes, and none of the operations that a
+// type does not have.
+TEST(Symbols, AreNoOthers) {
+    std::set<std::string> listed;
+    for (const DataRow& row : dataTable("dct4/symbols").rows()) listed.insert(row.text("name"));
+    for (const DataRow& row : dataTable("dct4/absent").rows()) {
+        EXPECT_FALSE(listed.count(row.text("name")));
+        for (const FamilyCode& family : families) {
+            EXPECT_EQ(code().image().find(family.prefix + row.text("name")), nullptr);
+        }
+    }
+    for (const Symbol& symbol : code().image().symbols()) {
+        for (const FamilyCode& family : families) {
+            const std::string prefix = family.prefix;
+            if (symbol.function && symbol.name.starts_with(prefix)) {
+                EXPECT_TRUE(listed.count(symbol.name.substr(prefix.size()))) << symbol.name;
+            }
+        }
+    }
+}
+
+}  // namespace
+}  // namespace orvgen::test::dct4
