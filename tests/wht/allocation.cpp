@@ -1,5 +1,6 @@
 // The calls of the allocator: this program's own orvMalloc and orvFree take the place of the core
 // library's.
+#include <execinfo.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -21,6 +22,7 @@ struct Log {
     void* block = nullptr;
     void* freed = nullptr;
     bool fail = false;
+    int depth = 0;  // frames of the stack, as the unwinder sees them
 };
 Log allocations;
 // The block: it ends at a guard page.
@@ -31,6 +33,8 @@ std::unique_ptr<orvgen::test::GuardedMemory> memory;
 extern "C" __attribute__((visibility("default"))) void* orvMalloc(std::int32_t bytes) {
     ++allocations.mallocs;
     allocations.bytes = bytes;
+    void* frames[100];
+    allocations.depth = backtrace(frames, 100);
     if (allocations.fail) return nullptr;
     const auto size = static_cast<std::size_t>(bytes);
     memory = std::make_unique<orvgen::test::GuardedMemory>(size + 16);
@@ -135,6 +139,22 @@ TYPED_TEST(Allocation, NoneWhenRefused) {
         EXPECT_EQ(f.bufferSize(f.order, &size), orvOk);
         EXPECT_EQ(allocations.mallocs, 0) << f.name;
         EXPECT_EQ(allocations.frees, 0) << f.name;
+    }
+}
+
+// The unwinding tables of the kernels: seen from the allocator, one frame more than without.
+TYPED_TEST(Allocation, TheStackUnwindsThroughTheKernel) {
+    for (const auto& f : orderFunctions<TypeParam>()) {
+        if (f.order < 8) continue;
+        for (const std::size_t displacement : {std::size_t{0}, std::size_t{8}}) {
+            const AlignedArray<TypeParam> src(f.points(), displacement);
+            const AlignedArray<TypeParam> dst(f.points(), displacement);
+            orvFree(orvMalloc(1024));
+            const int direct = allocations.depth;
+            ASSERT_EQ(f.kernel(src.data(), dst.data(), orvScaleNone, nullptr), orvOk);
+            EXPECT_EQ(allocations.depth, direct + 1) << f.name;
+            EXPECT_GT(direct, 3);
+        }
     }
 }
 
