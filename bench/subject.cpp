@@ -1,18 +1,22 @@
 #include "subject.h"
 
 #include <cstdlib>
+#include <type_traits>
 
 #include "orvgen.h"
 
 namespace orvgen::bench {
 namespace {
 
+// Bytes of a real, or of each part of a complex element.
 template <class T>
-constexpr std::size_t realBytes = sizeof(T);
-template <>
-constexpr std::size_t realBytes<Orv32fc> = sizeof(Orv32f);
-template <>
-constexpr std::size_t realBytes<Orv64fc> = sizeof(Orv64f);
+constexpr std::size_t realBytes() {
+    if constexpr (std::is_floating_point_v<T>) {
+        return sizeof(T);
+    } else {
+        return sizeof(T::re);
+    }
+}
 
 // What a family of fixed lengths computes, by its name in the lists.
 Problem problemOf(const std::string& name, int n, std::size_t real) {
@@ -72,7 +76,7 @@ template <class Call>
 
 #define ADD_LENGTH(NAME, N, T)                                                             \
     add(list, "orvg" #NAME "_" #N "_" #T, #NAME "_" #T, formatOf(#NAME),                   \
-        problemOf(#NAME, N, realBytes<Orv##T>), [](const void* s, void* d) {               \
+        problemOf(#NAME, N, realBytes<Orv##T>()), [](const void* s, void* d) {             \
             orvg##NAME##_##N##_##T(static_cast<const Orv##T*>(s), static_cast<Orv##T*>(d), \
                                    orvScaleBySqrtN);                                       \
         });
@@ -84,7 +88,7 @@ template <class Call>
         orvg##NAME##GetBufferSize_##T(K, &bytes);                                              \
         const auto work = buffer(bytes);                                                       \
         add(list, "orvg" #NAME "_" #K "_" #T, #NAME "_" #T, "",                                \
-            realProblem(Transform::wht, 1 << K, realBytes<Orv##T>),                            \
+            realProblem(Transform::wht, 1 << K, realBytes<Orv##T>()),                          \
             [work](const void* s, void* d) {                                                   \
                 orvg##NAME##_##K##_##T(static_cast<const Orv##T*>(s), static_cast<Orv##T*>(d), \
                                        orvScaleBySqrtN, work.get());                           \
@@ -92,16 +96,16 @@ template <class Call>
     }
 #define ADD_ORDERS(NAME, T, LIST) LIST(ADD_ORDER, NAME, T)
 
-#define ADD_PLANS(NAME, T)                                                                       \
-    for (int n = 2; n <= 1024; n *= 2) {                                                         \
-        Orv##NAME##Spec_##T* made = nullptr;                                                     \
-        if (orvg##NAME##InitAlloc_##T(&made, n) != orvOk) continue;                              \
-        const std::shared_ptr<Orv##NAME##Spec_##T> plan(made, orvg##NAME##Free_##T);             \
-        add(list, "orvg" #NAME "_" #T " of " + std::to_string(n), #NAME "_" #T, "",              \
-            realProblem(Transform::dct4, n, realBytes<Orv##T>), [plan](const void* s, void* d) { \
-                orvg##NAME##_##T(static_cast<const Orv##T*>(s), static_cast<Orv##T*>(d),         \
-                                 plan.get());                                                    \
-            });                                                                                  \
+#define ADD_PLANS(NAME, T)                                                                         \
+    for (int n = 2; n <= 1024; n *= 2) {                                                           \
+        Orv##NAME##Spec_##T* made = nullptr;                                                       \
+        if (orvg##NAME##InitAlloc_##T(&made, n) != orvOk) continue;                                \
+        const std::shared_ptr<Orv##NAME##Spec_##T> plan(made, orvg##NAME##Free_##T);               \
+        add(list, "orvg" #NAME "_" #T " of " + std::to_string(n), #NAME "_" #T, "",                \
+            realProblem(Transform::dct4, n, realBytes<Orv##T>()), [plan](const void* s, void* d) { \
+                orvg##NAME##_##T(static_cast<const Orv##T*>(s), static_cast<Orv##T*>(d),           \
+                                 plan.get());                                                      \
+            });                                                                                    \
     }
 
 std::vector<Subject> allSubjects() {

@@ -270,7 +270,7 @@ std::vector<std::vector<int>> candidateOrders(const Code& code) {
     for (const Order& base : bases) {
         orders.push_back(base);
         for (const int live : {kRegisters - 4, kRegisters - 2, kRegisters})
-            for (const std::size_t window : {8, 16, 32, 64})
+            for (const std::size_t window : {8U, 16U, 32U, 64U})
                 orders.push_back(windowed(d, base, window, live));
     }
     for (Order& order : orders) order.insert(order.begin(), d.loads.begin(), d.loads.end());
