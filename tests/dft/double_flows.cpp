@@ -76,7 +76,7 @@ TEST(DoubleCounts, EveryRow) {
 // The prime lengths: which method, with what inside, and where the cycle's transform begins.
 class Primes {
   public:
-    explicit Primes(int p) : plans_(dft::doublePlans(p)), p_(p) {
+    explicit Primes(int p) : plans_(dft::doublePlans(p)) {
         look(Transform::Real, flows::parsePlan(std::to_string(p)), true);
     }
     std::string method() const { return method_; }
@@ -109,7 +109,6 @@ class Primes {
     }
 
     flows::Plans plans_;
-    int p_;
     std::string method_;
     long radix_ = 0;
     std::set<std::string> words_;
