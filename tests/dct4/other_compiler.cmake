@@ -1,0 +1,46 @@
+# The plan machine built once more, by the compiler that the rest is not built with: g++ or clang++.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    set(other clang++)
+else()
+    set(other g++)
+endif()
+find_program(ORVGEN_OTHER_CXX_${other} ${other})
+set(other ${ORVGEN_OTHER_CXX_${other}})
+if(NOT other OR ORVGEN_SANITIZE)
+    message(STATUS "No comparison of compilers: it needs g++ and clang++, without sanitizers")
+    return()
+endif()
+
+# The product's flags for C++, without the generator expressions around them.
+string(REGEX MATCHALL "-f[A-Za-z-]+(=[a-z]+)?" flags "${ORVGEN_PRODUCT_FLAGS}")
+set(objects "")
+foreach(room dct4 dct4_32f dct4_64f)
+    get_target_property(sources ${room} SOURCES)
+    get_target_property(folder ${room} SOURCE_DIR)
+    string(REGEX MATCH "[0-9]+f$" width ${room})
+    string(REPLACE "f" "" width "${width}")
+    foreach(source IN LISTS sources)
+        set(object ${CMAKE_CURRENT_BINARY_DIR}/other/${room}_${source}.o)
+        add_custom_command(
+            OUTPUT ${object}
+            COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_CURRENT_BINARY_DIR}/other
+            COMMAND ${other} -std=c++20 -O2 ${flags} -I${PROJECT_SOURCE_DIR}/include
+                    -I${PROJECT_SOURCE_DIR}/src "$<$<BOOL:${width}>:-DORVGEN_DCT4_FAMILY=${width}>"
+                    -MD -MF ${object}.d -c ${folder}/${source} -o ${object}
+            DEPENDS ${folder}/${source} DEPFILE ${object}.d
+            COMMAND_EXPAND_LISTS VERBATIM)
+        list(APPEND objects ${object})
+    endforeach()
+endforeach()
+set(library ${CMAKE_CURRENT_BINARY_DIR}/other/libdct4.so)
+add_custom_command(
+    OUTPUT ${library}
+    COMMAND ${other} -shared -o ${library} ${objects} $<TARGET_FILE:orvcorexwide> -lm
+    DEPENDS ${objects} orvcorexwide
+    COMMAND_EXPAND_LISTS VERBATIM)
+add_custom_target(orvgen_dct4_other DEPENDS ${library})
+
+orvgen_add_test(test_dct4_compilers compilers_test.cpp LIBS ${CMAKE_DL_LIBS})
+add_dependencies(test_dct4_compilers orvgen orvgen_dct4_other)
+target_compile_definitions(test_dct4_compilers PRIVATE
+    ORVGEN_LIBRARY_FILE="$<TARGET_FILE:orvgen>" ORVGEN_OTHER_LIBRARY="${library}")
