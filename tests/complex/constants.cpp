@@ -1,0 +1,77 @@
+// Constants that a complex kernel must hold, and must not, read back from the library.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <numbers>
+#include <numeric>
+
+#include "complex/complex_calls.h"
+#include "machine/library.h"
+#include "support/data_table.h"
+
+namespace orvgen::test {
+namespace {
+
+using Four = std::array<float, 4>;
+
+// The vectors of four that a call reads from the library's constants.
+std::vector<Four> vectorsOf(const std::string& function) {
+    std::vector<Four> list;
+    for (const Step& s : traceOf(function).steps) {
+        if (!s.access || s.access->region != Region::constants || s.access->size != 16) continue;
+        const auto bytes =
+            library().image().bytes(static_cast<std::uint64_t>(s.access->offset), 16);
+        Four v{};
+        std::memcpy(v.data(), bytes.data(), 16);
+        list.push_back(v);
+    }
+    return list;
+}
+
+bool holds(const std::vector<Four>& list, const std::vector<double>& lanes) {
+    Four wanted{};
+    for (std::size_t i = 0; i < 4; ++i) wanted[i] = static_cast<float>(lanes[i]);
+    for (const Four& v : list) {
+        if (v == wanted) return true;
+    }
+    return false;
+}
+
+TEST(ComplexConstants, LengthEightHoldsItsTwiddles) {
+    for (const DataRow& row : dataTable("length8_twiddles").rows()) {
+        const std::string name = complexName(row.text("direction") == "inverse", 8, true);
+        if (!library().has(name)) continue;
+        const std::vector<Four> list = vectorsOf(name);
+        EXPECT_TRUE(holds(list, row.numbers("real"))) << name;
+        EXPECT_TRUE(holds(list, row.numbers("imaginary"))) << name;
+    }
+}
+
+// The real parts of twiddles of denominator 60 stand in vectors of length 60; in length 63 every
+// vector holds one constant in all lanes, as twiddles of its stage of nine are of denominator 9.
+TEST(ComplexConstants, TwiddlesOfSixtyAndNoneOfSixtyThree) {
+    const auto denominators = [](const std::string& name, int n) {
+        int found = 0;
+        for (const Four& v : vectorsOf(name)) {
+            for (const float lane : v) {
+                for (int k = 1; k < n; ++k) {
+                    if (std::gcd(k, n) != 1) continue;
+                    const double angle = 2 * std::numbers::pi * k / n;
+                    found += lane == static_cast<float>(std::cos(angle));
+                }
+            }
+        }
+        return found;
+    };
+    for (const bool inverse : {false, true}) {
+        const std::string sixty = complexName(inverse, 60, true);
+        const std::string sixtyThree = complexName(inverse, 63, true);
+        EXPECT_TRUE(!library().has(sixty) || denominators(sixty, 60) > 0);
+        EXPECT_TRUE(!library().has(sixtyThree) || denominators(sixtyThree, 63) == 0);
+    }
+}
+
+}  // namespace
+}  // namespace orvgen::test

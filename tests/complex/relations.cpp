@@ -1,0 +1,90 @@
+// The inverse kernels against the forward ones, bit for bit, where the table says so, and not where
+// it says that a relation does not hold.
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <random>
+#include <type_traits>
+
+#include "complex/complex_calls.h"
+#include "support/count_check.h"
+#include "support/data_table.h"
+
+namespace orvgen::test {
+namespace {
+
+template <class Real>
+using Vector = std::vector<Real>;
+
+template <class Real>
+Vector<Real> swapped(const Vector<Real>& x) {
+    Vector<Real> y(x.size());
+    for (std::size_t i = 0; i < x.size(); i += 2) {
+        y[i] = x[i + 1];
+        y[i + 1] = x[i];
+    }
+    return y;
+}
+
+// Element (N - k) mod N at k.
+template <class Real>
+Vector<Real> reversed(const Vector<Real>& x) {
+    const std::size_t n = x.size() / 2;
+    Vector<Real> y(x.size());
+    for (std::size_t k = 0; k < n; ++k) {
+        const std::size_t from = (n - k) % n;
+        y[2 * k] = x[2 * from];
+        y[2 * k + 1] = x[2 * from + 1];
+    }
+    return y;
+}
+
+template <class Real>
+bool sameBits(const Vector<Real>& a, const Vector<Real>& b) {
+    using Bits = std::conditional_t<sizeof(Real) == 4, std::uint32_t, std::uint64_t>;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (std::bit_cast<Bits>(a[i]) != std::bit_cast<Bits>(b[i])) return false;
+    }
+    return a.size() == b.size();
+}
+
+template <class Real>
+void check(CountCheck& found) {
+    const bool single = sizeof(Real) == 4;
+    const std::string prefix = single ? "f32_" : "f64_";
+    for (const DataRow& row : dataTable("inverse_relations").rows()) {
+        const auto n = static_cast<int>(row.integer("length"));
+        const ListedKernel* forward = complexKernel(false, n, single);
+        const ListedKernel* inverse = complexKernel(true, n, single);
+        if (!forward || !inverse) continue;  // to come
+        std::mt19937 engine(static_cast<unsigned>(n));
+        std::uniform_real_distribution<Real> value(-1, 1);
+        bool swap = true, reverse = true;
+        for (int i = 0; i < 400; ++i) {
+            Vector<Real> x(static_cast<std::size_t>(2 * n));
+            for (Real& v : x) v = value(engine);
+            const Vector<Real> y = transform(*inverse, x);
+            swap = swap && sameBits(y, swapped(transform(*forward, swapped(x))));
+            reverse = reverse && sameBits(y, reversed(transform(*forward, x)));
+        }
+        found.compare(n, prefix + "swap", row.integer(prefix + "swap"), swap);
+        found.compare(n, prefix + "reverse", row.integer(prefix + "reverse"), reverse);
+    }
+}
+
+TEST(InverseRelations, HoldExactlyWhereListed) {
+    CountCheck found("inverse_relations");
+    check<float>(found);
+    check<double>(found);
+    std::vector<std::string> columns;
+    for (const bool single : {true, false}) {
+        if (!complexKernel(true, 64, single)) continue;
+        columns.push_back(single ? "f32_swap" : "f64_swap");
+        columns.push_back(single ? "f32_reverse" : "f64_reverse");
+    }
+    if (columns.empty()) GTEST_SKIP() << "the inverse kernels are to come";
+    for (const std::string& s : found.countComplaints(columns)) ADD_FAILURE() << s;
+}
+
+}  // namespace
+}  // namespace orvgen::test
