@@ -20,8 +20,10 @@ float scaleOf(int flag) { return flag == 1 ? 0.25F : flag == 2 ? 2.0F : flag == 
 bool goodFlag(int flag) { return flag == 1 || flag == 2 || flag == 4 || flag == 8; }
 bool off(const void* p) { return reinterpret_cast<std::uintptr_t>(p) % 16 != 0; }
 
-// y[i] = s (x[i] - x[n-1-i] / 3), all reads before the first store.
-void body(const float* src, float* dst, int flag) {
+// y[i] = s (x[i] - x[n-1-i] / 3), all reads before the first store. Faulty gates let it have null
+// pointers, which is what the tester must find, not a sanitizer.
+[[gnu::no_sanitize("address"), gnu::no_sanitize("undefined")]] void body(const float* src,
+                                                                         float* dst, int flag) {
     float r[n];
     const volatile float third = 1.0F / 3.0F;
     const volatile float s = scaleOf(flag);
@@ -30,7 +32,7 @@ void body(const float* src, float* dst, int flag) {
         const volatile float d = src[i] - p;
         r[i] = d * s;
     }
-    std::memcpy(dst, r, sizeof r);
+    for (std::size_t i = 0; i < n; ++i) dst[i] = r[i];
 }
 
 std::int32_t gate(const float* src, float* dst, int flag) {
