@@ -66,6 +66,10 @@ constexpr LengthRow kSingle[] = {
     {61, {Transform::Real, 61, "rader(3x(5x4); 5x(3x2); 2.15)"}},
 };
 
+// The lengths at which both directions take the order of the forward sums, so that the inverse is
+// the forward transform with real and imaginary parts exchanged, to the last bit.
+constexpr bool sharesForwardSums(int n) { return n == 23 || n == 29; }
+
 }  // namespace
 
 flows::Plans doublePlans(int n) {
@@ -93,6 +97,8 @@ Graph doubleFlow(Direction direction, int n) {
     for (int t = 0; t < n; ++t) x.emplace_back(graph, graph.input(t));
     const flows::Plans plans = doublePlans(n);
     flows::Flow<Value> flow(plans, &graph);
+    const bool isForward = direction == Direction::Forward || sharesForwardSums(n);
+    flow.setPositiveFirst(isForward ? 1 : -1);
     const flows::Bins<Value> bins = flow.real(flows::parsePlan(std::to_string(n)), 1, x);
 
     graph.stage("finish: y[k], y[N-k] = P +- i Q; scale and store");

@@ -6,6 +6,11 @@
 // with no value crossing between lanes. Only the finish crosses: T = i Q is a lane swap and the
 // sign of one lane, and y[k] = P + T, y[N-k] = P - T. The inverse takes T = -i Q, which is the same
 // swap and the sign of the other lane.
+//
+// A direct block begins each of its sums with a term that is positive in the kernel's own
+// direction. In blocks of 11, and in smaller ones whose operands carry signs, that is another term
+// in the inverse than in the forward kernel, so that the last bits may differ there; elsewhere
+// inverse(x) = swap(forward(swap(x))) and inverse(x)[k] = forward(x)[N-k] hold bit for bit.
 #pragma once
 
 #include "flows/plan.h"

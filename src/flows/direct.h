@@ -4,8 +4,9 @@
 //   X[k] = (x[0] + sum of cos(2 pi e u k/n) a, - sum of sin(2 pi e u k/n) d).
 // Inverse, by the same sums over the real and the imaginary parts of the bins:
 //   y[q], y[n-q] = C -+ S.
-// The pairs follow the powers of the inverse of the smallest primitive root. A cosine sum whose
-// first term is positive begins with it and takes x[0] last; otherwise it begins with x[0].
+// The pairs follow the powers of the inverse of the smallest primitive root, or go up from 1 where
+// the flow asks for it (Flow::positiveFirst). A cosine sum whose first term is positive begins with
+// it and takes x[0] last; otherwise it begins with x[0].
 #pragma once
 
 #include <stdexcept>
@@ -30,11 +31,21 @@ inline Constant directCosine(long num, long n) {
 struct DirectPairs {
     std::vector<long> u;  // the pairs are u and n - u
 
+    // 1, 2, 3, ..
+    static DirectPairs ascending(int n) {
+        DirectPairs pairs;
+        for (long i = 1; i <= n / 2; ++i) pairs.u.push_back(i);
+        return pairs;
+    }
+
     explicit DirectPairs(int n, bool inRootOrder = false) {
         const long r = inRootOrder ? smallestRoot(n) : inverseModulo(smallestRoot(n), n);
         long power = 1;
         for (int i = 0; i < n / 2; ++i, power = power * r % n) u.push_back(power);
     }
+
+  private:
+    DirectPairs() = default;
 };
 
 // x0 + sum of cos(2 pi k u/n) a over the pairs.
@@ -65,6 +76,47 @@ V sineSum(const DirectPairs& pairs, long n, long k, const std::vector<V>& d) {
     for (std::size_t i = 1; i < d.size(); ++i) sum = sum + s[i] * d[i];
     return turned ? -sum : sum;
 }
+
+// The same beginning with the first term that is positive in a transform of the given sign, the
+// others in order: a sum that has a positive term needs no negation.
+template <class V>
+V sineSumPositiveFirst(const DirectPairs& pairs, long n, long k, const std::vector<V>& d,
+                       int sign) {
+    std::vector<V> terms;
+    for (std::size_t i = 0; i < d.size(); ++i)
+        terms.push_back(kernelgen::sinTurn(k * pairs.u[i], n) * d[i]);
+    std::size_t first = 0;
+    while (first < terms.size() && terms[first].negative() == (sign > 0)) ++first;
+    if (first == terms.size()) first = 0;
+    V sum = terms[first];
+    for (std::size_t i = 0; i < terms.size(); ++i)
+        if (i != first) sum = sum + terms[i];
+    return sum;
+}
+
+// The order of the pairs and of the sine sums that a flow asks for.
+template <class V>
+class DirectSums {
+  public:
+    DirectSums(const Flow<V>& flow, int n, bool inRootOrder = false)
+        : n_(n),
+          sign_(flow.positiveFirst()),
+          pairs_(sign_ == 0 ? DirectPairs(n, inRootOrder) : DirectPairs::ascending(n)) {}
+
+    const std::vector<long>& pairs() const { return pairs_.u; }
+    V cosine(long k, const V& x0, const std::vector<V>& a) const {
+        return cosineSum(pairs_, n_, k, x0, a);
+    }
+    V sine(long k, const std::vector<V>& d) const {
+        return sign_ == 0 ? sineSum(pairs_, n_, k, d)
+                          : sineSumPositiveFirst(pairs_, n_, k, d, sign_);
+    }
+
+  private:
+    long n_;
+    int sign_;
+    DirectPairs pairs_;
+};
 
 template <class V>
 V sumOf(const std::vector<V>& a) {
@@ -108,9 +160,9 @@ Bins<V> directReal(Flow<V>& flow, int n, long e, const std::vector<V>& x) {
             break;
     }
     if (n != 5 && n != 7 && n != 11) throw std::logic_error("no direct block of this length");
-    const DirectPairs pairs(n);
+    const DirectSums<V> sums(flow, n);
     std::vector<V> a, d;
-    for (const long u : pairs.u) {
+    for (const long u : sums.pairs()) {
         const V first = narrow(x[static_cast<std::size_t>(u)]);
         const V second = narrow(x[static_cast<std::size_t>(n - u)]);
         a.push_back(first + second);
@@ -119,8 +171,7 @@ Bins<V> directReal(Flow<V>& flow, int n, long e, const std::vector<V>& x) {
     const V x0 = narrow(x[0]);
     Bins<V> half{{sumOf(a) + x0, {}}};
     for (long k = 1; k <= n / 2; ++k)
-        half.push_back(
-            {cosineSum(pairs, n, e * k, flow.operand(x[0]), a), sineSum(pairs, n, -e * k, d)});
+        half.push_back({sums.cosine(e * k, flow.operand(x[0]), a), sums.sine(-e * k, d)});
     return half;
 }
 
@@ -154,17 +205,17 @@ std::vector<V> directInverseReal(Flow<V>& flow, const Plan& plan, long e, const 
             break;
     }
     if (n != 5 && n != 7 && n != 11) throw std::logic_error("no direct block of this length");
-    const DirectPairs realPairs(n, plan.inRootOrder);
-    const DirectPairs pairs(n);
+    const DirectSums<V> cosines(flow, n, plan.inRootOrder);
+    const DirectSums<V> sines(flow, n);
     std::vector<V> a, d;
-    for (const long u : realPairs.u) a.push_back(narrow(binAt(z, n, u).re));
-    for (const long u : pairs.u) d.push_back(narrow(binAt(z, n, u).im));
+    for (const long u : cosines.pairs()) a.push_back(narrow(binAt(z, n, u).re));
+    for (const long u : sines.pairs()) d.push_back(narrow(binAt(z, n, u).im));
     const V z0 = narrow(z[0].re);
     std::vector<V> y(static_cast<std::size_t>(n));
     y[0] = sumOf(a) + z0;
     for (long q = 1; q <= n / 2; ++q) {
-        const V c = narrow(cosineSum(realPairs, n, e * q, flow.operand(z[0].re), a));
-        const V s = narrow(sineSum(pairs, n, e * q, d));
+        const V c = narrow(cosines.cosine(e * q, flow.operand(z[0].re), a));
+        const V s = narrow(sines.sine(e * q, d));
         y[static_cast<std::size_t>(q)] = c - s;
         y[static_cast<std::size_t>(n - q)] = c + s;
     }

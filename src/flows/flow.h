@@ -80,6 +80,11 @@ class Flow {
     const Plans& plans() const { return *plans_; }
     void carry(const std::string& place) { carries_.push_back(place); }
 
+    // Direct blocks take their pairs upwards and begin a sine sum with a term that is positive in a
+    // transform of this sign (1 or -1); 0: they keep the order of the real kernels.
+    void setPositiveFirst(int sign) { positiveFirst_ = sign; }
+    int positiveFirst() const { return positiveFirst_; }
+
     // A step down into a part of the plan, for the time of the scope.
     class Scope {
       public:
@@ -129,6 +134,7 @@ class Flow {
     kernelgen::Graph* graph_;
     std::vector<std::string> carries_;
     std::string path_;
+    int positiveFirst_ = 0;
 };
 
 }  // namespace orvgen::flows

@@ -122,7 +122,12 @@ class Allocator {
     // The value can be had from memory without having been stored by us.
     bool isClean(Register r) {
         const Instruction& d = definition(r);
-        return isLoad(d.op) && d.op != Opcode::SpreadSS && d.op != Opcode::SpreadSD;
+        return isLoad(d.op) && d.op != Opcode::SpreadSS && d.op != Opcode::SpreadSD &&
+               !isLoadedOnce(r);
+    }
+    bool isLoadedOnce(Register r) {
+        const Instruction& d = definition(r);
+        return options_.loadSrcOnce && isLoad(d.op) && d.address.base == Base::Src;
     }
     // The address from which an instruction can read the value, if it can.
     bool memoryOperand(Register r, Address& address) {
@@ -289,6 +294,7 @@ class Allocator {
 
         bool fromMemory = i.hasAddress;
         Address address = i.address;
+        if (value(x).reg < 0 && value(x).slot < 0 && isLoadedOnce(x)) ensure(x);
         if (value(x).reg >= 0) lock(value(x).reg);
         int other = -1;
         if (y != kNoRegister && y != x) {

@@ -21,6 +21,8 @@ struct AllocationOptions {
     // Sums and products may take their operands in either order. It shows in one thing only: of two
     // NaN the first operand's comes out.
     bool commute = true;
+    // Every src element is loaded once, and spilled like any other value.
+    bool loadSrcOnce = false;
 };
 
 struct Allocation {

@@ -100,7 +100,12 @@ class KernelPrinter {
         const Code code = lower(flow, {kernel_.halvesOnly});
         const bool scalar =
             flow.arithmetic() == Arithmetic::Single || flow.arithmetic() == Arithmetic::Double;
-        block_ = compileBlock(code, {scalar, kernel_.readsAllFirst, scalar ? kScalarFrame : 0});
+        AllocationOptions options;
+        options.foldSrc = scalar;
+        options.storesEndAllOfSrc = kernel_.readsAllFirst;
+        options.frameLimit = scalar ? kScalarFrame : 0;
+        options.loadSrcOnce = flow.arithmetic() == Arithmetic::DoublePair;
+        block_ = compileBlock(code, options);
         stages_ = code.stages;
         layOutScales(flow);
         pool_ = layOutPool(code.pool, block_.instructions, scaleBytes_);
