@@ -238,14 +238,8 @@ class Allocator {
         } else {
             if (!isLoad(d.op) || v.barrier < position_)
                 throw std::logic_error("a value is neither in a register nor in memory");
-            int scratch = -1;
-            if (d.op == Opcode::Load16At8) {
-                lock(reg);
-                scratch = take(kNoRegister);
-            }
             MachineInstruction& m = emit(d.op);
             m.dst = reg;
-            m.scratch = scratch;
             m.hasAddress = d.hasAddress;
             m.address = d.address;
             m.high = d.high;

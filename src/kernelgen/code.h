@@ -31,8 +31,6 @@ enum class Opcode : std::uint8_t {
     LoadHalf,     // 8 bytes into the low half, zeros above
     LoadHalves,   // 8 bytes at `address` into the low half, 8 bytes at `high` into the high half
     Load16,       // 16 bytes at a multiple of 16 from an aligned buffer; the twin's unaligned move
-    Load16At8,    // 16 bytes at 8 modulo 16: two aligned loads shifted and merged; the twin's
-                  // unaligned move
     Load16Split,  // 16 bytes; the twin moves two 8-byte halves
     LoadAligned,  // 16 bytes, aligned in every body (pool, buffer, frame)
     SpreadSS,     // a binary32 scalar to four lanes, by two self-unpacks
@@ -110,7 +108,6 @@ struct MachineInstruction {
     Opcode op;
     int dst = -1;
     int src = -1;      // second operand, or the value of a store
-    int scratch = -1;  // Load16At8 only
     bool hasAddress = false;
     Address address;  // Address{Frame, slot number} until the frame is laid out
     Address high;

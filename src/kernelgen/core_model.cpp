@@ -87,8 +87,6 @@ Work workOf(const MachineInstruction& m) {
             break;
         case Opcode::LoadHalves:
             return {Unit::Interleave, 1, 2};
-        case Opcode::Load16At8:
-            return {Unit::Shuffle, 3, 2};
         case Opcode::SpreadSS:
             return {Unit::Interleave, 2, 1};
         case Opcode::Zero:

@@ -90,7 +90,7 @@ std::string twinName(const std::string& kernel) { return "owng" + kernel.substr(
 void renumberRegisters(std::vector<MachineInstruction>& block) {
     std::array<int, 16> uses{};
     for (const MachineInstruction& m : block)
-        for (const int r : {m.dst, m.src, m.scratch})
+        for (const int r : {m.dst, m.src})
             if (r >= 0) ++uses[static_cast<std::size_t>(r)];
     std::array<int, 16> byUse;
     std::iota(byUse.begin(), byUse.end(), 0);
@@ -101,7 +101,7 @@ void renumberRegisters(std::vector<MachineInstruction>& block) {
     for (int i = 0; i < 16; ++i)
         number[static_cast<std::size_t>(byUse[static_cast<std::size_t>(i)])] = i;
     for (MachineInstruction& m : block)
-        for (int* r : {&m.dst, &m.src, &m.scratch})
+        for (int* r : {&m.dst, &m.src})
             if (*r >= 0) *r = number[static_cast<std::size_t>(*r)];
 }
 
@@ -180,12 +180,6 @@ std::vector<std::string> printInstruction(const MachineInstruction& m, const Add
             return {line("movsd", d, at(8)), line("movhps", d, address(m.high, addressing, 8))};
         case Opcode::Load16:
             return {line(full, d, at(16))};
-        case Opcode::Load16At8: {
-            if (!aligned) return {line("movups", d, at(16))};
-            const std::string t = xmm(m.scratch);
-            return {line("movaps", d, at(16, -8)), line("movaps", t, at(16, 8)),
-                    line("psrldq", d, "8"), line("pslldq", t, "8"), line("orps", d, t)};
-        }
         case Opcode::Load16Split:
             if (aligned) return {line("movaps", d, at(16))};
             return {line("movsd", d, at(8)), line("movhps", d, at(8, 8))};
