@@ -107,7 +107,7 @@ struct Code {
 struct MachineInstruction {
     Opcode op;
     int dst = -1;
-    int src = -1;      // second operand, or the value of a store
+    int src = -1;  // second operand, or the value of a store
     bool hasAddress = false;
     Address address;  // Address{Frame, slot number} until the frame is laid out
     Address high;

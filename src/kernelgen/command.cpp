@@ -9,6 +9,7 @@
 #include "compile.h"
 #include "count.h"
 #include "error_bound.h"
+#include "required.h"
 
 namespace orvgen::kernelgen {
 
@@ -37,7 +38,7 @@ std::string assemblyOf(const Member& member) {
                            : compileKernel(family.kernel(member.length)).assembly;
 }
 
-void show(const Kernel& kernel) {
+void show(const Kernel& kernel, const std::string& tables) {
     const CompiledKernel compiled = compileKernel(kernel);
     const KernelFigures& f = compiled.figures;
     std::cout << kernel.name << "\n"
@@ -58,6 +59,12 @@ void show(const Kernel& kernel) {
                   << " by constants, " << c.doublings << " by 2, " << c.scaleProducts
                   << " by the scale\n"
                   << "  conversions      " << c.conversions() << "\n";
+    }
+    for (const RequiredRow& row : requiredRows(tables, kernel.name, kernel.length)) {
+        std::cout << "  the table says  ";
+        for (const auto& [column, value] : row.cells)
+            std::cout << " " << column << " " << value << ";";
+        std::cout << " (" << row.table << ")\n";
     }
     const ErrorBound e = errorBound(kernel.flow);
     std::printf(
@@ -81,8 +88,8 @@ int runCommand(int argc, char** argv, const std::vector<Family>& families) {
                     std::cout << memberName(family.name, length) << "\n";
             return 0;
         }
-        if ((command != "emit" || argc != 4) && (command != "show" || argc != 3))
-            return fail("usage: list | emit NAME FILE | show NAME");
+        if ((command != "emit" || argc != 4) && (command != "show" || (argc != 3 && argc != 4)))
+            return fail("usage: list | emit NAME FILE | show NAME [FOLDER OF TABLES]");
         const std::optional<Member> member = findMember(families, argv[2]);
         if (!member) return fail("no such kernel: " + std::string(argv[2]));
         if (command == "show") {
@@ -90,7 +97,7 @@ int runCommand(int argc, char** argv, const std::vector<Family>& families) {
             if (member->family->assembly)
                 std::cout << assemblyOf(*member);
             else
-                show(member->family->kernel(member->length));
+                show(member->family->kernel(member->length), argc == 4 ? argv[3] : "");
             return 0;
         }
         std::ofstream file(argv[3]);

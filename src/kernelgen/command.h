@@ -8,7 +8,9 @@
 namespace orvgen::kernelgen {
 
 // emit NAME FILE    writes the assembly of one kernel
-// show NAME         prints what there is to say about it, and its assembly
+// show NAME [FOLDER]  prints what there is to say about it, beside the rows of the tables in
+// FOLDER,
+//                   and its assembly
 // list              prints the names of all kernels
 // Returns the exit status: 0, or 2 with one line on standard error.
 int runCommand(int argc, char** argv, const std::vector<Family>& families);
