@@ -1,9 +1,11 @@
 #include "bluestein.h"
 
+#include "kernelgen/real.h"
 #include "sparse.h"
 
 namespace orvgen::dft {
 
+using kernelgen::ExactReal;
 using kernelgen::Real;
 
 bool hasBluestein(std::size_t p) { return p == 47 || p == 59; }
@@ -34,14 +36,14 @@ ComplexConstants chirpSpectrum(Direction direction, std::size_t p) {
         Real re = 1, im = 0;
         for (std::size_t n = 1; n < p; ++n) {
             const ComplexConstant w = chirp(direction, p, n);
-            const Real c = 2 * unitRoot(Direction::Forward, k * n % M, M).re.exact();
-            re += w.re.exact() * c;
-            im -= w.im.exact() * c;
+            const Real c = 2 * unitRoot(Direction::Forward, k * n % M, M).re.exact().value;
+            re += w.re.exact().value * c;
+            im -= w.im.exact().value * c;
         }
         // H[0] is 1/M: the sum over a full period of the chirp vanishes.
         if (k == 0) im = 0;
         const std::string name = "H" + std::to_string(p) + "[" + std::to_string(k) + "]";
-        H.push_back({{Real(re / M), "re " + name}, {Real(im / M), "im " + name}});
+        H.push_back({{ExactReal{re / M}, "re " + name}, {ExactReal{im / M}, "im " + name}});
     }
     return H;
 }

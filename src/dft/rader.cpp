@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "flows/number_theory.h"
+#include "kernelgen/real.h"
 #include "packed.h"
 
 namespace orvgen::dft {
@@ -12,6 +13,7 @@ namespace orvgen::dft {
 namespace {
 
 using FourConstants = std::array<Constant, 4>;
+using kernelgen::ExactReal;
 using kernelgen::Real;
 
 // g^exponent modulo p, g the smallest primitive root.
@@ -72,11 +74,11 @@ ComplexConstants raderConstants(Direction direction, std::size_t p) {
         for (std::size_t r = 0; r < L; ++r) {
             const ComplexConstant c = unitRoot(direction, power(p, r), p);
             const ComplexConstant e = unitRoot(Direction::Forward, k * r % L, L);
-            re += c.re.exact() * e.re.exact() - c.im.exact() * e.im.exact();
-            im += c.re.exact() * e.im.exact() + c.im.exact() * e.re.exact();
+            re += c.re.exact().value * e.re.exact().value - c.im.exact().value * e.im.exact().value;
+            im += c.re.exact().value * e.im.exact().value + c.im.exact().value * e.re.exact().value;
         }
         const std::string name = "B" + std::to_string(p) + "[" + std::to_string(k) + "]";
-        ComplexConstant b{{Real(re / L), "re " + name}, {Real(im / L), "im " + name}};
+        ComplexConstant b{{ExactReal{re / L}, "re " + name}, {ExactReal{im / L}, "im " + name}};
         // B[0] is real; B[L/2] is real where p = 1 modulo 4, and imaginary otherwise.
         if (k == 0) b.re = -kernelgen::ratio(1, static_cast<long>(L));
         if (k == 0 || (2 * k == L && p % 4 == 1)) b.im = 0;

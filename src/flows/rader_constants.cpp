@@ -2,12 +2,14 @@
 
 #include <string>
 
+#include "kernelgen/real.h"
 #include "number_theory.h"
 
 namespace orvgen::flows {
 
 using kernelgen::Constant;
 using kernelgen::cosTurn;
+using kernelgen::ExactReal;
 using kernelgen::Real;
 using kernelgen::sinTurn;
 
@@ -23,20 +25,21 @@ RaderConstants::RaderConstants(int p, long e) {
         Real sumIm = 0;
         for (long r = 0; r < cycle; ++r) {
             const long angle = e * powerModulo(g, r, p);
-            const Real c =
-                k % 2 == 0 ? cosTurn(angle, p).exact() : Real(-sinTurn(angle, p).exact());
-            sumRe += c * cosTurn(k * r, cycle).exact();
-            sumIm -= c * sinTurn(k * r, cycle).exact();
+            const Real c = k % 2 == 0 ? cosTurn(angle, p).exact().value
+                                      : Real(-sinTurn(angle, p).exact().value);
+            sumRe += c * cosTurn(k * r, cycle).exact().value;
+            sumIm -= c * sinTurn(k * r, cycle).exact().value;
         }
         const Real factor = Real(isInner ? 2 : 1) / cycle;
         const std::string name = (isInner ? "2K[" : "K[") + std::to_string(k) + "], " + root;
-        re.push_back(k == 0 ? -kernelgen::ratio(1, cycle) : Constant(factor * sumRe, "re " + name));
+        re.push_back(k == 0 ? -kernelgen::ratio(1, cycle)
+                            : Constant(ExactReal{factor * sumRe}, "re " + name));
         // sqrt(13)/12 is a number of the interface, given to 16 digits as 0.3004626062886657; it is
         // stored as this number, one unit below the nearest binary64.
         if (p == 13 && 2 * k == cycle)
             re.back() = re.back().pinnedTo(re.back().isNegative() ? -0.3004626062886657
                                                                   : 0.3004626062886657);
-        im.push_back(isInner ? Constant(factor * sumIm, "im " + name) : Constant(0));
+        im.push_back(isInner ? Constant(ExactReal{factor * sumIm}, "im " + name) : Constant(0));
     }
 }
 

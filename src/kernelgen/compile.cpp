@@ -9,6 +9,7 @@
 #include "count.h"
 #include "lower.h"
 #include "order.h"
+#include "real.h"
 
 namespace orvgen::kernelgen {
 
@@ -51,7 +52,8 @@ double storedScale(ScaleKind kind, int length, bool single) {
         const Constant c = ratio(1, length);
         return single ? static_cast<double>(c.asFloat()) : c.asDouble();
     }
-    if (single) return static_cast<double>(Constant(1 / sqrt(Real(length)), "").asFloat());
+    if (single)
+        return static_cast<double>(Constant(ExactReal{1 / sqrt(Real(length))}, "").asFloat());
     // In binary64 the square root is rounded before the division is.
     return 1.0 / std::sqrt(static_cast<double>(length));
 }

@@ -4,6 +4,8 @@
 #include <numeric>
 #include <tuple>
 
+#include "real.h"
+
 namespace orvgen::kernelgen {
 
 namespace {
@@ -45,14 +47,31 @@ std::string turnText(const char* function, long num, long den) {
            std::to_string(den / common) + ")";
 }
 
+Constant makeConstant(const Real& value, std::string formula) {
+    return {ExactReal{value}, std::move(formula)};
+}
+
 }  // namespace
 
+Constant::Constant() : Constant(0) {}
+
+Constant::Constant(int value) : Constant(ExactReal{value}, std::to_string(value)) {}
+
+Constant::Constant(const ExactReal& value, std::string formula)
+    : value_(std::make_shared<const ExactReal>(value)), formula_(std::move(formula)) {}
+
+bool Constant::isZero() const { return value_->value == 0; }
+
+bool Constant::isNegative() const { return value_->value < 0; }
+
+bool Constant::equals(int value) const { return value_->value == value; }
+
 // A zero is stored as +0.0, also where it came out as minus the sine of nothing.
-float Constant::asFloat() const { return isZero() ? 0.0F : value_.convert_to<float>(); }
+float Constant::asFloat() const { return isZero() ? 0.0F : value_->value.convert_to<float>(); }
 
 double Constant::asDouble() const {
     if (stored_) return *stored_;
-    return isZero() ? 0.0 : value_.convert_to<double>();
+    return isZero() ? 0.0 : value_->value.convert_to<double>();
 }
 
 Constant Constant::pinnedTo(double stored) const {
@@ -64,36 +83,43 @@ Constant Constant::pinnedTo(double stored) const {
 Constant Constant::magnitude() const { return isNegative() ? -*this : *this; }
 
 Constant operator-(const Constant& a) {
-    Constant c(-a.value_, a.formula_.rfind("-", 0) == 0 ? a.formula_.substr(1) : "-" + a.formula_);
+    Constant c = makeConstant(
+        -a.exact().value, a.formula_.rfind("-", 0) == 0 ? a.formula_.substr(1) : "-" + a.formula_);
     if (a.stored_) c.stored_ = -*a.stored_;
     return c;
 }
 
 Constant operator*(const Constant& a, const Constant& b) {
-    return {a.value_ * b.value_, a.formula_ + "*" + b.formula_};
+    return makeConstant(a.exact().value * b.exact().value, a.formula_ + "*" + b.formula_);
 }
 
 Constant operator+(const Constant& a, const Constant& b) {
-    return {a.value_ + b.value_, "(" + a.formula_ + " + " + b.formula_ + ")"};
+    return makeConstant(a.exact().value + b.exact().value,
+                        "(" + a.formula_ + " + " + b.formula_ + ")");
 }
 
 Constant operator-(const Constant& a, const Constant& b) {
-    return {a.value_ - b.value_, "(" + a.formula_ + " - " + b.formula_ + ")"};
+    return makeConstant(a.exact().value - b.exact().value,
+                        "(" + a.formula_ + " - " + b.formula_ + ")");
 }
 
-Constant cosTurn(long num, long den) { return {cosineOf(num, den), turnText("cos", num, den)}; }
+Constant cosTurn(long num, long den) {
+    return makeConstant(cosineOf(num, den), turnText("cos", num, den));
+}
 
 Constant sinTurn(long num, long den) {
     // sin(a) = cos(a - quarter), as integers over 4 den
-    return {cosineOf(4 * num - den, 4 * den), turnText("sin", num, den)};
+    return makeConstant(cosineOf(4 * num - den, 4 * den), turnText("sin", num, den));
 }
 
 Constant ratio(long num, long den) {
     const std::string text =
         den == 1 ? std::to_string(num) : std::to_string(num) + "/" + std::to_string(den);
-    return {Real(num) / den, text};
+    return makeConstant(Real(num) / den, text);
 }
 
-Constant squareRoot(long n) { return {sqrt(Real(n)), "sqrt(" + std::to_string(n) + ")"}; }
+Constant squareRoot(long n) {
+    return makeConstant(sqrt(Real(n)), "sqrt(" + std::to_string(n) + ")");
+}
 
 }  // namespace orvgen::kernelgen

@@ -4,23 +4,21 @@
 // in which a kernel stores it. cosTurn(1, 8) is cos(2 pi 1/8): a "turn" is a full circle.
 #pragma once
 
-#include <boost/multiprecision/cpp_bin_float.hpp>
+#include <memory>
 #include <optional>
 #include <string>
 
 namespace orvgen::kernelgen {
 
-using Real = boost::multiprecision::number<
-    boost::multiprecision::cpp_bin_float<256, boost::multiprecision::digit_base_2>,
-    boost::multiprecision::et_off>;
+struct ExactReal;  // real.h
 
 class Constant {
   public:
-    Constant() = default;
-    Constant(Real value, std::string formula) : value_(value), formula_(std::move(formula)) {}
-    Constant(int value) : value_(value), formula_(std::to_string(value)) {}
+    Constant();  // 0
+    Constant(int value);
+    Constant(const ExactReal& value, std::string formula);
 
-    const Real& exact() const { return value_; }
+    const ExactReal& exact() const { return *value_; }
     const std::string& formula() const { return formula_; }
 
     // The value as a kernel holds it. A pinned constant is stored as given, not as rounded.
@@ -30,8 +28,9 @@ class Constant {
     // The same constant, stored in binary64 as exactly this value; the reason stands at the caller.
     Constant pinnedTo(double stored) const;
 
-    bool isZero() const { return value_ == 0; }
-    bool isNegative() const { return value_ < 0; }
+    bool isZero() const;
+    bool isNegative() const;
+    bool equals(int value) const;
     Constant magnitude() const;
 
     friend Constant operator-(const Constant& a);
@@ -40,8 +39,8 @@ class Constant {
     friend Constant operator-(const Constant& a, const Constant& b);
 
   private:
-    Real value_ = 0;
-    std::string formula_ = "0";
+    std::shared_ptr<const ExactReal> value_;  // shared by copies
+    std::string formula_;
     std::optional<double> stored_;
 };
 

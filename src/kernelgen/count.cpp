@@ -19,7 +19,7 @@ Counts countOperations(const Graph& graph) {
                 if (graph.node(n.a).op == Op::Zero) ++c.signSteps;
                 break;
             case Op::Mul:
-                if (graph.constant(n).lane(0).exact() == 2)
+                if (graph.constant(n).lane(0).equals(2))
                     ++c.doublings;
                 else
                     ++c.constantProducts;

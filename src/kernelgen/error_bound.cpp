@@ -80,7 +80,7 @@ ErrorBound errorBound(const Graph& graph) {
                     break;
                 case Op::Mul: {
                     v = of(n.a)[l];
-                    const double c = static_cast<double>(graph.constant(n).lane(l).exact());
+                    const double c = graph.constant(n).lane(l).asDouble();
                     v.error *= std::abs(c);
                     for (double& w : v.weights) w *= c;
                     // The stored constant is rounded, then the product; by 0, 1, 2 neither is.

@@ -3,6 +3,8 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "evaluate_exactly.h"
+
 namespace orvgen::kernelgen {
 
 namespace {
@@ -82,7 +84,7 @@ struct ExactArithmetic {
     static Real sub(Type, const Real& a, const Real& b) { return a - b; }
     static Real mul(Type, const Real& a, const Real& b) { return a * b; }
     static Real narrow(const Real& a) { return a; }
-    static Real constant(Type, const Constant& c) { return c.exact(); }
+    static Real constant(Type, const Constant& c) { return c.exact().value; }
     Real load(Type, std::size_t scalar) const { return inputs.at(scalar); }
     void store(Type, std::size_t scalar, const Real& value) const {
         if (outputs.size() <= scalar) outputs.resize(scalar + 1);

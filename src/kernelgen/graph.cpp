@@ -67,7 +67,7 @@ NodeId Graph::findSub(NodeId a, NodeId b) const {
 
 NodeId Graph::mul(NodeId a, const std::vector<Constant>& lanes) {
     const Type type = node(a).type;
-    const bool isDoubling = lanes.size() == 1 && lanes[0].exact() == 2;
+    const bool isDoubling = lanes.size() == 1 && lanes[0].equals(2);
     if (type == Type::F32 && arithmetic_ == Arithmetic::Single && !isDoubling)
         throw std::logic_error("a product by a transform constant runs in binary64");
     const bool single = type == Type::F32x4 || type == Type::F32;

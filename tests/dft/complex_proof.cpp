@@ -4,7 +4,7 @@
 #include <set>
 #include <stdexcept>
 
-#include "kernelgen/evaluate.h"
+#include "kernelgen/evaluate_exactly.h"
 
 namespace orvgen::test {
 
@@ -57,9 +57,10 @@ Real complexProofError(const Graph& graph, Direction direction, int length) {
             one = 0;
             for (int k = 0; k < length; ++k) {
                 const long turn = static_cast<long>(n) * k % length;
-                const Real c = cosTurn(turn, length).exact();
-                const Real s = direction == Direction::Forward ? -sinTurn(turn, length).exact()
-                                                               : sinTurn(turn, length).exact();
+                const Real c = cosTurn(turn, length).exact().value;
+                const Real s = direction == Direction::Forward
+                                   ? -sinTurn(turn, length).exact().value
+                                   : sinTurn(turn, length).exact().value;
                 const Real re = imaginary ? Real(-s) : c;
                 const Real im = imaginary ? c : s;
                 const auto at = 2 * static_cast<std::size_t>(k);

@@ -3,6 +3,7 @@
 
 #include "kernelgen/graph.h"
 #include "kernelgen/kernel.h"
+#include "kernelgen/real.h"
 
 namespace orvgen::test {
 

@@ -139,7 +139,7 @@ TEST(InverseReal, DoublesOnlyItsInputs) {
     for (int n = 2; n <= 64; ++n) {
         const Graph g = inverseGraph(n, realdft::PackedFormat::Ccs, Arithmetic::Single);
         for (const kernelgen::Node& node : g.nodes()) {
-            if (node.op != kernelgen::Op::Mul || g.constant(node).lane(0).exact() != 2) continue;
+            if (node.op != kernelgen::Op::Mul || !g.constant(node).lane(0).equals(2)) continue;
             EXPECT_EQ(node.type, kernelgen::Type::F32) << n;
             const kernelgen::Node& operand = g.node(node.a);
             EXPECT_EQ(operand.op, kernelgen::Op::Input) << n;

@@ -3,6 +3,8 @@
 #include <cmath>
 #include <sstream>
 
+#include "kernelgen/real.h"
+
 namespace orvgen::test {
 
 using kernelgen::Graph;
@@ -34,7 +36,7 @@ PrecisionReport checkPrecision(const Graph& graph) {
         };
         switch (n.op) {
             case Op::Mul: {
-                const Real c = graph.constant(n).lane(0).exact();
+                const Real c = graph.constant(n).lane(0).exact().value;
                 if (c <= 0 || c == 1)
                     complain("a product by a constant that is not positive, or 1");
                 if (single && n.type == Type::F32 && c != 2) complain("a product in binary32");

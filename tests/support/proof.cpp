@@ -5,6 +5,8 @@
 #include <set>
 #include <stdexcept>
 
+#include "kernelgen/evaluate_exactly.h"
+
 namespace orvgen::test {
 
 using kernelgen::cosTurn;
@@ -53,20 +55,21 @@ Real proofError(const Graph& graph, int inputs, int outputs, const Matrix& matri
 
 Real forwardCoefficient(int length, const Term& term, int sample) {
     const long t = turn(length, sample, term.bin);
-    return term.imaginary ? -sinTurn(t, length).exact() : cosTurn(t, length).exact();
+    return term.imaginary ? -sinTurn(t, length).exact().value : cosTurn(t, length).exact().value;
 }
 
 Real inverseCoefficient(int length, int sample, const Term& term) {
     const bool alone = term.bin == 0 || 2 * term.bin == length;
     if (alone && term.imaginary) return 0;
     const long t = turn(length, sample, term.bin);
-    const Real c = term.imaginary ? -sinTurn(t, length).exact() : cosTurn(t, length).exact();
+    const Real c =
+        term.imaginary ? -sinTurn(t, length).exact().value : cosTurn(t, length).exact().value;
     return alone ? c : Real(2 * c);
 }
 
 Real hartleyCoefficient(int length, int bin, int sample) {
     const long t = turn(length, sample, bin);
-    return cosTurn(t, length).exact() + sinTurn(t, length).exact();
+    return cosTurn(t, length).exact().value + sinTurn(t, length).exact().value;
 }
 
 }  // namespace orvgen::test

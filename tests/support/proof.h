@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "kernelgen/evaluate.h"
+#include "kernelgen/real.h"
 
 namespace orvgen::test {
 
