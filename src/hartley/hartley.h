@@ -24,8 +24,24 @@ bool runsForwardFlow(int n);
 // The arrangement of the inverse real transform that the other lengths run.
 realdft::Arrangement arrangement(int n);
 
+// Length 8 is the forward flow with the difference v - q of bin 3 the way round that its outputs
+// are made of; the forward transform has it the other way round, for its sign.
+template <class V>
+std::vector<V> eightPoints(const std::vector<V>& x) {
+    const kernelgen::Constant c = kernelgen::cosTurn(1, 8);
+    const V t1 = narrow(c * (x[1] - x[5]));
+    const V t2 = narrow(c * (x[3] - x[7]));
+    const V u = x[0] - x[4], v = x[2] - x[6];
+    const V p = t1 - t2, q = t1 + t2;
+    const V e = x[0] + x[4], f = x[2] + x[6];
+    const V g = x[1] + x[5], h = x[3] + x[7];
+    return {(e + f) + (g + h), (u + p) + (v + q), (e - f) + (g - h), (u - p) - (v - q),
+            (e + f) - (g + h), (u - p) + (v - q), (e - f) - (g - h), (u + p) - (v + q)};
+}
+
 template <class V>
 std::vector<V> throughForward(int n, const std::vector<V>& x, kernelgen::Graph* graph) {
+    if (n == 8) return eightPoints(x);
     const flows::Bins<V> bins = realdft::forwardBins(n, x, graph);
     if (graph != nullptr) graph->stage("sum and difference of the two parts of each bin");
     std::vector<V> h(x.size());

@@ -1,0 +1,147 @@
+// The Hartley flows against their table, and proved.
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "hartley/hartley.h"
+#include "kernelgen/count.h"
+#include "support/closed_sets.h"
+#include "support/count_check.h"
+#include "support/data_table.h"
+#include "support/flow_rules.h"
+#include "support/proof.h"
+
+namespace orvgen::test {
+namespace {
+
+using hartley::hartleyGraph;
+using kernelgen::Arithmetic;
+using kernelgen::Graph;
+using kernelgen::Node;
+using kernelgen::Op;
+
+TEST(Hartley, CountsOfTheTable) {
+    for (const Arithmetic arithmetic : {Arithmetic::Single, Arithmetic::Double}) {
+        CountCheck check("hartley");
+        long rows = 0;
+        for (const DataRow& row : dataTable("hartley").rows()) {
+            const auto n = static_cast<int>(row.integer("length"));
+            const Graph g = hartleyGraph(n, arithmetic);
+            const kernelgen::Counts c = kernelgen::countOperations(g);
+            const auto compare = [&](const char* column, long achieved) {
+                check.compare(n, column, row.integer(column), achieved);
+            };
+            compare("additions", c.additions);
+            compare("constant_products", c.constantProducts);
+            compare("multiplications", c.multiplications());
+            if (arithmetic == Arithmetic::Single)
+                compare("conversions", c.conversions());
+            else
+                EXPECT_EQ(c.conversions(), 0) << n;
+            EXPECT_EQ(c.signSteps, 0) << n;
+            EXPECT_EQ(c.doublings, 0) << n;
+            EXPECT_EQ(c.scaleProducts, n);
+            EXPECT_EQ(g.deadNodes().size(), 0U) << n;
+            EXPECT_EQ(closedInputSets(g, firstOfSets(n), n), row.integers("closed_sets")) << n;
+            EXPECT_EQ(hartley::runsForwardFlow(n), row.flag("same_flow")) << n;
+            ++rows;
+        }
+        EXPECT_EQ(rows, 63);
+        EXPECT_EQ(check.report(), "");
+    }
+}
+
+TEST(Hartley, IsTheTransform) {
+    for (const Arithmetic arithmetic : {Arithmetic::Single, Arithmetic::Double}) {
+        for (int n = 2; n <= 64; ++n) {
+            const Real error = proofError(hartleyGraph(n, arithmetic), n, n, [n](int o, int i) {
+                return hartleyCoefficient(n, o, i);
+            });
+            EXPECT_LT(error, kProofTolerance) << n;
+        }
+    }
+}
+
+TEST(Hartley, RulesOfPrecision) {
+    for (int n = 2; n <= 64; ++n) {
+        const PrecisionReport r = checkPrecision(hartleyGraph(n, Arithmetic::Single));
+        EXPECT_EQ(r.complaints, "") << n;
+        EXPECT_EQ(r.scaledInDouble, 0) << n;
+        EXPECT_EQ(r.scaledInSingle, n);
+    }
+}
+
+// The sets of samples that the values of a flow are made of.
+std::set<std::set<int>> supports(const Graph& g) {
+    std::vector<std::set<int>> made(g.nodes().size());
+    for (std::size_t i = 0; i < made.size(); ++i) {
+        const Node& n = g.nodes()[i];
+        if (n.op == Op::Input) made[i] = {n.index};
+        for (const kernelgen::NodeId id : {n.a, n.b}) {
+            if (id == kernelgen::kNone) continue;
+            const auto& operand = made[static_cast<std::size_t>(id)];
+            made[i].insert(operand.begin(), operand.end());
+        }
+    }
+    return {made.begin(), made.end()};
+}
+
+TEST(Hartley, WhatMeetsFirst) {
+    const auto twelve = supports(hartleyGraph(12, Arithmetic::Single));
+    EXPECT_TRUE(twelve.contains({0, 4, 8}));  // 3-point block; the forward transform: 0, 3, 6, 9
+    EXPECT_FALSE(twelve.contains({0, 3, 6, 9}));
+    EXPECT_TRUE(supports(realdft::forwardGraph(12, realdft::PackedFormat::Pack, Arithmetic::Single))
+                    .contains({0, 3, 6, 9}));
+    const auto ten = supports(hartleyGraph(10, Arithmetic::Single));
+    for (const auto& pair : std::set<std::set<int>>{{0, 5}, {1, 9}, {2, 8}, {3, 7}, {4, 6}})
+        EXPECT_TRUE(ten.contains(pair)) << *pair.begin();
+    EXPECT_FALSE(ten.contains({0, 2, 4, 6, 8}));
+    EXPECT_TRUE(supports(realdft::forwardGraph(10, realdft::PackedFormat::Pack, Arithmetic::Single))
+                    .contains({0, 2, 4, 6, 8}));
+}
+
+// At the lengths that run the forward flow the Hartley graph holds the forward graph's operations
+// up to the last layer and no others: each is found by its operands, one for one.
+TEST(Hartley, ForwardFlowWithAnotherLastLayer) {
+    for (int n = 2; n <= 64; ++n) {
+        if (!hartley::runsForwardFlow(n) || n == 8) continue;
+        const Graph h = hartleyGraph(n, Arithmetic::Double);
+        const Graph f = realdft::forwardGraph(n, realdft::PackedFormat::Pack, Arithmetic::Double);
+        const auto isLast = [](const Graph& g, const Node& node) {
+            return node.op == Op::MulScale || node.op == Op::Output || node.op == Op::Zero ||
+                   node.op == Op::Scale || (node.op == Op::Sub && g.node(node.a).op == Op::Zero);
+        };
+        // the forward operations in order are the first of the Hartley graph
+        std::size_t operations = 0;
+        std::vector<kernelgen::NodeId> image(f.nodes().size(), kernelgen::kNone);
+        std::map<std::tuple<Op, kernelgen::NodeId, kernelgen::NodeId, double>, kernelgen::NodeId>
+            hartleyNodes;
+        const auto extra = [](const Graph& g, const Node& node) {
+            if (node.op == Op::Mul) return g.constant(node).lane(0).asDouble();
+            return node.op == Op::Input ? static_cast<double>(node.index) : 0.0;
+        };
+        for (std::size_t i = 0; i < h.nodes().size(); ++i) {
+            const Node& node = h.nodes()[i];
+            hartleyNodes[{node.op, node.a, node.b, extra(h, node)}] =
+                static_cast<kernelgen::NodeId>(i);
+        }
+        for (std::size_t i = 0; i < f.nodes().size(); ++i) {
+            const Node& node = f.nodes()[i];
+            if (isLast(f, node)) continue;
+            const auto of = [&](kernelgen::NodeId id) {
+                return id == kernelgen::kNone ? id : image[static_cast<std::size_t>(id)];
+            };
+            const auto found = hartleyNodes.find({node.op, of(node.a), of(node.b), extra(f, node)});
+            ASSERT_NE(found, hartleyNodes.end()) << n << " value " << i;
+            image[i] = found->second;
+            if (node.op != Op::Input) ++operations;
+        }
+        std::size_t hartleyOperations = 0;
+        for (const Node& node : h.nodes())
+            if (!isLast(h, node) && node.op != Op::Input) ++hartleyOperations;
+        EXPECT_EQ(hartleyOperations, operations + 2 * static_cast<std::size_t>((n - 1) / 2)) << n;
+    }
+}
+
+}  // namespace
+}  // namespace orvgen::test
