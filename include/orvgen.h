@@ -155,14 +155,14 @@ ORVGEN_API const OrvLibraryVersion* orvgenGetLibVersion(void);
     F(DFTFwd_RToCCS, 64f, ORVGEN_LENGTHS)                                                          \
     F(DFTFwd_RToPack, 64f, ORVGEN_LENGTHS)                                                         \
     F(DFTFwd_RToPerm, 64f, ORVGEN_LENGTHS)                                                         \
-    /* F(DFTInv_CCSToR, 32f, ORVGEN_LENGTHS) */                                                    \
-    /* F(DFTInv_PackToR, 32f, ORVGEN_LENGTHS) */                                                   \
-    /* F(DFTInv_PermToR, 32f, ORVGEN_LENGTHS) */                                                   \
-    /* F(DFTInv_CCSToR, 64f, ORVGEN_LENGTHS) */                                                    \
-    /* F(DFTInv_PackToR, 64f, ORVGEN_LENGTHS) */                                                   \
-    /* F(DFTInv_PermToR, 64f, ORVGEN_LENGTHS) */                                                   \
-    /* F(Hartley, 32f, ORVGEN_LENGTHS) */                                                          \
-    /* F(Hartley, 64f, ORVGEN_LENGTHS) */
+    F(DFTInv_CCSToR, 32f, ORVGEN_LENGTHS)                                                          \
+    F(DFTInv_PackToR, 32f, ORVGEN_LENGTHS)                                                         \
+    F(DFTInv_PermToR, 32f, ORVGEN_LENGTHS)                                                         \
+    F(DFTInv_CCSToR, 64f, ORVGEN_LENGTHS)                                                          \
+    F(DFTInv_PackToR, 64f, ORVGEN_LENGTHS)                                                         \
+    F(DFTInv_PermToR, 64f, ORVGEN_LENGTHS)                                                         \
+    F(Hartley, 32f, ORVGEN_LENGTHS)                                                                \
+    F(Hartley, 64f, ORVGEN_LENGTHS)
 
 /* The Walsh-Hadamard families: F(NAME, T, LIST), LIST being the list of the orders that exist. */
 #define ORVGEN_ORDER_FAMILIES(F)                                                                   \

@@ -24,6 +24,9 @@ bool runsForwardFlow(int n);
 // The arrangement of the inverse real transform that the other lengths run.
 realdft::Arrangement arrangement(int n);
 
+// One line: how this length is computed.
+std::string method(int n);
+
 // Length 8 is the forward flow with the difference v - q of bin 3 the way round that its outputs
 // are made of; the forward transform has it the other way round, for its sign.
 template <class V>

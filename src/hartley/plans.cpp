@@ -46,4 +46,12 @@ Arrangement arrangement(int n) {
     return a;
 }
 
+std::string method(int n) {
+    if (runsForwardFlow(n)) return "forward real, " + realdft::forwardMethod(n);
+    std::string plan = realdft::inverseMethod(n, PackedFormat::Pack);
+    for (const PlanRow& row : kPlans)
+        if (row.length == n) plan = row.plan;
+    return "inverse real, " + plan;
+}
+
 }  // namespace orvgen::hartley

@@ -1,6 +1,7 @@
 #include "registry.h"
 
 #include "dft/families.h"
+#include "hartley/families.h"
 #include "realdft/families.h"
 #include "wht/families.h"
 
@@ -14,6 +15,8 @@ std::vector<Family> allFamilies() {
     append(dft::complexSingleFamilies());
     append(dft::complexDoubleFamilies());
     append(realdft::forwardRealFamilies());
+    append(realdft::inverseRealFamilies());
+    append(hartley::hartleyFamilies());
     append(wht::walshHadamardFamilies());
     return all;
 }

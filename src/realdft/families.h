@@ -10,4 +10,7 @@ namespace orvgen::realdft {
 // orvgDFTFwd_RToCCS, RToPack and RToPerm, each in binary32 and in binary64.
 std::vector<kernelgen::Family> forwardRealFamilies();
 
+// orvgDFTInv_CCSToR, PackToR and PermToR, each in binary32 and in binary64.
+std::vector<kernelgen::Family> inverseRealFamilies();
+
 }  // namespace orvgen::realdft

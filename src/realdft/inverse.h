@@ -26,6 +26,8 @@ struct Arrangement {
     std::vector<std::string> carries;
 };
 Arrangement inverseArrangement(int n, PackedFormat format);
+// How length n is made, as the table of plans has it.
+std::string inverseMethod(int n, PackedFormat format);
 
 // The samples of a half spectrum whose full bins are doubled already, not scaled yet.
 template <class V>

@@ -180,4 +180,13 @@ Arrangement inverseArrangement(int n, PackedFormat format) {
     return a;
 }
 
+std::string inverseMethod(int n, PackedFormat format) {
+    if (format == PackedFormat::Ccs)
+        for (const FormatRow& row : kFromCcs)
+            if (row.length == n) return row.plan;
+    for (const PlanRow& row : kInverse)
+        if (row.transform == Transform::InverseReal && row.length == n) return row.plan;
+    return "direct";
+}
+
 }  // namespace orvgen::realdft
