@@ -129,14 +129,6 @@ ORVGEN_API const OrvLibraryVersion* orvgenGetLibVersion(void);
     F(NAME, 57, T) F(NAME, 58, T) F(NAME, 59, T) F(NAME, 60, T) F(NAME, 61, T)                     \
     F(NAME, 62, T) F(NAME, 63, T) F(NAME, 64, T)
 
-/* For the time being: the lengths whose complex kernels exist. */
-#define ORVGEN_SOME_LENGTHS(F, NAME, T) \
-    F(NAME, 2, T) F(NAME, 3, T) F(NAME, 4, T) F(NAME, 5, T) F(NAME, 6, T) F(NAME, 8, T) \
-    F(NAME, 9, T) F(NAME, 10, T) F(NAME, 12, T) F(NAME, 14, T) F(NAME, 15, T) F(NAME, 16, T) F(NAME, 18, T) \
-    F(NAME, 20, T) F(NAME, 21, T) F(NAME, 22, T) F(NAME, 24, T) F(NAME, 25, T) F(NAME, 27, T) F(NAME, 28, T) F(NAME, 30, T) \
-    F(NAME, 32, T) F(NAME, 33, T) F(NAME, 35, T) F(NAME, 36, T) F(NAME, 40, T) F(NAME, 42, T) F(NAME, 44, T) F(NAME, 45, T) \
-    F(NAME, 48, T) F(NAME, 49, T) F(NAME, 50, T) F(NAME, 54, T) F(NAME, 55, T) F(NAME, 56, T) F(NAME, 60, T) F(NAME, 63, T) F(NAME, 64, T)
-
 /* The orders of a Walsh-Hadamard family: F(NAME, K, T) for K = 1 to 13. */
 #define ORVGEN_ORDERS(F, NAME, T)                                                                  \
     F(NAME, 1, T) F(NAME, 2, T) F(NAME, 3, T) F(NAME, 4, T) F(NAME, 5, T)                          \
@@ -145,8 +137,8 @@ ORVGEN_API const OrvLibraryVersion* orvgenGetLibVersion(void);
 
 /* The fixed-length families: F(NAME, T, LIST), LIST being the list of the lengths that exist. */
 #define ORVGEN_LENGTH_FAMILIES(F)                                                                  \
-    F(DFTFwd_CToC, 32fc, ORVGEN_SOME_LENGTHS)\
-    /* F(DFTInv_CToC, 32fc, ORVGEN_LENGTHS) */                                                     \
+    F(DFTFwd_CToC, 32fc, ORVGEN_LENGTHS)                                                           \
+    F(DFTInv_CToC, 32fc, ORVGEN_LENGTHS)                                                           \
     F(DFTFwd_CToC, 64fc, ORVGEN_LENGTHS)                                                           \
     F(DFTInv_CToC, 64fc, ORVGEN_LENGTHS)                                                           \
     F(DFTFwd_RToCCS, 32f, ORVGEN_LENGTHS)                                                          \

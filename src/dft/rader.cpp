@@ -130,8 +130,8 @@ class Rader {
     const Points& x_;
     std::size_t L_;
     PackedJoins forward_, inverse_;
-    Point x0At_, zero_;  // x[0] in two lanes of a vector, and the zeros in its others
-    Point a0At_;         // A[0] likewise, or its parts in the first lanes of two vectors
+    Point x0At_;  // x[0] in two lanes of a vector of its own
+    Point a0At_;  // A[0] likewise, or its parts in the first lanes of two vectors
     Point X0_;
 };
 
@@ -141,12 +141,12 @@ Points Rader::forwardCycle() {
     lanes_.graph().stage("cycle of " + std::to_string(L_) +
                          " points: " + raderCycle(x_.size())->stages());
     if (!isPacked()) {
+        const Points A = forward_.run(raderCycle(x_.size()), {a})[0];
         // x[0] comes into the registers with x[1].
         const Value x0 =
             FourConstants{1, 1, 0, 0} * lanes_.pack({x_[0].re, x_[0].im, x_[1].re, x_[1].im});
         x0At_ = {lane(x0, 0), lane(x0, 1)};
-        zero_ = {lane(x0, 2), lane(x0, 3)};
-        return forward_.run(raderCycle(x_.size()), {a})[0];
+        return A;
     }
     const Value none(lanes_.graph(), lanes_.graph().zero(kernelgen::Type::F32x4));
     const Point zero{lane(none, 2), lane(none, 3)};
@@ -158,10 +158,7 @@ Points Rader::forwardCycle() {
     return A;
 }
 
-Vector Rader::x0InFirstLane() {
-    return {lanes_.pack({x0At_.re, zero_.re, zero_.re, zero_.re}),
-            lanes_.pack({x0At_.im, zero_.im, zero_.im, zero_.im})};
-}
+Vector Rader::x0InFirstLane() { return lanes_.gather({x0At_}); }
 
 void Rader::isolate(const Points& A) {
     lanes_.graph().stage("X[0]");
