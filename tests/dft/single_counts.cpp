@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
+#include <map>
 
 #include "dft/families.h"
 #include "kernelgen/count.h"
@@ -60,7 +62,67 @@ TEST(SingleCounts, RaderPrimes) {
             }
         }
     EXPECT_EQ(check.report(), "");
-    EXPECT_EQ(distinct.report(), "");
+    for (const std::string& s :
+         distinct.countComplaints({"alone_additions", "alone_multiplications"}))
+        ADD_FAILURE() << s;
+}
+
+// The embedded factors, out of the composite rows that hold them: length 2 p has two of them beside
+// p two-point butterflies.
+TEST(SingleCounts, EmbeddedFactors) {
+    test::CountCheck check("complex_f32_factors");
+    const auto forward = dft::complexSingleFamilies()[0];
+    for (const auto& row : test::dataTable("complex_f32_factors").rows()) {
+        const int p = static_cast<int>(row.integer("factor"));
+        const auto c = kernelgen::countLanes(forward.kernel(2 * p).flow);
+        check.compare(p, "embedded_additions", row.integer("embedded_additions"),
+                      (c.distinctAdditions - 4 * p) / 2);
+        check.compare(p, "embedded_multiplications", row.integer("embedded_multiplications"),
+                      c.distinctMultiplications / 2);
+    }
+    std::string complaints;
+    for (const std::string& s :
+         check.countComplaints({"embedded_additions", "embedded_multiplications"}))
+        complaints += s + "\n";
+    EXPECT_EQ(complaints, "");
+}
+
+TEST(SingleCounts, MixedProducts) {
+    test::CountCheck check("complex_f32_mixed_products");
+    for (const auto& family : dft::complexSingleFamilies())
+        for (const auto& row : test::dataTable("complex_f32_mixed_products").rows()) {
+            const long n = row.integer("length");
+            const auto c = kernelgen::countLanes(family.kernel(static_cast<int>(n)).flow);
+            check.compare(n, "mixed", row.integer("mixed"), c.mixedMultiplications);
+            check.compare(n, "all", row.integer("all"), c.distinctMultiplications);
+        }
+    EXPECT_EQ(check.report(), "");
+}
+
+// Length 26 has two factors 13: every constant of one real lane four times.
+TEST(SingleCounts, ConstantsOfFactor13) {
+    const auto kernel = dft::complexSingleFamilies()[0].kernel(26);
+    std::map<double, long> found;
+    for (const auto& node : kernel.flow.nodes())
+        if (node.op == kernelgen::Op::Mul)
+            ++found[std::abs(static_cast<double>(kernel.flow.constant(node).lane(0).asFloat()))];
+    for (const auto& row : test::dataTable("complex_f32_factor13_constants").rows()) {
+        const std::string text = row.text("magnitude");
+        const double magnitude = text == "sin(pi/3)"     ? std::sqrt(0.75)
+                                 : text == "1/12"        ? 1.0 / 12
+                                 : text == "sqrt(13)/12" ? std::sqrt(13.0) / 12
+                                                         : row.number("magnitude");
+        long products = 0;
+        for (auto& [value, count] : found)
+            if (std::abs(value - magnitude) < 6e-7) {
+                products += count;
+                count = 0;
+            }
+        // Two transforms share the lanes: each product of a real lane runs once for the real and
+        // once for the imaginary vector.
+        EXPECT_EQ(products, 2 * row.integer("products")) << text;
+    }
+    for (const auto& [value, count] : found) EXPECT_EQ(count, 0) << value;
 }
 
 TEST(SingleCounts, BluesteinPrimes) {

@@ -152,8 +152,8 @@ class Run {
                                 : k.variants[static_cast<std::size_t>(form.variant)].second;
     }
 
-    // A finite, ever different value for memory that must not matter.
-    // What lies behind src: any finite value; a denormal one would raise a flag of its own.
+    // A finite, ever different value for memory that must not matter. Beside ordinary data it is no
+    // denormal one, which would raise a flag of its own.
     Real rubbish(bool ordinary) {
         ++calls;
         return static_cast<Real>(ordinary || calls % 7 ? 1e30 : -3e-40) *
