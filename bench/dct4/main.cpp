@@ -1,0 +1,204 @@
+// bench_dct4 [--longest N] [--limit SECONDS]
+//
+// Plan building and run of the DCT-IV, 2 to 131072 points in both element types, in core cycles,
+// beside FFTW's REDFT11 with patient plans and pocketfft's DCT of type 4. Ratios come first: how
+// many times as long the other library takes.
+
+#include <fftw3.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "cycles.h"
+#include "orvgen.h"
+
+namespace {
+
+using Loop = std::function<void(long)>;  // makes so many calls
+
+struct Cycles {
+    double least = 0, median = 0;
+};
+
+// Cycles of one call: samples of about 100000 cycles each, the clock calibrated around each.
+Cycles measure(const Loop& loop) {
+    loop(1);
+    std::uint64_t start = orvgen::bench::ticks();
+    loop(3);
+    const double guess = static_cast<double>(orvgen::bench::ticks() - start) / 3;
+    const long calls = std::max(1L, static_cast<long>(1e5 / std::max(guess, 1.0)));
+    std::vector<double> samples;
+    for (int i = 0; i < 21; ++i) {
+        const double before = orvgen::bench::ticksPerCycle();
+        start = orvgen::bench::ticks();
+        loop(calls);
+        const auto took = static_cast<double>(orvgen::bench::ticks() - start);
+        const double after = orvgen::bench::ticksPerCycle();
+        samples.push_back(took / static_cast<double>(calls) / ((before + after) / 2));
+    }
+    std::sort(samples.begin(), samples.end());
+    return {samples.front(), samples[samples.size() / 2]};
+}
+
+double cyclesPerNanosecond() {
+    const auto clock = [] {
+        return std::chrono::duration<double, std::nano>(
+                   std::chrono::steady_clock::now().time_since_epoch())
+            .count();
+    };
+    const double begin = clock();
+    const std::uint64_t start = orvgen::bench::ticks();
+    while (clock() - begin < 2e7) {
+    }
+    const auto ticks = static_cast<double>(orvgen::bench::ticks() - start);
+    return ticks / (clock() - begin) / orvgen::bench::ticksPerCycle();
+}
+
+// One family of ours and FFTW's functions of the same type.
+struct Single {
+    using Real = Orv32f;
+    using Spec = OrvDCT4Spec_32f;
+    using Peer = fftwf_plan;
+    static constexpr const char* name = "_32f";
+    static constexpr auto initAlloc = orvgDCT4InitAlloc_32f;
+    static constexpr auto free = orvgDCT4Free_32f;
+    static constexpr auto run = orvgDCT4_32f;
+    static constexpr auto allocate = fftwf_malloc;
+    static constexpr auto release = fftwf_free;
+    static constexpr auto limit = fftwf_set_timelimit;
+    static constexpr auto plan = fftwf_plan_r2r_1d;
+    static constexpr auto execute = fftwf_execute;
+    static constexpr auto destroy = fftwf_destroy_plan;
+    static constexpr auto forget = fftwf_forget_wisdom;
+};
+
+struct Double {
+    using Real = Orv64f;
+    using Spec = OrvDCT4Spec_64f;
+    using Peer = fftw_plan;
+    static constexpr const char* name = "_64f";
+    static constexpr auto initAlloc = orvgDCT4InitAlloc_64f;
+    static constexpr auto free = orvgDCT4Free_64f;
+    static constexpr auto run = orvgDCT4_64f;
+    static constexpr auto allocate = fftw_malloc;
+    static constexpr auto release = fftw_free;
+    static constexpr auto limit = fftw_set_timelimit;
+    static constexpr auto plan = fftw_plan_r2r_1d;
+    static constexpr auto execute = fftw_execute;
+    static constexpr auto destroy = fftw_destroy_plan;
+    static constexpr auto forget = fftw_forget_wisdom;
+};
+
+// pocketfft by way of SciPy: nanoseconds of one transform by type and length; empty without it.
+std::map<std::pair<std::string, int>, double> pocketfftTimes(int longest) {
+    std::map<std::pair<std::string, int>, double> times;
+    const std::string command =
+        "/usr/bin/python3 " ORVGEN_POCKETFFT_SCRIPT " " + std::to_string(longest);
+    FILE* pipe = popen(command.c_str(), "r");
+    if (pipe == nullptr) return times;
+    char type[8];
+    int length;
+    double nanoseconds;
+    while (std::fscanf(pipe, "%7s %d %lf", type, &length, &nanoseconds) == 3) {
+        times[{type, length}] = nanoseconds;
+    }
+    pclose(pipe);
+    return times;
+}
+
+std::string ratio(double other, double ours) {
+    if (other <= 0) return "-";
+    char text[32];
+    std::snprintf(text, sizeof text, "%.2f", other / ours);
+    return text;
+}
+
+template <class Family>
+void row(int N, double limit, double pocketNanoseconds, double rate) {
+    using Real = typename Family::Real;
+    const auto count = static_cast<std::size_t>(N);
+    auto* x = static_cast<Real*>(Family::allocate(count * sizeof(Real)));
+    auto* y = static_cast<Real*>(Family::allocate(count * sizeof(Real)));
+
+    // A fresh plan each time: what was found before is forgotten.
+    Family::forget();
+    Family::limit(limit);
+    const auto begin = std::chrono::steady_clock::now();
+    const typename Family::Peer peer =
+        Family::plan(N, x, y, FFTW_REDFT11, FFTW_PATIENT | FFTW_PRESERVE_INPUT);
+    const double planSeconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+
+    std::mt19937 generator(static_cast<unsigned>(N));
+    std::uniform_real_distribution<double> uniform(-1, 1);
+    for (std::size_t i = 0; i < count; ++i) x[i] = static_cast<Real>(uniform(generator));
+
+    typename Family::Spec* spec = nullptr;
+    if (Family::initAlloc(&spec, N) != orvOk) std::abort();
+    const Cycles run = measure([&](long calls) {
+        for (; calls > 0; --calls) Family::run(x, y, spec);
+    });
+    const Cycles plan = measure([&](long calls) {
+        for (; calls > 0; --calls) {
+            typename Family::Spec* made = nullptr;
+            if (Family::initAlloc(&made, N) != orvOk) std::abort();
+            Family::free(made);
+        }
+    });
+    const Cycles other = measure([&](long calls) {
+        for (; calls > 0; --calls) Family::execute(peer);
+    });
+
+    const double pocket = pocketNanoseconds * rate;
+    std::printf("%6d %s %8s %10s %12s %10.0f %10.0f %11.0f %10.0f %10.0f %9.2f\n", N, Family::name,
+                ratio(other.least, run.least).c_str(), ratio(pocket, run.least).c_str(),
+                ratio(planSeconds * 1e9 * rate, plan.least).c_str(), run.least, run.median,
+                plan.least, other.least, pocket, planSeconds);
+    std::fflush(stdout);
+    Family::free(spec);
+    Family::destroy(peer);
+    Family::release(x);
+    Family::release(y);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    int longest = 131072;
+    double limit = 20;
+    for (int i = 1; i + 1 < argc; i += 2) {
+        if (std::strcmp(argv[i], "--longest") == 0) longest = std::atoi(argv[i + 1]);
+        if (std::strcmp(argv[i], "--limit") == 0) limit = std::atof(argv[i + 1]);
+    }
+    const auto pocket = pocketfftTimes(longest);
+    const double rate = cyclesPerNanosecond();
+    std::printf(
+        "DCT-IV, core cycles of one call, least of 21 samples (%.2f cycles a nanosecond)\n"
+        "FFTW: REDFT11, patient plans, at most %.0f s of planning each\n"
+        "pocketfft: %s\n\n",
+        rate, limit,
+        pocket.empty() ? "not there (SciPy is missing)"
+                       : "as in SciPy, many transforms a call, so that several run in the "
+                         "lanes of one vector");
+    std::printf("%6s %4s %8s %10s %12s %10s %10s %11s %10s %10s %9s\n", "", "",
+                "run:", "run:", "plan:", "run", "run", "plan", "run", "run", "plan");
+    std::printf("%6s %4s %8s %10s %12s %10s %10s %11s %10s %10s %9s\n", "length", "type", "FFTW/",
+                "pocketfft/", "FFTW/", "least", "median", "least", "FFTW", "pocketfft", "FFTW, s");
+    for (int N = 2; N <= longest; N *= 2) {
+        const auto time = [&](const char* type) {
+            const auto found = pocket.find({type, N});
+            return found == pocket.end() ? 0.0 : found->second;
+        };
+        row<Single>(N, limit, time("_32f"), rate);
+        row<Double>(N, limit, time("_64f"), rate);
+    }
+}
