@@ -44,7 +44,7 @@ TEST(Init, PutsTheTopNodeOnTheNextBoundary) {
 
 // Wherever the block lies, nothing behind the reported size is written, by building or by running.
 TEST(Init, StaysInsideTheReportedSize) {
-    for (const std::size_t remainder : {0, 1, 8, 16, 31}) {
+    for (const std::size_t remainder : {0U, 1U, 8U, 16U, 31U}) {
         for (const std::int32_t N : powers(131072)) {
             Plan plan(N, remainder);
             plan(randomVector(N, 1));
@@ -294,7 +294,7 @@ TEST(Length2, IsTheRotation) {
 
 // Destruction brings the bump pointer back to where the first allocation started.
 TEST(Destruction, GivesBackWhatBuildingTook) {
-    for (const std::size_t remainder : {0, 8, 31}) {
+    for (const std::size_t remainder : {0U, 8U, 31U}) {
         std::vector<std::int32_t> lengths = powers(131072);
         for (std::int32_t power = familyBits == 32 ? 32 : 8; power <= 65536; power *= 2) {
             lengths.push_back(power + 1);

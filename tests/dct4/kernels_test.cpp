@@ -122,7 +122,7 @@ TEST(Kernels, OfTheFirstStage) {
                                                2 * N - 1, 2 * r, groups, N, r);
             ASSERT_EQ(FAMILY(env5_plan)(node), 0);
             EXPECT_EQ(node->rule, table("odd_frequency").row("n", n).integer("rule"));
-            for (const std::size_t offset : {0, 1, 2, 3}) {
+            for (const std::size_t offset : {0U, 1U, 2U, 3U}) {
                 compare(
                     N, "first stage " + std::to_string(n),
                     [&](const std::vector<Real>& x) {
@@ -154,7 +154,7 @@ TEST(Kernels, OfTheInnerTransforms) {
         ASSERT_EQ(FAMILY(env9_plan)(node), 0);
         EXPECT_EQ(node->rule, table("odd_frequency").row("n", n).integer("rule"));
         for (const std::int32_t a : {0, +lanes}) {
-            for (const std::size_t offset : {0, 1}) {
+            for (const std::size_t offset : {0U, 1U}) {
                 compare(
                     N, "inner " + std::to_string(n),
                     [&](const std::vector<Real>& x) {
@@ -192,7 +192,7 @@ TEST(Kernels, OfTheSecondStage) {
             ASSERT_EQ(FAMILY(env2_plan)(stage), 0);
             const auto* node = static_cast<const Env4*>(EnvList_get(stage->kernelRole, 0));
             EXPECT_EQ(node->rule, table("stage_two").row("r", r).integer("rule"));
-            for (const std::size_t offset : {0, 1, 2, 3}) {
+            for (const std::size_t offset : {0U, 1U, 2U, 3U}) {
                 compare(
                     N, "second stage " + std::to_string(r),
                     [&](const std::vector<Real>& t) {
@@ -357,7 +357,7 @@ TEST(Stages, OfLength64) {
     Offset scratch(t, 0);
     EXPECT_EQ(FAMILY(env5_compute)(plan.env5(), scratch.data(), x.data()), orvOk);
     t = scratch.take();
-    for (const std::size_t one : {0, 16, 32, 48}) EXPECT_EQ(t[one], Real{1});
+    for (const std::size_t one : {0U, 16U, 32U, 48U}) EXPECT_EQ(t[one], Real{1});
     EXPECT_EQ(t[8], Real{0});
 
     std::vector<long> block(64, -1);
