@@ -176,7 +176,8 @@ void drawErrors(Painter& painter, const Picture& picture) {
     const auto heightOf = [&](double logarithm) {
         return errors.y + errors.h * (top - std::clamp(logarithm, bottom, top)) / (top - bottom);
     };
-    for (double power = top; power >= bottom; power -= 4) {
+    for (int step = 0; step <= 4; ++step) {
+        const double power = top - 4 * step;
         painter.segment(errors.x, heightOf(power), errors.x + errors.w, heightOf(power), line);
         painter.text(formatted("1e%.0f", power), errors.x - 10, heightOf(power), 13, 1, faint);
     }

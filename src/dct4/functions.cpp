@@ -61,9 +61,9 @@ EnvLambda* FAMILY(envlambda___init__)(void* memory, Arena* arena, std::int32_t n
 // (i + 1/2) / n' in the family's type.
 double FAMILY(envlambda_at)(const NodeHeader* header, std::int32_t i, std::int32_t, std::int32_t) {
     const EnvLambda* object = static_cast<const EnvLambda*>(header);
+    const std::int32_t innerN = object->n / object->r;
     const Real half = static_cast<Real>(0.5);
-    return static_cast<double>((static_cast<Real>(i) + half) /
-                               static_cast<Real>(object->n / object->r));
+    return static_cast<double>((static_cast<Real>(i) + half) / static_cast<Real>(innerN));
 }
 
 void FAMILY(envlambda___del__)(NodeHeader*) {}

@@ -2,12 +2,13 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "orvgen.h"
@@ -64,7 +65,8 @@ long differences(const std::vector<Real>& a, const std::vector<Real>& b) {
     long count = 0;
     for (std::size_t i = 0; i < a.size(); ++i) {
         if (std::isnan(a[i]) && std::isnan(b[i])) continue;
-        count += std::memcmp(&a[i], &b[i], sizeof(Real)) != 0;
+        using Bits = std::conditional_t<sizeof(Real) == 4, std::uint32_t, std::uint64_t>;
+        count += std::bit_cast<Bits>(a[i]) != std::bit_cast<Bits>(b[i]);
     }
     return count;
 }

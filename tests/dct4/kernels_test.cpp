@@ -19,7 +19,7 @@ constexpr int roundingModes[] = {FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARD
 // Any NaN equals any NaN; everything else bit for bit.
 bool sameValue(Real a, Real b) {
     if (std::isnan(a) || std::isnan(b)) return std::isnan(a) && std::isnan(b);
-    return std::memcmp(&a, &b, sizeof a) == 0;
+    return bitsOf(a) == bitsOf(b);
 }
 
 void expectSame(const std::vector<Real>& found, const std::vector<Real>& expected,
@@ -209,7 +209,7 @@ TEST(Kernels, OfTheSecondStage) {
                                 [&](auto p) {
                                     EXPECT_EQ(p, visitingOrder(r, position));
                                     const Real* entry = group + 2 * position++ * lanes + c % lanes;
-                                    const auto at = static_cast<std::size_t>(2 * r * c + p);
+                                    const std::size_t at = element(2 * r * c + p);
                                     return rotate(Complex<Real>{t[at], t[at + r]}, entry[0],
                                                   entry[lanes]);
                                 },
@@ -262,8 +262,8 @@ TEST(Kernels, OfTheJoins) {
                                     const Real* next = first;
                                     joinStage<r, Real>(
                                         [&](auto s) {
-                                            const auto at = static_cast<std::size_t>(
-                                                from + l + stride * (2 * r * d + s));
+                                            const std::size_t at =
+                                                element(from + l + stride * (2 * r * d + s));
                                             return Complex<Real>{z[at], z[at + r * stride]};
                                         },
                                         [&](Complex<Real> v) {
@@ -280,8 +280,8 @@ TEST(Kernels, OfTheJoins) {
                                             const std::int32_t index =
                                                 f < r / 2 ? 2 * m * f + d
                                                           : 2 * m * (r - 1 - f) + 2 * m - 1 - d;
-                                            const auto at = static_cast<std::size_t>(
-                                                to + l + 2 * index * stride);
+                                            const std::size_t at =
+                                                element(to + l + 2 * index * stride);
                                             dst[at] = D.re;
                                             dst[at + stride] = D.im;
                                         });
@@ -301,16 +301,16 @@ TEST(Kernels, RefuseUnknownRulesWithDstUntouched) {
         const std::vector<Real> x = randomVector(N, 1);
         std::vector<Real> dst(x.size(), pattern);
         const std::vector<Real> untouched = dst;
-        const auto expectRefusals = [&](std::int32_t& rule, std::vector<std::int32_t> unknown,
-                                        const auto& compute) {
-            const std::int32_t before = rule;
-            for (const std::int32_t value : unknown) {
-                rule = value;
-                EXPECT_EQ(compute(), orvErrPlan) << value;
-            }
-            rule = before;
-            EXPECT_TRUE(sameBits(dst, untouched));
-        };
+        const auto expectRefusals =
+            [&](std::int32_t& rule, const std::vector<std::int32_t>& unknown, const auto& compute) {
+                const std::int32_t before = rule;
+                for (const std::int32_t value : unknown) {
+                    rule = value;
+                    EXPECT_EQ(compute(), orvErrPlan) << value;
+                }
+                rule = before;
+                EXPECT_TRUE(sameBits(dst, untouched));
+            };
         expectRefusals(plan.env4()->rule, {-1, 0, 7, 1000},
                        [&] { return FAMILY(env4_compute)(plan.env4(), dst.data(), x.data()); });
         expectRefusals(plan.env5()->rule, {-1, 0, 8, 1000},

@@ -3,10 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <random>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "dct4/operations.h"
@@ -33,6 +35,14 @@ inline std::vector<Real> randomVector(std::int64_t length, unsigned seed) {
     for (Real& value : x) value = static_cast<Real>(uniform(generator));
     return x;
 }
+
+inline auto bitsOf(Real value) {
+    return std::bit_cast<std::conditional_t<sizeof(Real) == 4, std::uint32_t, std::uint64_t>>(
+        value);
+}
+
+// An element's index, whatever integer it was computed as.
+inline std::size_t element(std::int64_t index) { return static_cast<std::size_t>(index); }
 
 template <class T>
 bool sameBits(const std::vector<T>& a, const std::vector<T>& b) {

@@ -105,8 +105,8 @@ void proveStageTwo() {
                 Quad sum = 0;
                 for (int p = 0; p < r; ++p) {
                     const int angle = u * (2 * p + 1);
-                    sum += V[static_cast<std::size_t>(p)] * angles.cosine(angle) -
-                           V[static_cast<std::size_t>(r + p)] * angles.sine(angle);
+                    const auto at = static_cast<std::size_t>(p);
+                    sum += V[at] * angles.cosine(angle) - V[at + r] * angles.sine(angle);
                 }
                 expectNear(y, sum);
             });
@@ -146,9 +146,8 @@ void proveJoin() {
                 Quad re = 0, im = 0;
                 for (int s = 0; s < R; ++s) {
                     const int units = s * (2 * d + 1) + 4 * m * s * f;  // 2 pi s f / R too
-                    const Complex<Quad> v =
-                        turn({Z[static_cast<std::size_t>(s)], Z[static_cast<std::size_t>(R + s)]},
-                             units % (2 * n));
+                    const auto at = static_cast<std::size_t>(s);
+                    const Complex<Quad> v = turn({Z[at], Z[at + R]}, units % (2 * n));
                     re += v.re;
                     im += v.im;
                 }

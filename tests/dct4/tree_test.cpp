@@ -302,9 +302,10 @@ TEST(Tables, OfTheJoins) {
             ASSERT_EQ(join.status, 0);
             const Real* entry = join.node->table;
             int wrong = 0;
+            const std::int32_t innerN = join.n / r;
             for (const Angle& angle : joinAngles(r, m)) {
                 volatile Real frequency = (static_cast<Real>(angle.d) + static_cast<Real>(0.5)) /
-                                          static_cast<Real>(join.n / r);
+                                          static_cast<Real>(innerN);
                 volatile Real sum = frequency + static_cast<Real>(angle.g);
                 // 2/r is a power of two: the product with k is the one that may round.
                 volatile double product = static_cast<double>(sum) * angle.k * 2 / r;
