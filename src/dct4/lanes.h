@@ -8,6 +8,7 @@
 
 #include <cstddef>
 
+#include "dct4/elements.h"
 #include "dct4/flows/complex.h"
 
 namespace orvgen::dct4 {
@@ -56,25 +57,29 @@ ORVGEN_DCT4_INLINE void storeAligned(double* p, Lanes64f x) { _mm_store_pd(p, x.
 
 // Lane l from p[l * step].
 ORVGEN_DCT4_INLINE Lanes32f gather(const float* p, std::ptrdiff_t step) {
-    const __m128 x0 = apart(_mm_load_ss(p)), x1 = apart(_mm_load_ss(p + step));
-    const __m128 x2 = apart(_mm_load_ss(p + 2 * step)), x3 = apart(_mm_load_ss(p + 3 * step));
+    const auto single = [](const float* at) ORVGEN_DCT4_INLINE_LAMBDA {
+        return apart(_mm_set_ss(loadElement(at)));
+    };
+    const __m128 x0 = single(p), x1 = single(p + step);
+    const __m128 x2 = single(p + 2 * step), x3 = single(p + 3 * step);
     return {_mm_movelh_ps(_mm_unpacklo_ps(x0, x1), _mm_unpacklo_ps(x2, x3))};
 }
 ORVGEN_DCT4_INLINE Lanes64f gather(const double* p, std::ptrdiff_t step) {
-    return {_mm_loadh_pd(apart(_mm_load_sd(p)), p + step)};
+    return {_mm_loadh_pd(apart(_mm_set_sd(loadElement(p))), p + step)};
 }
 
 // Lane l to p[l * step].
 ORVGEN_DCT4_INLINE void scatter(float* p, std::ptrdiff_t step, Lanes32f x) {
     const __m128 high = apart(_mm_movehl_ps(x.v, x.v));
-    _mm_store_ss(p, x.v);
-    _mm_store_ss(p + step, apart(_mm_shuffle_ps(x.v, x.v, _MM_SHUFFLE(1, 1, 1, 1))));
-    _mm_store_ss(p + 2 * step, high);
-    _mm_store_ss(p + 3 * step, apart(_mm_shuffle_ps(high, high, _MM_SHUFFLE(1, 1, 1, 1))));
+    storeElement(p, _mm_cvtss_f32(x.v));
+    storeElement(p + step, _mm_cvtss_f32(apart(_mm_shuffle_ps(x.v, x.v, _MM_SHUFFLE(1, 1, 1, 1)))));
+    storeElement(p + 2 * step, _mm_cvtss_f32(high));
+    storeElement(p + 3 * step,
+                 _mm_cvtss_f32(apart(_mm_shuffle_ps(high, high, _MM_SHUFFLE(1, 1, 1, 1)))));
 }
 ORVGEN_DCT4_INLINE void scatter(double* p, std::ptrdiff_t step, Lanes64f x) {
-    _mm_store_sd(p, x.v);
-    _mm_storeh_pd(p + step, apart(x.v));
+    storeElement(p, x.v[0]);
+    storeElement(p + step, apart(x.v)[1]);
 }
 
 template <class Real>

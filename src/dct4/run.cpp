@@ -1,4 +1,5 @@
 // The run: the one operation that a plan is built for.
+#include "dct4/elements.h"
 #include "dct4/flows/dct4.h"
 #include "dct4/operations.h"
 #include "dct4/radix.h"
@@ -10,8 +11,8 @@ namespace {
 
 template <int N>
 ORVGEN_DCT4_INLINE OrvStatus body(const Real* src, Real* dst) {
-    dct4<N, Real>([&](auto j) ORVGEN_DCT4_INLINE_LAMBDA { return src[j]; },
-                  [&](auto k, Real y) ORVGEN_DCT4_INLINE_LAMBDA { dst[k] = y; });
+    dct4<N, Real>([&](auto j) ORVGEN_DCT4_INLINE_LAMBDA { return loadElement(src + j); },
+                  [&](auto k, Real y) ORVGEN_DCT4_INLINE_LAMBDA { storeElement(dst + k, y); });
     return orvOk;
 }
 
