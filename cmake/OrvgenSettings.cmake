@@ -30,7 +30,9 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 add_compile_options(
     $<$<COMPILE_LANGUAGE:C,CXX>:-Wall> $<$<COMPILE_LANGUAGE:C,CXX>:-Wextra>
     $<$<COMPILE_LANGUAGE:C,CXX>:-Wpedantic> $<$<COMPILE_LANGUAGE:C,CXX>:-Wshadow>
-    $<$<COMPILE_LANGUAGE:C,CXX>:-Wconversion>)
+    $<$<COMPILE_LANGUAGE:C,CXX>:-Wconversion>
+    # g++ leaves this out of -Wconversion; the two compilers shall ask for the same.
+    $<$<COMPILE_LANGUAGE:C,CXX>:-Wno-sign-conversion>)
 if(ORVGEN_WERROR)
     add_compile_options($<$<COMPILE_LANGUAGE:C,CXX>:-Werror>)
 endif()

@@ -20,7 +20,7 @@ struct Box {
 constexpr Box plot = {96, 206, plotColumns, 600};
 constexpr Box wave = {plot.x, 112, plot.w, 80};
 constexpr Box bar = {plot.x + plot.w + 40, plot.y, 22, plot.h};
-constexpr double decibels = 70;  // from the bottom of the level scale to its top
+constexpr int decibels = 70;  // from the bottom of the level scale to its top
 
 struct Colour {
     double r, g, b;
@@ -238,7 +238,7 @@ void paintScale(Painter& p, double top) {
         cairo_fill(p.get());
     }
     p.frame(bar);
-    for (double db = 0; db <= decibels; db += 10) {
+    for (int db = 0; db <= decibels; db += 10) {
         const double y = bar.y + bar.h * db / decibels;
         p.tick(bar.x + bar.w, y, bar.x + bar.w + 6, y);
         p.text(number(top - db, 0), bar.x + bar.w + 12, y, 14, 0);
