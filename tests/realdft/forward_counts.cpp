@@ -14,7 +14,6 @@ namespace orvgen::test {
 namespace {
 
 using kernelgen::Counts;
-using kernelgen::Op;
 
 TEST(ForwardCounts, EveryRowInEveryFormatAndType) {
     const DataTable& table = dataTable("real_forward");

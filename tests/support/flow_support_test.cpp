@@ -16,9 +16,7 @@ namespace orvgen::test {
 namespace {
 
 using kernelgen::Arithmetic;
-using kernelgen::Constant;
 using kernelgen::Graph;
-using kernelgen::narrow;
 using kernelgen::Value;
 
 Value input(Graph& g, int element) { return {g, g.input(element)}; }

@@ -22,8 +22,8 @@ bool off(const void* p) { return reinterpret_cast<std::uintptr_t>(p) % 16 != 0; 
 
 // y[i] = s (x[i] - x[n-1-i] / 3), all reads before the first store. Faulty gates let it have null
 // pointers, which is what the tester must find, not a sanitizer.
-[[gnu::no_sanitize("address"), gnu::no_sanitize("undefined")]] void body(const float* src,
-                                                                         float* dst, int flag) {
+__attribute__((no_sanitize("address"), no_sanitize("undefined"))) void body(const float* src,
+                                                                            float* dst, int flag) {
     float r[n];
     const volatile float third = 1.0F / 3.0F;
     const volatile float s = scaleOf(flag);
