@@ -135,7 +135,7 @@ ORVGEN_API const OrvLibraryVersion* orvgenGetLibVersion(void);
     F(NAME, 6, T) F(NAME, 7, T) F(NAME, 8, T) F(NAME, 9, T) F(NAME, 10, T)                         \
     F(NAME, 11, T) F(NAME, 12, T) F(NAME, 13, T)
 
-/* The fixed-length families: F(NAME, T, LIST), LIST being the list of the lengths that exist. */
+/* The fixed-length families: F(NAME, T, LIST), LIST being the list of their lengths. */
 #define ORVGEN_LENGTH_FAMILIES(F)                                                                  \
     F(DFTFwd_CToC, 32fc, ORVGEN_LENGTHS)                                                           \
     F(DFTInv_CToC, 32fc, ORVGEN_LENGTHS)                                                           \
@@ -156,7 +156,7 @@ ORVGEN_API const OrvLibraryVersion* orvgenGetLibVersion(void);
     F(Hartley, 32f, ORVGEN_LENGTHS)                                                                \
     F(Hartley, 64f, ORVGEN_LENGTHS)
 
-/* The Walsh-Hadamard families: F(NAME, T, LIST), LIST being the list of the orders that exist. */
+/* The Walsh-Hadamard families: F(NAME, T, LIST), LIST being the list of their orders. */
 #define ORVGEN_ORDER_FAMILIES(F)                                                                   \
     F(WHT, 32f, ORVGEN_ORDERS)                                                                     \
     F(WHT, 64f, ORVGEN_ORDERS)
@@ -174,8 +174,8 @@ ORVGEN_API const OrvLibraryVersion* orvgenGetLibVersion(void);
  *     OrvStatus orvg<NAME>_<T>(const Orv<T>* src, Orv<T>* dst, int32_t len, int32_t flag);
  *
  * The first form has the length in its name; there is one for each N = 2 to 64. The second looks
- * the first up; a length outside 2 to 64, and a length whose function does not exist, gives
- * orvErrSize, whatever the other arguments. src is read only, dst written only.
+ * the first up; a length outside 2 to 64 gives orvErrSize, whatever the other arguments. src is
+ * read only, dst written only.
  *
  * In the definitions w = exp(-2 pi i / N), and s is the scale that the flag selects.
  *

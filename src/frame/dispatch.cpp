@@ -5,8 +5,7 @@
 
 namespace {
 
-// The kernels of the numbers first to last. A family that lacks members answers for them as for a
-// number out of range.
+// The kernels of the numbers first to last, each in the row of its own number.
 template <class Kernel, int first, int last>
 struct Table {
     struct Row {
@@ -18,42 +17,37 @@ struct Table {
 
     Kernel* kernel[rows] = {};
 
-    template <int members>
-    constexpr explicit Table(const Row (&list)[members]) {
+    constexpr explicit Table(const Row (&list)[rows]) {
         for (const Row& row : list) kernel[row.number - first] = row.kernel;
     }
 
-    template <bool complete, class... Arguments>
+    template <class... Arguments>
     OrvStatus call(int32_t number, Arguments... arguments) const {
         // As an unsigned value a number below first is out of range as well.
         const uint32_t row = static_cast<uint32_t>(number) - first;
-        if (row >= rows) return orvErrSize;
-        if (!complete && !kernel[row]) return orvErrSize;
-        return kernel[row](arguments...);
+        return row < rows ? kernel[row](arguments...) : orvErrSize;
     }
 };
 
 }  // namespace
 
 #define ROW(NAME, N, T) {N, orvg##NAME##_##N##_##T},
-#define PLUS_ONE(NAME, N, T) +1
 
-#define LENGTH_DISPATCHER(NAME, T, LIST)                                                      \
-    OrvStatus orvg##NAME##_##T(const Orv##T* src, Orv##T* dst, int32_t len, int32_t flag) {   \
-        using Kernel = OrvStatus(const Orv##T*, Orv##T*, int32_t);                            \
-        using Kernels = Table<Kernel, orvgen::firstLength, orvgen::lastLength>;               \
-        static constexpr Kernels table({LIST(ROW, NAME, T)});                                 \
-        return table.call<(0 LIST(PLUS_ONE, NAME, T)) == Kernels::rows>(len, src, dst, flag); \
+#define LENGTH_DISPATCHER(NAME, T, LIST)                                                    \
+    OrvStatus orvg##NAME##_##T(const Orv##T* src, Orv##T* dst, int32_t len, int32_t flag) { \
+        using Kernel = OrvStatus(const Orv##T*, Orv##T*, int32_t);                          \
+        using Kernels = Table<Kernel, orvgen::firstLength, orvgen::lastLength>;             \
+        static constexpr Kernels table({LIST(ROW, NAME, T)});                               \
+        return table.call(len, src, dst, flag);                                             \
     }
 ORVGEN_LENGTH_FAMILIES(LENGTH_DISPATCHER)
 
-#define ORDER_DISPATCHER(NAME, T, LIST)                                                        \
-    OrvStatus orvg##NAME##_##T(const Orv##T* src, Orv##T* dst, int32_t order, int32_t flag,    \
-                               uint8_t* buffer) {                                              \
-        using Kernel = OrvStatus(const Orv##T*, Orv##T*, int32_t, uint8_t*);                   \
-        using Kernels = Table<Kernel, orvgen::firstOrder, orvgen::lastOrder>;                  \
-        static constexpr Kernels table({LIST(ROW, NAME, T)});                                  \
-        return table.call<(0 LIST(PLUS_ONE, NAME, T)) == Kernels::rows>(order, src, dst, flag, \
-                                                                        buffer);               \
+#define ORDER_DISPATCHER(NAME, T, LIST)                                                     \
+    OrvStatus orvg##NAME##_##T(const Orv##T* src, Orv##T* dst, int32_t order, int32_t flag, \
+                               uint8_t* buffer) {                                           \
+        using Kernel = OrvStatus(const Orv##T*, Orv##T*, int32_t, uint8_t*);                \
+        using Kernels = Table<Kernel, orvgen::firstOrder, orvgen::lastOrder>;               \
+        static constexpr Kernels table({LIST(ROW, NAME, T)});                               \
+        return table.call(order, src, dst, flag, buffer);                                   \
     }
 ORVGEN_ORDER_FAMILIES(ORDER_DISPATCHER)
