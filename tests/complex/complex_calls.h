@@ -15,7 +15,7 @@ inline std::string complexName(bool inverse, int length, bool single) {
            (single ? "_32fc" : "_64fc");
 }
 
-// Null where the kernel is still to come.
+// Null where the header lists no such kernel.
 inline const ListedKernel* complexKernel(bool inverse, int length, bool single) {
     const std::string name = complexName(inverse, length, single);
     for (const ListedKernel& k : listedKernels()) {
