@@ -57,6 +57,23 @@ template <class Call>
     list.push_back({name, family, format, problem, makeLoop(problem, call)});
 }
 
+// Tables of these: compilers take minutes over a function with a thousand calls of templates.
+template <class T>
+struct Row {
+    int length;
+    OrvStatus (*function)(const T* src, T* dst, std::int32_t flag);
+};
+
+template <class T>
+void addLength(std::vector<Subject>& list, const std::string& name, const std::string& type,
+               const Row<T>& row) {
+    add(list, "orvg" + name + "_" + std::to_string(row.length) + "_" + type, name + "_" + type,
+        formatOf(name), problemOf(name, row.length, realBytes<T>()),
+        [function = row.function](const void* s, void* d) {
+            function(static_cast<const T*>(s), static_cast<T*>(d), orvScaleBySqrtN);
+        });
+}
+
 // Of the transforms on N reals.
 [[maybe_unused]] Problem realProblem(Transform transform, int n, std::size_t real) {
     Problem p;
@@ -74,13 +91,12 @@ template <class Call>
 
 }  // namespace
 
-#define ADD_LENGTH(NAME, N, T)                                                             \
-    add(list, "orvg" #NAME "_" #N "_" #T, #NAME "_" #T, formatOf(#NAME),                   \
-        problemOf(#NAME, N, realBytes<Orv##T>()), [](const void* s, void* d) {             \
-            orvg##NAME##_##N##_##T(static_cast<const Orv##T*>(s), static_cast<Orv##T*>(d), \
-                                   orvScaleBySqrtN);                                       \
-        });
-#define ADD_LENGTHS(NAME, T, LIST) LIST(ADD_LENGTH, NAME, T)
+#define LENGTH_ROW(NAME, N, T) {N, orvg##NAME##_##N##_##T},
+#define ADD_LENGTHS(NAME, T, LIST)                                         \
+    {                                                                      \
+        static constexpr Row<Orv##T> rows[] = {LIST(LENGTH_ROW, NAME, T)}; \
+        for (const auto& row : rows) addLength(list, #NAME, #T, row);      \
+    }
 
 #define ADD_ORDER(NAME, K, T)                                                                  \
     {                                                                                          \

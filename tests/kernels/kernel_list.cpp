@@ -29,25 +29,41 @@ void describeBuffers(ListedKernel& k) {
     if (contains(k.name, "_32fc") && (n == 47 || n == 59)) k.srcBeyond = 2;
 }
 
-template <class T, class Fixed, class ByLength, class Twin>
-ListedKernel listed(const std::string& name, int length, const std::string& type, Fixed* fixed,
-                    ByLength* byLength, Twin twin, int firstTwin) {
+template <class T>
+using Function = OrvStatus(const T* src, T* dst, std::int32_t flag);
+template <class T>
+using ByLength = OrvStatus(const T* src, T* dst, std::int32_t length, std::int32_t flag);
+
+// A member of a family; no twin: null. Tables of these, and code that is the same for all of one
+// element type: compilers take minutes over a function with a thousand calls of templates.
+template <class T>
+struct Row {
+    int length;
+    Function<T>* fixed;
+    Function<T>* twin;
+};
+
+template <class T>
+ListedKernel listed(const std::string& name, const std::string& type, const Row<T>& row,
+                    ByLength<T>* byLength, int firstTwin) {
+    const auto [length, fixed, twin] = row;
     ListedKernel k;
     k.family = "orvg" + name + "_" + type;
     k.length = length;
     k.name = kernelgen::memberName(k.family, length);
     k.single = contains(type, "32");
     k.complex = contains(type, "c");
-    k.call = [fixed](const void* src, void* dst, std::int32_t flag) {
-        return fixed(static_cast<const T*>(src), static_cast<T*>(dst), flag);
+    const auto untyped = [](Function<T>* function) {
+        return [function](const void* src, void* dst, std::int32_t flag) {
+            return function(static_cast<const T*>(src), static_cast<T*>(dst), flag);
+        };
     };
-    k.dispatch = [byLength, length](const void* src, void* dst, std::int32_t flag) {
+    k.call = untyped(fixed);
+    k.dispatch = [byLength, length = length](const void* src, void* dst, std::int32_t flag) {
         return byLength(static_cast<const T*>(src), static_cast<T*>(dst), length, flag);
     };
-    if constexpr (!std::is_same_v<Twin, std::nullptr_t>) {
-        k.twin = [twin](const void* src, void* dst, std::int32_t flag) {
-            return twin(static_cast<const T*>(src), static_cast<T*>(dst), flag);
-        };
+    if (twin != nullptr) {
+        k.twin = untyped(twin);
         k.twinName = "owng" + k.name.substr(4) + "_unaligned";
     }
     k.twoBodies = type == "64fc" && length < firstTwin;
@@ -56,22 +72,24 @@ ListedKernel listed(const std::string& name, int length, const std::string& type
 }
 
 // The twin where there is one. A template, so that the branch not taken names no function.
-#define TWIN(NAME, N, T)                                    \
-    [] {                                                    \
-        return [](auto length) {                            \
-            if constexpr (length() >= firstTwinLength_##T)  \
-                return &owng##NAME##_##N##_##T##_unaligned; \
-            else                                            \
-                return nullptr;                             \
-        }(std::integral_constant<int, N>());                \
-    }()
+#define TWIN(NAME, N, T)                               \
+    [](auto length) -> Function<Orv##T>* {             \
+        if constexpr (length() >= firstTwinLength_##T) \
+            return owng##NAME##_##N##_##T##_unaligned; \
+        else                                           \
+            return nullptr;                            \
+    }                                                  \
+    (std::integral_constant<int, N>())
 
 std::vector<ListedKernel> makeList() {
     std::vector<ListedKernel> list;
-#define MEMBER(NAME, N, T)                                                                \
-    list.push_back(listed<Orv##T>(#NAME, N, #T, orvg##NAME##_##N##_##T, orvg##NAME##_##T, \
-                                  TWIN(NAME, N, T), firstTwinLength_##T));
-#define FAMILY(NAME, T, LIST) LIST(MEMBER, NAME, T)
+#define MEMBER(NAME, N, T) {N, orvg##NAME##_##N##_##T, TWIN(NAME, N, T)},
+#define FAMILY(NAME, T, LIST)                                                                      \
+    {                                                                                              \
+        static constexpr Row<Orv##T> rows[] = {LIST(MEMBER, NAME, T)};                             \
+        for (const auto& row : rows)                                                               \
+            list.push_back(listed<Orv##T>(#NAME, #T, row, orvg##NAME##_##T, firstTwinLength_##T)); \
+    }
     ORVGEN_LENGTH_FAMILIES(FAMILY)
 #undef FAMILY
 #undef MEMBER
