@@ -3,26 +3,18 @@
 // Takes a recording apart into MDCT coefficients and puts it together again, by the DCT-IV in both
 // element types, and shows how exactly it comes back.
 
+#include <bit>
 #include <cstdlib>
 #include <iostream>
 #include <string>
 #include <vector>
 
-#include "../spectrogram/recording.h"
+#include "../common/program.h"
+#include "../common/recording.h"
 #include "mdct.h"
 #include "picture.h"
 
 namespace {
-
-// A reader's voice, from the LibriVox recordings in Debian's package pocketsphinx-testdata.
-constexpr const char* defaultRecording =
-    "/usr/share/pocketsphinx/test/data/librivox/sense_and_sensibility_01_austen_64kb-0870.wav";
-
-constexpr const char* usage =
-    "usage: mdct [--size M] [RECORDING [PICTURE.png]]\n"
-    "  RECORDING  WAV, FLAC, OGG or what else libsndfile reads (a voice out of Debian)\n"
-    "  PICTURE    the PNG to write (mdct.png)\n"
-    "  --size M   coefficients a block, a power of two from 4 to 65536 (1024)\n";
 
 struct Arguments {
     std::size_t size = 1024;
@@ -30,38 +22,22 @@ struct Arguments {
     std::string picture = "mdct.png";
 };
 
-Arguments parse(const std::vector<std::string>& words) {
-    Arguments a;
-    std::vector<std::string> files;
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        if (words[i] == "--size") {
-            const std::string value = i + 1 < words.size() ? words[++i] : "";
-            char* end = nullptr;
-            a.size = std::strtoul(value.c_str(), &end, 10);
-            if (value.empty() || *end != '\0' || a.size < 4 || a.size > 65536 ||
-                (a.size & (a.size - 1)) != 0) {
-                throw BadInput("--size takes a power of two from 4 to 65536");
-            }
-        } else if (words[i].size() > 1 && words[i][0] == '-') {
-            throw BadInput("unknown option " + words[i] + " (see --help)");
-        } else {
-            files.push_back(words[i]);
-        }
-    }
-    if (files.size() > 2) throw BadInput("too many arguments (see --help)");
-    if (!files.empty()) a.recording = files[0];
-    if (files.size() > 1) a.picture = files[1];
-    return a;
+void declare(CLI::App& app, Arguments& a) {
+    const auto powerOfTwo = [](const std::string& text) {
+        std::size_t m = 0;
+        const bool good = CLI::detail::lexical_cast(text, m) && std::has_single_bit(m);
+        return good && m >= 4 && m <= 65536 ? "" : "takes a power of two from 4 to 65536";
+    };
+    app.add_option("--size", a.size, "coefficients a block, a power of two from 4 to 65536 (1024)")
+        ->type_name("M")
+        ->check(powerOfTwo);
+    app.add_option("RECORDING", a.recording,
+                   "WAV, FLAC, OGG or what else libsndfile reads (a voice out of Debian)")
+        ->type_name("");
+    app.add_option("PICTURE", a.picture, "the PNG to write (mdct.png)")->type_name("");
 }
 
-int run(const std::vector<std::string>& words) {
-    for (const std::string& word : words) {
-        if (word == "--help" || word == "-h") {
-            std::cout << usage;
-            return EXIT_SUCCESS;
-        }
-    }
-    const Arguments arguments = parse(words);
+int run(const Arguments& arguments) {
     constexpr double everything = 1e9;  // no band to cut down to
     Recording recording(arguments.recording, everything);
     std::vector<float> samples, block;
@@ -98,13 +74,9 @@ int run(const std::vector<std::string>& words) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    try {
-        return run({argv + 1, argv + argc});
-    } catch (const BadInput& e) {
-        std::cerr << "mdct: " << e.what() << "\n";
-        return 2;
-    } catch (const std::exception& e) {
-        std::cerr << "mdct: " << e.what() << "\n";
-        return EXIT_FAILURE;
-    }
+    CLI::App app("A recording into MDCT coefficients and back, and how exactly it comes back.",
+                 "mdct");
+    Arguments arguments;
+    declare(app, arguments);
+    return runProgram(app, argc, argv, [&] { return run(arguments); });
 }

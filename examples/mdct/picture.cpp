@@ -1,30 +1,20 @@
 #include "picture.h"
 
-#include <cairo.h>
-
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
-#include <memory>
-#include <stdexcept>
+
+#include "../common/painter.h"
 
 namespace {
 
 constexpr int width = 1600, height = 1000;
 constexpr double decibels = 80;  // from the darkest level to the brightest
 
-struct Box {
-    double x, y, w, h;
-};
 constexpr Box wave = {110, 116, 1450, 150};
 constexpr Box levels = {110, 310, 1450, 330};
 constexpr Box errors = {110, 700, 1450, 220};
 
-struct Colour {
-    double r, g, b;
-};
 constexpr Colour background = {1, 1, 1};
 constexpr Colour ink = {0.10, 0.11, 0.13};
 constexpr Colour faint = {0.38, 0.40, 0.44};
@@ -32,67 +22,6 @@ constexpr Colour line = {0.78, 0.79, 0.82};
 constexpr Colour original = {0.16, 0.36, 0.62};
 constexpr Colour single = {0.80, 0.33, 0.13};
 constexpr Colour twice = {0.12, 0.47, 0.40};
-
-struct Release {
-    void operator()(cairo_t* c) const { cairo_destroy(c); }
-    void operator()(cairo_surface_t* s) const { cairo_surface_destroy(s); }
-};
-using Surface = std::unique_ptr<cairo_surface_t, Release>;
-using Context = std::unique_ptr<cairo_t, Release>;
-
-std::string formatted(const char* format, double value) {
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), format, value);
-    return text.data();
-}
-
-class Painter {
-  public:
-    Painter()
-        : surface_(cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height)),
-          c_(cairo_create(surface_.get())) {
-        colour(background);
-        cairo_paint(c_.get());
-        cairo_set_line_width(c_.get(), 1);
-    }
-    cairo_t* get() { return c_.get(); }
-    void colour(const Colour& k) { cairo_set_source_rgb(c_.get(), k.r, k.g, k.b); }
-
-    // Anchored at its left (0), middle (0.5) or right (1); y is the middle of its height.
-    void text(const std::string& s, double x, double y, double size, double anchor,
-              const Colour& k) {
-        cairo_select_font_face(c_.get(), "sans-serif", CAIRO_FONT_SLANT_NORMAL,
-                               CAIRO_FONT_WEIGHT_NORMAL);
-        cairo_set_font_size(c_.get(), size);
-        cairo_text_extents_t extents;
-        cairo_text_extents(c_.get(), s.c_str(), &extents);
-        colour(k);
-        cairo_move_to(c_.get(), x - anchor * extents.x_advance, y + 0.36 * size);
-        cairo_show_text(c_.get(), s.c_str());
-    }
-    void segment(double x0, double y0, double x1, double y1, const Colour& k) {
-        colour(k);
-        cairo_move_to(c_.get(), x0, y0);
-        cairo_line_to(c_.get(), x1, y1);
-        cairo_stroke(c_.get());
-    }
-    void frame(const Box& b, const std::string& caption) {
-        colour(line);
-        cairo_rectangle(c_.get(), b.x - 0.5, b.y - 0.5, b.w + 1, b.h + 1);
-        cairo_stroke(c_.get());
-        text(caption, b.x, b.y - 16, 16, 0, ink);
-    }
-    void write(const std::string& path) {
-        const cairo_status_t status = cairo_surface_write_to_png(surface_.get(), path.c_str());
-        if (status != CAIRO_STATUS_SUCCESS) {
-            throw std::runtime_error(path + ": " + cairo_status_to_string(status));
-        }
-    }
-
-  private:
-    Surface surface_;
-    Context c_;
-};
 
 // One vertical stroke for each pixel column, from the least to the greatest value that falls in it.
 template <class Value, class Height>
@@ -222,7 +151,7 @@ void drawErrors(Painter& painter, const Picture& picture) {
 }  // namespace
 
 void writePicture(const Picture& picture, const std::string& path) {
-    Painter painter;
+    Painter painter(width, height, background, line, ink);
     painter.text(picture.title, wave.x, 36, 24, 0, ink);
     painter.text(picture.subtitle, wave.x, 68, 16, 0, faint);
     drawWave(painter, picture);

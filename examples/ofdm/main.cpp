@@ -3,82 +3,42 @@
 // Sends random bits over a simulated multicarrier link made of the complex transforms of length 64,
 // counts the bit errors and draws what the receiver sees.
 
-#include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <iostream>
 #include <sstream>
-#include <stdexcept>
 #include <string>
-#include <vector>
 
+#include "../common/program.h"
 #include "link.h"
 #include "picture.h"
 
 namespace {
-
-constexpr const char* usage =
-    "usage: ofdm [--qpsk] [--snr DECIBELS|none] [--symbols N] [--seed S] [PICTURE.png]\n"
-    "  PICTURE      the PNG to write (ofdm.png)\n"
-    "  --qpsk       2 bits a carrier and symbol (16-QAM: 4)\n"
-    "  --snr D      energy of a point to that of the noise, -20 to 60 dB, or none (20)\n"
-    "  --symbols N  symbols of data, 1 to 100000 (4000)\n"
-    "  --seed S     of the bits and the noise, a whole number (1)\n";
-
-// What is wrong with the arguments, in one line for the user.
-class BadInput : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
-
-// The whole text as a number.
-template <class Number>
-bool read(const std::string& text, Number& number) {
-    const char* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, number);
-    return error == std::errc() && stop == end;
-}
 
 struct Arguments {
     Settings settings;
     std::string picture = "ofdm.png";
 };
 
-Arguments parse(const std::vector<std::string>& words) {
-    Arguments a;
-    bool named = false;
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        const std::string& word = words[i];
-        const auto value = [&] { return i + 1 < words.size() ? words[++i] : std::string(); };
-        if (word == "--qpsk") {
-            a.settings.bits = 2;
-        } else if (word == "--snr") {
-            const std::string text = value();
-            double snr = 0;
-            if (text == "none") {
-                a.settings.snr.reset();
-            } else if (read(text, snr) && snr >= -20 && snr <= 60) {
-                a.settings.snr = snr;
-            } else {
-                throw BadInput("--snr takes decibels from -20 to 60, or none");
-            }
-        } else if (word == "--symbols") {
-            std::size_t& n = a.settings.symbols;
-            if (!read(value(), n) || n < 1 || n > 100000) {
-                throw BadInput("--symbols takes a number from 1 to 100000");
-            }
-        } else if (word == "--seed") {
-            if (!read(value(), a.settings.seed)) throw BadInput("--seed takes a whole number");
-        } else if (word.empty() || word[0] == '-') {
-            throw BadInput("unknown option '" + word + "' (see --help)");
-        } else if (named) {
-            throw BadInput("too many arguments (see --help)");
-        } else {
-            a.picture = word;
-            named = true;
-        }
-    }
-    return a;
+void declare(CLI::App& app, Arguments& a) {
+    app.add_flag_callback(
+        "--qpsk", [&a] { a.settings.bits = 2; }, "2 bits a carrier and symbol (16-QAM: 4)");
+    app.add_option_function<std::string>(
+           "--snr",
+           [&a](const std::string& text) {
+               a.settings.snr.reset();
+               if (text != "none") a.settings.snr = std::stod(text);
+           },
+           "energy of a point to that of the noise, -20 to 60 dB, or none (20)")
+        ->type_name("DECIBELS")
+        ->check(within(-20, 60) | CLI::IsMember({"none"}));
+    app.add_option("--symbols", a.settings.symbols, "symbols of data, 1 to 100000 (4000)")
+        ->type_name("N")
+        ->check(within(1, 100000));
+    app.add_option("--seed", a.settings.seed, "of the bits and the noise, a whole number (1)")
+        ->type_name("S")
+        ->check(within(0, 1e18));
+    app.add_option("PICTURE", a.picture, "the PNG to write (ofdm.png)")->type_name("");
 }
 
 std::string decibels(double value) {
@@ -88,14 +48,7 @@ std::string decibels(double value) {
     return text.str();
 }
 
-int run(const std::vector<std::string>& words) {
-    for (const std::string& word : words) {
-        if (word == "--help" || word == "-h") {
-            std::cout << usage;
-            return EXIT_SUCCESS;
-        }
-    }
-    const Arguments arguments = parse(words);
+int run(const Arguments& arguments) {
     const Settings& settings = arguments.settings;
     const Outcome outcome = runLink(settings);
     const std::string scheme = settings.bits == 2 ? "QPSK" : "16-QAM";
@@ -126,13 +79,9 @@ int run(const std::vector<std::string>& words) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    try {
-        return run({argv + 1, argv + argc});
-    } catch (const BadInput& e) {
-        std::cerr << "ofdm: " << e.what() << "\n";
-        return 2;
-    } catch (const std::exception& e) {
-        std::cerr << "ofdm: " << e.what() << "\n";
-        return EXIT_FAILURE;
-    }
+    CLI::App app("Random bits over a simulated multicarrier link, and what the receiver sees.",
+                 "ofdm");
+    Arguments arguments;
+    declare(app, arguments);
+    return runProgram(app, argc, argv, [&] { return run(arguments); });
 }

@@ -13,53 +13,29 @@
 #include <string>
 #include <vector>
 
+#include "../common/program.h"
+#include "../common/recording.h"
 #include "picture.h"
-#include "recording.h"
 #include "spectrum.h"
 
 namespace {
 
-// A reader's voice, from the LibriVox recordings in Debian's package pocketsphinx-testdata.
-constexpr const char* defaultRecording =
-    "/usr/share/pocketsphinx/test/data/librivox/sense_and_sensibility_01_austen_64kb-0870.wav";
 constexpr const char* defaultTitle =
     "Jane Austen, Sense and Sensibility, chapter 1, read for LibriVox";
-constexpr const char* defaultPicture = "spectrogram.png";
-constexpr double defaultBand = 5500;
-
-constexpr const char* usage =
-    "usage: spectrogram [--band HZ] [RECORDING [PICTURE.png]]\n"
-    "  RECORDING  WAV, FLAC, OGG or what else libsndfile reads (a voice out of Debian)\n"
-    "  PICTURE    the PNG to write (spectrogram.png)\n"
-    "  --band HZ  the highest frequency shown (5500)\n";
-
 struct Arguments {
-    double band = defaultBand;
+    double band = 5500;
     std::string recording = defaultRecording;
-    std::string picture = defaultPicture;
+    std::string picture = "spectrogram.png";
 };
 
-Arguments parse(const std::vector<std::string>& words) {
-    Arguments a;
-    std::vector<std::string> files;
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        if (words[i] == "--band") {
-            const std::string value = i + 1 < words.size() ? words[++i] : "";
-            char* end = nullptr;
-            a.band = std::strtod(value.c_str(), &end);
-            if (value.empty() || *end != '\0' || !(a.band >= 100 && a.band <= 1e6)) {
-                throw BadInput("--band takes a frequency of 100 Hz and more");
-            }
-        } else if (words[i].size() > 1 && words[i][0] == '-') {
-            throw BadInput("unknown option " + words[i] + " (see --help)");
-        } else {
-            files.push_back(words[i]);
-        }
-    }
-    if (files.size() > 2) throw BadInput("too many arguments (see --help)");
-    if (!files.empty()) a.recording = files[0];
-    if (files.size() > 1) a.picture = files[1];
-    return a;
+void declare(CLI::App& app, Arguments& a) {
+    app.add_option("--band", a.band, "the highest frequency shown, 100 Hz and more (5500)")
+        ->type_name("HZ")
+        ->check(within(100, 1e6));
+    app.add_option("RECORDING", a.recording,
+                   "WAV, FLAC, OGG or what else libsndfile reads (a voice out of Debian)")
+        ->type_name("");
+    app.add_option("PICTURE", a.picture, "the PNG to write (spectrogram.png)")->type_name("");
 }
 
 // Shown once the work has taken a while: one line that counts on a terminal, a line for every tenth
@@ -104,14 +80,7 @@ std::string subtitleOf(const Recording& recording, const Spectrogram& s) {
     return text.str();
 }
 
-int run(const std::vector<std::string>& words) {
-    for (const auto& w : words) {
-        if (w == "--help" || w == "-h") {
-            std::cout << usage;
-            return EXIT_SUCCESS;
-        }
-    }
-    const Arguments arguments = parse(words);
+int run(const Arguments& arguments) {
     Recording recording(arguments.recording, arguments.band);
     const std::string title =
         arguments.recording == defaultRecording ? defaultTitle : recording.title();
@@ -129,13 +98,8 @@ int run(const std::vector<std::string>& words) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    try {
-        return run({argv + 1, argv + argc});
-    } catch (const BadInput& e) {
-        std::cerr << "spectrogram: " << e.what() << "\n";
-        return 2;
-    } catch (const std::exception& e) {
-        std::cerr << "spectrogram: " << e.what() << "\n";
-        return EXIT_FAILURE;
-    }
+    CLI::App app("A recording's levels over time and frequency.", "spectrogram");
+    Arguments arguments;
+    declare(app, arguments);
+    return runProgram(app, argc, argv, [&] { return run(arguments); });
 }

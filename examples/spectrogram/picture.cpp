@@ -1,30 +1,22 @@
 #include "picture.h"
 
-#include <cairo.h>
-
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
-#include <memory>
-#include <stdexcept>
+
+#include "../common/painter.h"
 
 namespace {
 
 constexpr int width = 1600;
 constexpr int height = 900;
 
-struct Box {
-    double x, y, w, h;
-};
 constexpr Box plot = {96, 206, plotColumns, 600};
 constexpr Box wave = {plot.x, 112, plot.w, 80};
 constexpr Box bar = {plot.x + plot.w + 40, plot.y, 22, plot.h};
 constexpr int decibels = 70;  // from the bottom of the level scale to its top
 
-struct Colour {
-    double r, g, b;
-};
 constexpr Colour background = {0.055, 0.06, 0.08};
 constexpr Colour ink = {0.92, 0.93, 0.95};
 constexpr Colour faint = {0.60, 0.63, 0.68};
@@ -49,72 +41,11 @@ Colour levelColour(double t) {
     return {a.r + f * (b.r - a.r), a.g + f * (b.g - a.g), a.b + f * (b.b - a.b)};
 }
 
-struct Release {
-    void operator()(cairo_t* c) const { cairo_destroy(c); }
-    void operator()(cairo_surface_t* s) const { cairo_surface_destroy(s); }
-};
-using Surface = std::unique_ptr<cairo_surface_t, Release>;
-
-class Painter {
-  public:
-    Painter() : surface_(cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height)) {
-        c_.reset(cairo_create(surface_.get()));
-        colour(background);
-        cairo_paint(c_.get());
-        cairo_set_line_width(c_.get(), 1);
-    }
-
-    cairo_t* get() const { return c_.get(); }
-
-    void colour(const Colour& k, double alpha = 1) {
-        cairo_set_source_rgba(c_.get(), k.r, k.g, k.b, alpha);
-    }
-
-    void frame(const Box& b) {
-        colour(line);
-        cairo_rectangle(c_.get(), b.x - 0.5, b.y - 0.5, b.w + 1, b.h + 1);
-        cairo_stroke(c_.get());
-    }
-
-    void tick(double x0, double y0, double x1, double y1) {
-        colour(faint);
-        cairo_move_to(c_.get(), std::floor(x0) + 0.5, std::floor(y0) + 0.5);
-        cairo_line_to(c_.get(), std::floor(x1) + 0.5, std::floor(y1) + 0.5);
-        cairo_stroke(c_.get());
-    }
-
-    // Text whose anchor (0 left, 0.5 centre, 1 right) stands at x; y is the middle of its height.
-    void text(const std::string& s, double x, double y, double size, double anchor,
-              const Colour& k = ink, bool bold = false) {
-        cairo_select_font_face(c_.get(), "sans-serif", CAIRO_FONT_SLANT_NORMAL,
-                               bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
-        cairo_set_font_size(c_.get(), size);
-        cairo_text_extents_t e;
-        cairo_text_extents(c_.get(), s.c_str(), &e);
-        colour(k);
-        cairo_move_to(c_.get(), x - anchor * e.x_advance, y + 0.36 * size);
-        cairo_show_text(c_.get(), s.c_str());
-    }
-
-    void textUpwards(const std::string& s, double x, double y, double size) {
-        cairo_save(c_.get());
-        cairo_translate(c_.get(), x, y);
-        cairo_rotate(c_.get(), -std::acos(-1.0) / 2);
-        text(s, 0, 0, size, 0.5, faint);
-        cairo_restore(c_.get());
-    }
-
-    void write(const std::string& path) {
-        const auto status = cairo_surface_write_to_png(surface_.get(), path.c_str());
-        if (status != CAIRO_STATUS_SUCCESS) {
-            throw std::runtime_error(path + ": " + cairo_status_to_string(status));
-        }
-    }
-
-  private:
-    Surface surface_;
-    std::unique_ptr<cairo_t, Release> c_;
-};
+// On whole pixels, so that it is sharp.
+void tick(Painter& p, double x0, double y0, double x1, double y1) {
+    p.segment(std::floor(x0) + 0.5, std::floor(y0) + 0.5, std::floor(x1) + 0.5,
+              std::floor(y1) + 0.5, faint);
+}
 
 // A round step (1, 2 or 5 times a power of ten) that cuts the range into about `parts` parts.
 double roundStep(double range, double parts) {
@@ -214,8 +145,8 @@ void paintAxes(Painter& p, const Spectrogram& s) {
     const double step = timeStep(s.seconds, 12);
     for (int i = 0; i * step <= s.seconds; ++i) {
         const double x = plot.x + i * step / s.seconds * plot.w;
-        p.tick(x, plot.y + plot.h, x, plot.y + plot.h + 6);
-        p.text(timeLabel(i * step, step), x, plot.y + plot.h + 18, 14, 0.5);
+        tick(p, x, plot.y + plot.h, x, plot.y + plot.h + 6);
+        p.text(timeLabel(i * step, step), x, plot.y + plot.h + 18, 14, 0.5, ink);
     }
     p.text(step < 1 ? "time (s)" : "time (min:s)", plot.x + plot.w / 2, height - 48, 15, 0.5,
            faint);
@@ -224,11 +155,11 @@ void paintAxes(Painter& p, const Spectrogram& s) {
     const double stepF = roundStep(top, 10);
     for (int i = 0; i * stepF <= top * 1.0001; ++i) {
         const double y = plot.y + plot.h * (1 - i * stepF / top);
-        p.tick(plot.x - 7, y, plot.x - 1, y);
-        p.text(number(i * stepF, decimalsOf(stepF)), plot.x - 12, y, 14, 1);
+        tick(p, plot.x - 7, y, plot.x - 1, y);
+        p.text(number(i * stepF, decimalsOf(stepF)), plot.x - 12, y, 14, 1, ink);
     }
-    p.textUpwards("frequency (kHz)", 34, plot.y + plot.h / 2, 15);
-    p.textUpwards("envelope", 34, wave.y + wave.h / 2, 15);
+    p.textUpwards("frequency (kHz)", 34, plot.y + plot.h / 2, 15, faint);
+    p.textUpwards("envelope", 34, wave.y + wave.h / 2, 15, faint);
 }
 
 void paintScale(Painter& p, double top) {
@@ -240,8 +171,8 @@ void paintScale(Painter& p, double top) {
     p.frame(bar);
     for (int db = 0; db <= decibels; db += 10) {
         const double y = bar.y + bar.h * db / decibels;
-        p.tick(bar.x + bar.w, y, bar.x + bar.w + 6, y);
-        p.text(number(top - db, 0), bar.x + bar.w + 12, y, 14, 0);
+        tick(p, bar.x + bar.w, y, bar.x + bar.w + 6, y);
+        p.text(number(top - db, 0), bar.x + bar.w + 12, y, 14, 0, ink);
     }
     p.text("level (dB)", bar.x + bar.w / 2, bar.y - 16, 14, 0.5, faint);
 }
@@ -256,7 +187,7 @@ void writePicture(const Spectrogram& s, const std::string& title, const std::str
     }
     const double top = std::max(-120.0, 10 * std::ceil(loudest / 10)) + 0.0;  // not -0
 
-    Painter p;
+    Painter p(width, height, background, line, ink);
     p.text(title, plot.x, 42, 26, 0, ink, true);
     p.text(subtitle, plot.x, 78, 15, 0, faint);
     paintWave(p, s);

@@ -8,6 +8,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "../common/program.h"
+
 namespace {
 
 constexpr int N = Spectrogram::points;

@@ -8,7 +8,7 @@
 #include <functional>
 #include <vector>
 
-#include "recording.h"
+#include "../common/recording.h"
 
 struct Spectrogram {
     static constexpr int points = 64;            // samples of one transform

@@ -1,25 +1,23 @@
 // A recording, read block by block as one channel at a chosen rate.
 
-#ifndef SPECTROGRAM_RECORDING_H
-#define SPECTROGRAM_RECORDING_H
+#ifndef EXAMPLES_RECORDING_H
+#define EXAMPLES_RECORDING_H
 
 #include <cstdint>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 struct sf_private_tag;
 struct SRC_STATE_tag;
 
-// What is wrong with the input, in one line for the user.
-class BadInput : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
+// A reader's voice, from the LibriVox recordings in Debian's package pocketsphinx-testdata.
+constexpr const char* defaultRecording =
+    "/usr/share/pocketsphinx/test/data/librivox/sense_and_sensibility_01_austen_64kb-0870.wav";
 
 class Recording {
   public:
-    // Opens the file; samples come at a rate of twice the band, at most at the file's own.
+    // Opens the file, BadInput where that fails; samples come at a rate of twice the band, at most
+    // at the file's own.
     Recording(const std::string& path, double band);
     ~Recording();
     Recording(const Recording&) = delete;

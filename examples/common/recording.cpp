@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <sstream>
 
+#include "program.h"
+
 namespace {
 
 constexpr std::size_t framesPerBlock = 1 << 14;

@@ -1,0 +1,37 @@
+#include "program.h"
+
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <sstream>
+
+CLI::Validator within(double least, double most) {
+    const auto check = [least, most](const std::string& text) -> std::string {
+        double value = 0;
+        const bool number = CLI::detail::lexical_cast(text, value);
+        if (number && value >= least && value <= most) return "";
+        std::ostringstream range;
+        range << "takes a number from " << least << " to " << most;
+        return range.str();
+    };
+    return CLI::Validator(check, "");
+}
+
+int runProgram(CLI::App& app, int argc, char** argv, const std::function<int()>& body) {
+    const auto failed = [&](const std::string& what, int status) {
+        std::cerr << app.get_name() << ": " << what << "\n";
+        return status;
+    };
+    try {
+        app.parse(argc, argv);
+        return body();
+    } catch (const CLI::Success& e) {
+        return app.exit(e);
+    } catch (const CLI::ParseError& e) {
+        return failed(std::string(e.what()) + " (see --help)", 2);
+    } catch (const BadInput& e) {
+        return failed(e.what(), 2);
+    } catch (const std::exception& e) {
+        return failed(e.what(), EXIT_FAILURE);
+    }
+}
