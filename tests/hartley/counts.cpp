@@ -1,8 +1,6 @@
 // The Hartley flows against their table, and proved.
 #include <gtest/gtest.h>
 
-#include <set>
-
 #include "hartley/hartley.h"
 #include "kernelgen/count.h"
 #include "support/closed_sets.h"
@@ -71,33 +69,21 @@ TEST(Hartley, RulesOfPrecision) {
     }
 }
 
-// The sets of samples that the values of a flow are made of.
-std::set<std::set<int>> supports(const Graph& g) {
-    std::vector<std::set<int>> made(g.nodes().size());
-    for (std::size_t i = 0; i < made.size(); ++i) {
-        const Node& n = g.nodes()[i];
-        if (n.op == Op::Input) made[i] = {n.index};
-        for (const kernelgen::NodeId id : {n.a, n.b}) {
-            if (id == kernelgen::kNone) continue;
-            const auto& operand = made[static_cast<std::size_t>(id)];
-            made[i].insert(operand.begin(), operand.end());
-        }
-    }
-    return {made.begin(), made.end()};
-}
-
 TEST(Hartley, WhatMeetsFirst) {
-    const auto twelve = supports(hartleyGraph(12, Arithmetic::Single));
-    EXPECT_TRUE(twelve.contains({0, 4, 8}));  // 3-point block; the forward transform: 0, 3, 6, 9
-    EXPECT_FALSE(twelve.contains({0, 3, 6, 9}));
-    EXPECT_TRUE(supports(realdft::forwardGraph(12, realdft::PackedFormat::Pack, Arithmetic::Single))
-                    .contains({0, 3, 6, 9}));
-    const auto ten = supports(hartleyGraph(10, Arithmetic::Single));
-    for (const auto& pair : std::set<std::set<int>>{{0, 5}, {1, 9}, {2, 8}, {3, 7}, {4, 6}})
-        EXPECT_TRUE(ten.contains(pair)) << *pair.begin();
-    EXPECT_FALSE(ten.contains({0, 2, 4, 6, 8}));
-    EXPECT_TRUE(supports(realdft::forwardGraph(10, realdft::PackedFormat::Pack, Arithmetic::Single))
-                    .contains({0, 2, 4, 6, 8}));
+    const auto forward = [](int n) {
+        return inputSets(realdft::forwardGraph(n, realdft::PackedFormat::Pack, Arithmetic::Single));
+    };
+    const auto twelve = inputSets(hartleyGraph(12, Arithmetic::Single));
+    const ElementSet threePoints = elementSet({0, 4, 8}), fourPoints = elementSet({0, 3, 6, 9});
+    EXPECT_TRUE(twelve.contains(threePoints));
+    EXPECT_FALSE(twelve.contains(fourPoints));
+    EXPECT_TRUE(forward(12).contains(fourPoints));
+    const auto ten = inputSets(hartleyGraph(10, Arithmetic::Single));
+    for (const auto& pair : {std::vector{0, 5}, {1, 9}, {2, 8}, {3, 7}, {4, 6}})
+        EXPECT_TRUE(ten.contains(elementSet(pair))) << pair[0];
+    const ElementSet fivePoints = elementSet({0, 2, 4, 6, 8});
+    EXPECT_FALSE(ten.contains(fivePoints));
+    EXPECT_TRUE(forward(10).contains(fivePoints));
 }
 
 // At the lengths that run the forward flow the Hartley graph holds the forward graph's operations

@@ -1,13 +1,7 @@
 // The forward real flows in numbers: the graph against the same flow on plain numbers and against
 // the hand-written base forms, and the inputs that show something.
-#include <gtest/gtest.h>
-
-#include <limits>
-
 #include "forward_flows.h"
-#include "kernelgen/number.h"
 #include "support/data_table.h"
-#include "support/real_base_forms.h"
 
 namespace orvgen::test {
 namespace {
@@ -27,19 +21,16 @@ class Rounding {
 
 template <class T>
 class ForwardBits : public testing::Test {};
-using Types = testing::Types<float, double>;
-TYPED_TEST_SUITE(ForwardBits, Types);
+TYPED_TEST_SUITE(ForwardBits, Elements);
 
 // The flow on plain numbers, packed.
 template <class T>
 std::vector<T> computed(Format format, int n, const std::vector<T>& x, double scale) {
-    using N = kernelgen::Number<arithmeticOf<T>>;
-    std::vector<N> v;
-    for (const T sample : x) v.push_back(N(static_cast<double>(sample)));
-    const auto scaleBy = [&](const N& a) { return scaledBy(scale, a); };
+    const auto scaleBy = [&](const PlainNumber<T>& a) { return scaledBy(scale, a); };
     std::vector<T> y(static_cast<std::size_t>(realdft::elementCount(format, n) + kMargin),
                      poison<T>());
-    for (const auto& term : realdft::forwardTerms(realdft::forwardBins(n, v), scaleBy)) {
+    for (const auto& term :
+         realdft::forwardTerms(realdft::forwardBins(n, plainNumbers(x)), scaleBy)) {
         const int place = term.isImaginary ? realdft::imaginaryPosition(format, n, term.bin)
                                            : realdft::realPosition(format, n, term.bin);
         y[static_cast<std::size_t>(place)] = static_cast<T>(term.value.value());
@@ -76,9 +67,6 @@ TYPED_TEST(ForwardBits, GraphIsTheFlowOnNumbers) {
         }
     }
 }
-
-template <class T>
-using RulesOf = std::conditional_t<sizeof(T) == 4, Mixed, AllDouble>;
 
 TYPED_TEST(ForwardBits, BaseFormsByHand) {
     using Forms = BaseForms<RulesOf<TypeParam>>;

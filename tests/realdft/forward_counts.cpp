@@ -49,6 +49,11 @@ TEST(ForwardCounts, ClosedSets) {
         for (const Arithmetic arithmetic : {Arithmetic::Single, Arithmetic::Double}) {
             const Graph g = realdft::forwardGraph(n, Format::Pack, arithmetic);
             EXPECT_EQ(closedInputSets(g, firstOfSets(n), n), row.integers("closed_sets")) << n;
+            // and they are strides through the samples, or at a prime cosets
+            const auto sets = inputSets(g);
+            for (const long d : row.integers("closed_sets"))
+                for (const ElementSet set : evenSets(static_cast<int>(d), n))
+                    EXPECT_TRUE(sets.contains(set)) << n << " sets of " << d;
         }
     }
 }

@@ -1,15 +1,13 @@
 // Small things that the tests of the forward real flows share.
 #pragma once
 
+#include <bit>
 #include <cfenv>
-#include <cmath>
 #include <cstdint>
-#include <cstring>
-#include <random>
-#include <vector>
+#include <limits>
 
-#include "kernelgen/evaluate.h"
 #include "realdft/forward.h"
+#include "support/flow_runs.h"
 
 namespace orvgen::test {
 
@@ -17,48 +15,16 @@ using kernelgen::Arithmetic;
 using kernelgen::Graph;
 using Format = realdft::PackedFormat;
 
-template <class T>
-inline constexpr Arithmetic arithmeticOf = sizeof(T) == 4 ? Arithmetic::Single : Arithmetic::Double;
-
-inline std::uint32_t bitsOf(float v) {
-    std::uint32_t b;
-    std::memcpy(&b, &v, sizeof b);
-    return b;
-}
-inline std::uint64_t bitsOf(double v) {
-    std::uint64_t b;
-    std::memcpy(&b, &v, sizeof b);
-    return b;
-}
-// Equal in every bit; any NaN equals any NaN.
-template <class T>
-bool sameBits(T a, T b) {
-    return bitsOf(a) == bitsOf(b) || (std::isnan(a) && std::isnan(b));
-}
-
-// The three factors that the flags select, as the kernels store them.
-template <class T>
-std::vector<double> storedScales(int n) {
-    if (sizeof(T) == 4)
-        return {1.0, static_cast<double>(static_cast<float>(1.0 / n)),
-                static_cast<double>(static_cast<float>(1.0 / std::sqrt(static_cast<double>(n))))};
-    return {1.0, 1.0 / n, 1.0 / std::sqrt(static_cast<double>(n))};
-}
+inline std::uint32_t bitsOf(float v) { return std::bit_cast<std::uint32_t>(v); }
+inline std::uint64_t bitsOf(double v) { return std::bit_cast<std::uint64_t>(v); }
 
 // What no kernel writes by itself: a NaN with a mark in it.
 template <class T>
 T poison() {
-    if constexpr (sizeof(T) == 4) {
-        const std::uint32_t b = 0x7fc5a5a5u;
-        float v;
-        std::memcpy(&v, &b, sizeof v);
-        return v;
-    } else {
-        const std::uint64_t b = 0x7ff85a5a5a5a5a5aull;
-        double v;
-        std::memcpy(&v, &b, sizeof v);
-        return v;
-    }
+    if constexpr (isSingle<T>)
+        return std::bit_cast<float>(0x7fc5a5a5U);
+    else
+        return std::bit_cast<double>(0x7ff85a5a5a5a5a5aULL);
 }
 
 // The packed array, with a margin of poison behind it.

@@ -1,43 +1,21 @@
 // The inverse real flows by their bits: against the same algorithms on plain numbers, against the
 // forms of the smallest lengths written down by hand, and from format to format.
-#include <gtest/gtest.h>
-
-#include <cstring>
 #include <limits>
-#include <map>
-#include <random>
 
-#include "kernelgen/number.h"
 #include "realdft/forward.h"
 #include "realdft/inverse.h"
 #include "support/data_table.h"
-#include "support/flow_rules.h"
-#include "support/packed_format.h"
-#include "support/real_base_forms.h"
+#include "support/flow_runs.h"
+#include "support/proof.h"
 
 namespace orvgen::test {
 namespace {
 
 using kernelgen::Arithmetic;
 using kernelgen::Graph;
-using kernelgen::Number;
 using realdft::inverseGraph;
 using realdft::kPackedFormats;
 using Format = realdft::PackedFormat;
-
-template <class T>
-constexpr Arithmetic arithmeticOf() {
-    return sizeof(T) == 4 ? Arithmetic::Single : Arithmetic::Double;
-}
-
-template <class T>
-std::vector<T> randomValues(int count, unsigned seed) {
-    std::mt19937 random(seed);
-    std::uniform_real_distribution<double> uniform(-1, 1);
-    std::vector<T> x(static_cast<std::size_t>(count));
-    for (T& v : x) v = static_cast<T>(uniform(random));
-    return x;
-}
 
 // A half spectrum in a packed layout.
 template <class T>
@@ -57,15 +35,11 @@ HalfSpectrum<T> randomSpectrum(int n, unsigned seed) {
     return {randomValues<T>(n / 2 + 1, 2 * seed), randomValues<T>(n / 2 + 1, 2 * seed + 1)};
 }
 
-// Built once.
 template <class T>
 const Graph& flow(int n, Format format) {
-    static std::map<std::pair<int, Format>, Graph> built;
-    auto place = built.find({n, format});
-    if (place == built.end())
-        place =
-            built.emplace(std::pair{n, format}, inverseGraph(n, format, arithmeticOf<T>())).first;
-    return place->second;
+    static Graphs<int, Format> flows(
+        [](int length, Format f) { return inverseGraph(length, f, arithmeticOf<T>); });
+    return flows(n, format);
 }
 
 template <class T>
@@ -74,83 +48,40 @@ std::vector<T> invert(int n, Format format, const std::vector<T>& src, double sc
 }
 
 template <class T>
-bool sameBits(const std::vector<T>& a, const std::vector<T>& b) {
-    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(T)) == 0;
-}
-
-template <class T>
 class InverseBits : public testing::Test {};
-using Elements = testing::Types<float, double>;
 TYPED_TEST_SUITE(InverseBits, Elements);
 
 TYPED_TEST(InverseBits, GraphAndPlainNumbersAgree) {
     using T = TypeParam;
-    using Plain = Number<arithmeticOf<T>()>;
     for (int n = 2; n <= 64; ++n) {
-        const double scale = scaleOf(Scaling::ByN, n, sizeof(T) == 4);
+        const double scale = scaleOf(Scaling::ByN, n, isSingle<T>);
         for (const Format format : kPackedFormats) {
-            const Graph& g = flow<T>(n, format);
             for (unsigned seed = 0; seed < 4; ++seed) {
                 const auto src = packed(randomSpectrum<T>(n, seed), n, format);
-                const auto bins = realdft::packedBins<Plain>(n, format, [&](int i) {
-                    return Plain(static_cast<double>(src[static_cast<std::size_t>(i)]));
-                });
+                const auto plain = plainNumbers(src);
+                const auto bins = realdft::packedBins<PlainNumber<T>>(
+                    n, format, [&](int i) { return plain[static_cast<std::size_t>(i)]; });
                 const auto y =
                     realdft::inverseSamples(realdft::inverseArrangement(n, format), bins);
-                std::vector<T> expected;
-                for (const Plain& v : y)
-                    expected.push_back(static_cast<T>(scaledBy(scale, v).value()));
-                EXPECT_TRUE(sameBits(runGraph(g, src, expected.size(), scale), expected)) << n;
+                EXPECT_TRUE(sameBits(invert<T>(n, format, src, scale), storedNumbers<T>(y, scale)))
+                    << n;
             }
         }
     }
 }
 
-// ---- the hand-written forms ----
-
-template <class Rules>
-bool agrees(int n, Format format, unsigned seed, double ruleScale, double graphScale) {
-    using T = typename Rules::Sample;
-    const auto X = randomSpectrum<T>(n, seed);
-    return BaseForms<Rules>::inverse(X, n, ruleScale, format == Format::Ccs) ==
-           invert<T>(n, format, packed(X, n, format), graphScale);
-}
-
 TYPED_TEST(InverseBits, SmallLengthsAreTheirWrittenForms) {
     using T = TypeParam;
-    using Rules = std::conditional_t<sizeof(T) == 4, Mixed, AllDouble>;
     for (const int n : {2, 3, 4, 5, 6, 7, 8})
         for (const Format format : kPackedFormats)
-            for (const Scaling s : {Scaling::One, Scaling::ByN, Scaling::BySqrtN})
+            for (const double scale : storedScales<T>(n))
                 for (unsigned seed = 0; seed < 20; ++seed) {
-                    const double scale = scaleOf(s, n, sizeof(T) == 4);
-                    EXPECT_TRUE(agrees<Rules>(n, format, seed, scale, scale))
+                    const auto X = randomSpectrum<T>(n, seed);
+                    EXPECT_TRUE(sameBits(
+                        invert<T>(n, format, packed(X, n, format), scale),
+                        BaseForms<RulesOf<T>>::inverse(X, n, scale, format == Format::Ccs)))
                         << n << " " << realdft::formatName(format) << " seed " << seed;
                 }
-}
-
-// Whether the flow differs from forms with one rule broken: what the comparison above would notice.
-template <class Wrong>
-bool noticed(int n, double ruleScale) {
-    const double scale = scaleOf(Scaling::ByN, n, true);
-    for (unsigned seed = 0; seed < 60; ++seed)
-        if (!agrees<Wrong>(n, Format::Ccs, seed, ruleScale, scale)) return true;
-    return false;
-}
-
-TEST(InverseBits, WrongRoundingsWouldBeNoticed) {
-    for (const int n : {3, 5, 6, 7, 8}) {
-        const double scale = scaleOf(Scaling::ByN, n, true);
-        EXPECT_FALSE(noticed<Mixed>(n, scale)) << n;
-        EXPECT_TRUE(noticed<FloatConstants>(n, scale)) << n;
-        EXPECT_TRUE(noticed<MissingNarrowing>(n, scale)) << n;
-        if (n == 5 || n == 7) {
-            EXPECT_TRUE(noticed<RoundedProducts>(n, scale)) << n;
-        }
-        if (n != 8) {
-            EXPECT_TRUE(noticed<DoubleScale>(n, 1.0 / n)) << n;
-        }
-    }
 }
 
 TEST(InverseBits, SevenPointCosineOfOneConstant) {
@@ -179,7 +110,7 @@ TYPED_TEST(InverseBits, FormatsRunOneFlowButFromCcsAt7And49) {
         bool packDiffers = false, permDiffers = false;
         for (unsigned seed = 0; seed < 20; ++seed) {
             const auto X = randomSpectrum<T>(n, seed);
-            const double scale = scaleOf(Scaling::BySqrtN, n, sizeof(T) == 4);
+            const double scale = scaleOf(Scaling::BySqrtN, n, isSingle<T>);
             const auto ccs = invert<T>(n, Format::Ccs, packed(X, n, Format::Ccs), scale);
             const auto pack = invert<T>(n, Format::Pack, packed(X, n, Format::Pack), scale);
             const auto perm = invert<T>(n, Format::Perm, packed(X, n, Format::Perm), scale);
@@ -189,7 +120,7 @@ TYPED_TEST(InverseBits, FormatsRunOneFlowButFromCcsAt7And49) {
         }
         const DataRow* row = dataTable("real_inverse_formats").find("length", n);
         const bool mayDiffer =
-            row != nullptr && row->text(sizeof(T) == 4 ? "f32" : "f64") == "ccs|pack perm";
+            row != nullptr && row->text(isSingle<T> ? "f32" : "f64") == "ccs|pack perm";
         if (n == 7 || n == 49) {
             ASSERT_TRUE(mayDiffer);
         }
@@ -201,45 +132,35 @@ TYPED_TEST(InverseBits, FormatsRunOneFlowButFromCcsAt7And49) {
 // ---- round trips and edges ----
 
 template <class T>
-std::vector<T> forwardThenBack(int n, Format format, const std::vector<T>& x, Scaling there,
-                               Scaling back) {
-    const bool single = sizeof(T) == 4;
-    const auto spectrum = runGraph(realdft::forwardGraph(n, format, arithmeticOf<T>()), x,
-                                   static_cast<std::size_t>(realdft::elementCount(format, n)),
-                                   scaleOf(there, n, single));
-    return invert<T>(n, format, spectrum, scaleOf(back, n, single));
+std::vector<T> forwardThenBack(int n, Format format, const std::vector<T>& x, double there,
+                               double back) {
+    const auto spectrum =
+        runGraph(realdft::forwardGraph(n, format, arithmeticOf<T>), x,
+                 static_cast<std::size_t>(realdft::elementCount(format, n)), there);
+    return invert<T>(n, format, spectrum, back);
 }
 
 TYPED_TEST(InverseBits, ForwardAndBackIsTheIdentity) {
     using T = TypeParam;
-    const double u = sizeof(T) == 4 ? 0x1p-24 : 0x1p-53;
-    const std::pair<Scaling, Scaling> pairs[] = {{Scaling::ByN, Scaling::One},
-                                                 {Scaling::One, Scaling::ByN},
-                                                 {Scaling::BySqrtN, Scaling::BySqrtN}};
     for (int n = 2; n <= 64; ++n) {
-        for (const Format format : kPackedFormats) {
-            for (const auto& [there, back] : pairs) {
-                const auto x = randomValues<T>(n, static_cast<unsigned>(n));
-                const auto y = forwardThenBack<T>(n, format, x, there, back);
-                double norm = 0, error = 0;
-                for (std::size_t i = 0; i < x.size(); ++i) {
-                    norm += static_cast<double>(x[i]) * static_cast<double>(x[i]);
-                    const double d = static_cast<double>(x[i]) - static_cast<double>(y[i]);
-                    error += d * d;
-                }
-                EXPECT_LT(std::sqrt(error / norm), 8 * u) << n;
-            }
-        }
+        const auto scales = storedScales<T>(n);  // 1, 1/N, 1/sqrt(N)
+        const auto x = randomValues<T>(n, static_cast<unsigned>(n));
+        for (const Format format : kPackedFormats)
+            for (const auto& [there, back] :
+                 {std::pair{scales[0], scales[1]}, {scales[1], scales[0]}, {scales[2], scales[2]}})
+                EXPECT_LT(relativeError(x, forwardThenBack<T>(n, format, x, there, back)), 8) << n;
     }
 }
 
 TEST(InverseBits, RoundTripsOfLengths4And6) {
     for (const Format format : kPackedFormats) {
-        EXPECT_EQ((forwardThenBack<float>(4, format, {1, 2, 3, 4}, Scaling::One, Scaling::ByN)),
-                  (std::vector<float>{1, 2, 3, 4}));
-        EXPECT_EQ(
-            (forwardThenBack<float>(6, format, {1, 2, 3, 4, 5, 7}, Scaling::One, Scaling::ByN)),
-            (std::vector<float>{1, 1.9999998807907104F, 3, 4, 5, 7}));
+        const auto thereAndBack = [&](const std::vector<float>& x) {
+            const auto n = static_cast<int>(x.size());
+            return forwardThenBack<float>(n, format, x, 1, scaleOf(Scaling::ByN, n, true));
+        };
+        EXPECT_EQ(thereAndBack({1, 2, 3, 4}), (std::vector<float>{1, 2, 3, 4}));
+        EXPECT_EQ(thereAndBack({1, 2, 3, 4, 5, 7}),
+                  (std::vector<float>{1, 1.9999998807907104F, 3, 4, 5, 7}));
     }
 }
 

@@ -51,6 +51,11 @@ TEST(InverseReal, CountsOfTheTable) {
                 EXPECT_EQ(c.scaleProducts, n);
                 EXPECT_EQ(g.deadNodes().size(), 0U) << n;
                 EXPECT_EQ(closedOutputSets(g, firstOfSets(n), n), row.integers("closed_sets")) << n;
+                // and they are strides through the samples, or at a prime cosets
+                const auto sets = outputSets(g);
+                for (const long d : row.integers("closed_sets"))
+                    for (const ElementSet set : evenSets(static_cast<int>(d), n))
+                        EXPECT_TRUE(sets.contains(set)) << n << " sets of " << d;
                 ++rows;
             }
             EXPECT_EQ(rows, 63);
@@ -132,6 +137,34 @@ TEST(InverseReal, RulesOfPrecision) {
                       realdft::inverseArrangement(n, format).carries.size())
                 << n;
         }
+    }
+}
+
+// Where an even factor runs first, R[0] and R[N/2] go into their sum and their difference and into
+// nothing else; behind an odd factor they meet other bins first.
+TEST(InverseReal, FirstAndLastBinMeetFirst) {
+    for (const DataRow& row : dataTable("real_inverse").rows()) {
+        const auto n = static_cast<int>(row.integer("length"));
+        if (n % 2 == 1) continue;
+        const auto words = row.words("method");
+        const bool evenFirst =
+            words[0] == "butterfly" || words[0] == "binary" || std::stoi(words.at(1)) % 2 == 0;
+        const Graph g = inverseGraph(n, realdft::PackedFormat::Ccs, Arithmetic::Single);
+        const auto isEnd = [&](kernelgen::NodeId id) {
+            if (id == kernelgen::kNone || g.node(id).op != kernelgen::Op::Input) return false;
+            return g.node(id).index == 0 || g.node(id).index == n;
+        };
+        int sums = 0, differences = 0, others = 0;
+        for (const kernelgen::Node& node : g.nodes()) {
+            if (!isEnd(node.a) && !isEnd(node.b)) continue;
+            const bool both = isEnd(node.a) && isEnd(node.b);
+            ++(both && node.op == kernelgen::Op::Add   ? sums
+               : both && node.op == kernelgen::Op::Sub ? differences
+                                                       : others);
+        }
+        EXPECT_EQ(sums, evenFirst) << n;
+        EXPECT_EQ(differences, evenFirst) << n;
+        EXPECT_EQ(others == 0, evenFirst) << n;
     }
 }
 

@@ -1,11 +1,12 @@
 #include "support/closed_sets.h"
 
-#include <cstdint>
-#include <set>
 #include <stdexcept>
+
+#include "flows/number_theory.h"
 
 namespace orvgen::test {
 
+using flows::powerModulo;
 using kernelgen::Graph;
 using kernelgen::kNone;
 using kernelgen::Node;
@@ -14,7 +15,7 @@ using kernelgen::Op;
 
 namespace {
 
-using Set = std::uint64_t;  // one bit an element
+using Set = ElementSet;
 
 Set bit(int element) {
     if (element < 0 || element >= 64) throw std::logic_error("elements 0 to 63 only");
@@ -81,12 +82,44 @@ std::vector<long> sizes(const std::vector<Set>& found, int first, int length) {
 
 }  // namespace
 
+ElementSet elementSet(const std::vector<int>& elements) {
+    Set set = 0;
+    for (const int e : elements) set |= bit(e);
+    return set;
+}
+
+std::set<ElementSet> inputSets(const Graph& graph) {
+    const std::vector<Set> sets = supports(graph);
+    return {sets.begin(), sets.end()};
+}
+
+std::set<ElementSet> outputSets(const Graph& graph) {
+    const std::vector<Set> sets = consumers(graph);
+    return {sets.begin(), sets.end()};
+}
+
 std::vector<long> closedInputSets(const Graph& graph, int first, int length) {
     return sizes(supports(graph), first, length);
 }
 
 std::vector<long> closedOutputSets(const Graph& graph, int first, int length) {
     return sizes(consumers(graph), first, length);
+}
+
+std::vector<ElementSet> evenSets(int d, int length) {
+    std::set<Set> sets;
+    for (int first = firstOfSets(length); first < length; ++first) {
+        Set set = 0;
+        for (int e = firstOfSets(length); e < length; ++e) {
+            // a prime: e/first is of the subgroup if its power d is 1
+            const bool together = firstOfSets(length) == 0
+                                      ? (e - first) % (length / d) == 0
+                                      : powerModulo(e, d, length) == powerModulo(first, d, length);
+            if (together) set |= bit(e);
+        }
+        sets.insert(set);
+    }
+    return {sets.begin(), sets.end()};
 }
 
 int firstOfSets(int length) {

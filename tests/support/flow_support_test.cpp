@@ -1,16 +1,13 @@
 // The shared checks by themselves: on flows small enough to be written out here they say what is
 // so, and they notice what is not.
-#include <gtest/gtest.h>
-
 #include <array>
-#include <random>
 
 #include "kernelgen/value.h"
 #include "support/closed_sets.h"
 #include "support/data_table.h"
+#include "support/flow_runs.h"
 #include "support/packed_format.h"
 #include "support/proof.h"
-#include "support/real_base_forms.h"
 
 namespace orvgen::test {
 namespace {
@@ -63,6 +60,17 @@ TEST(ClosedSets, EverySetMustBeThere) {
     const Value t = input(h, 0) + input(h, 1), u = input(h, 2) + input(h, 3);
     h.output(0, scaled((t + u) + (input(h, 4) + input(h, 5))).id());
     EXPECT_EQ(closedInputSets(h, 0, 6), std::vector<long>{2});
+}
+
+TEST(ClosedSets, EvenSetsAreStridesOrCosets) {
+    EXPECT_EQ(evenSets(2, 4), (std::vector{elementSet({0, 2}), elementSet({1, 3})}));
+    EXPECT_EQ(evenSets(4, 12).size(), 3U);
+    EXPECT_EQ(evenSets(4, 12)[0], elementSet({0, 3, 6, 9}));
+    EXPECT_EQ(evenSets(2, 5), (std::vector{elementSet({2, 3}), elementSet({1, 4})}));
+    const auto thirteen = evenSets(3, 13);
+    EXPECT_EQ(std::set<ElementSet>(thirteen.begin(), thirteen.end()),
+              (std::set{elementSet({1, 3, 9}), elementSet({12, 10, 4}), elementSet({8, 11, 7}),
+                        elementSet({5, 2, 6})}));
 }
 
 TEST(ClosedSets, Lengths) {
@@ -131,20 +139,11 @@ class Forms : public testing::Test {};
 using Sound = testing::Types<Mixed, AllDouble>;
 TYPED_TEST_SUITE(Forms, Sound);
 
-template <class T>
-std::vector<T> samples(int n, unsigned seed) {
-    std::mt19937 random(seed);
-    std::uniform_real_distribution<double> uniform(-1, 1);
-    std::vector<T> x(static_cast<std::size_t>(n));
-    for (T& v : x) v = static_cast<T>(uniform(random));
-    return x;
-}
-
 TYPED_TEST(Forms, ComputeTheTransforms) {
     using T = typename TypeParam::Sample;
     const double allowed = sizeof(T) == 4 ? 2e-6 : 5e-15;
     for (const int n : {2, 3, 4, 5, 6, 7, 8, 11}) {
-        const auto x = samples<T>(n, 5);
+        const auto x = randomValues<T>(n, 5);
         const auto X = BaseForms<TypeParam>::forward(x, 1.0);
         const auto H = BaseForms<TypeParam>::hartley(x, 1.0);
         for (int k = 0; k < n; ++k) {
@@ -176,7 +175,7 @@ TYPED_TEST(Forms, ComputeTheTransforms) {
 template <class Wrong>
 bool forwardDiffers(int n) {
     for (unsigned seed = 0; seed < 50; ++seed) {
-        const auto x = samples<float>(n, seed);
+        const auto x = randomValues<float>(n, seed);
         const auto right = BaseForms<Mixed>::forward(x, 1.0 / n);
         const auto wrong = BaseForms<Wrong>::forward(x, 1.0 / n);
         if (right.re != wrong.re || right.im != wrong.im) return true;
@@ -186,7 +185,7 @@ bool forwardDiffers(int n) {
 template <class Wrong>
 bool hartleyDiffers(int n) {
     for (unsigned seed = 0; seed < 50; ++seed) {
-        const auto x = samples<float>(n, seed);
+        const auto x = randomValues<float>(n, seed);
         if (BaseForms<Mixed>::hartley(x, 1.0 / n) != BaseForms<Wrong>::hartley(x, 1.0 / n))
             return true;
     }
@@ -195,7 +194,8 @@ bool hartleyDiffers(int n) {
 template <class Wrong>
 bool inverseDiffers(int n) {
     for (unsigned seed = 0; seed < 50; ++seed) {
-        HalfSpectrum<float> X{samples<float>(n / 2 + 1, seed), samples<float>(n / 2 + 1, ~seed)};
+        HalfSpectrum<float> X{randomValues<float>(n / 2 + 1, seed),
+                              randomValues<float>(n / 2 + 1, ~seed)};
         if (BaseForms<Mixed>::inverse(X, n, 1.0 / n, true) !=
             BaseForms<Wrong>::inverse(X, n, 1.0 / n, true))
             return true;
@@ -232,7 +232,7 @@ TEST(BaseForms, NoticeWrongRoundings) {
 TEST(BaseForms, OrderOfTheRealTermsAtSevenShows) {
     bool differs = false;
     for (unsigned seed = 0; seed < 50 && !differs; ++seed) {
-        const HalfSpectrum<float> X{samples<float>(4, seed), samples<float>(4, ~seed)};
+        const HalfSpectrum<float> X{randomValues<float>(4, seed), randomValues<float>(4, ~seed)};
         differs = BaseForms<Mixed>::inverse(X, 7, 1.0, true) !=
                   BaseForms<Mixed>::inverse(X, 7, 1.0, false);
     }
