@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <map>
 #include <set>
 
@@ -193,6 +194,34 @@ TEST(ComplexDouble, ElementsAreMovedWholeOrAsHalves) {
         EXPECT_EQ(other.halfLoads.size(), 2 * n);
         EXPECT_EQ(other.halfStores.size(), 2 * n);
         EXPECT_TRUE(other.wholeLoads.empty() && other.wholeStores.empty() && !other.other);
+    }
+}
+
+// Every constant fills both lanes, but for the mask that turns the sign of one lane: the low one in
+// forward kernels, the high one in inverse kernels.
+TEST(ComplexDouble, ConstantsFillBothLanes) {
+    for (const ListedKernel& k : listedKernels()) {
+        if (!k.complex || k.single) continue;
+        SCOPED_TRACE(k.name);
+        const bool forward = k.name.find("Fwd") != std::string::npos;
+        for (const int off : {0, 8}) {
+            for (const Step& s : traceOf(k.name, off).steps) {
+                if (!s.access || s.access->region != Region::constants) continue;
+                ASSERT_EQ(s.access->size, 16) << s.instruction->text;
+                EXPECT_EQ(s.access->offset % 16, 0);
+                std::uint64_t lanes[2];
+                const auto bytes =
+                    library().image().bytes(static_cast<std::uint64_t>(s.access->offset), 16);
+                std::memcpy(lanes, bytes.data(), 16);
+                const std::uint64_t sign = std::uint64_t{1} << 63;
+                if (s.instruction->kind == Kind::logic) {
+                    EXPECT_EQ(lanes[0], forward ? sign : 0) << s.instruction->text;
+                    EXPECT_EQ(lanes[1], forward ? 0 : sign) << s.instruction->text;
+                } else {
+                    EXPECT_EQ(lanes[0], lanes[1]) << s.instruction->text;
+                }
+            }
+        }
     }
 }
 
