@@ -204,31 +204,43 @@ TEST(DoubleRelations, RoundTrip) {
     }
 }
 
+// The lengths with a block that is made otherwise than in the real kernels, or with a direct block
+// of 11, whose terms are summed in another order.
+const std::set<int> kOwnBlocks = {10, 11, 17, 19, 22, 23, 29, 33, 34, 35, 37, 38, 41,
+                                  43, 44, 46, 47, 50, 51, 53, 55, 57, 58, 59, 60, 61};
+
 // Real samples stay in the real lane up to the swaps: the result is the forward real transform,
-// completed to all N bins.
+// completed to all N bins, and bit for bit where the blocks are the same.
 TEST(DoubleLanes, RealSamples) {
     for (int n = 2; n <= 64; ++n) {
-        Samples x = randomSamples(n, 5);
-        Samples real;
-        for (std::size_t i = 0; i < x.size(); i += 2) {
-            real.push_back(x[i]);
-            x[i + 1] = 0;
-        }
-        const Samples y = evaluated(dft::doubleFlow(Direction::Forward, n), x);
+        const Graph complex = dft::doubleFlow(Direction::Forward, n);
         const Graph half =
             realdft::forwardGraph(n, realdft::PackedFormat::Ccs, kernelgen::Arithmetic::Double);
-        Samples ccs(static_cast<std::size_t>(n) + 2, 0.0);
-        kernelgen::evaluate(half, real.data(), ccs.data(), 1.0);
-        for (int k = 0; k < n; ++k) {
-            const auto i = static_cast<std::size_t>(2 * k);
-            const auto j = static_cast<std::size_t>(2 * (2 * k > n ? n - k : k));
-            EXPECT_NEAR(y[i], ccs[j], 1e-13) << n;
-            EXPECT_NEAR(y[i + 1], 2 * k > n ? -ccs[j + 1] : ccs[j + 1], 1e-13) << n;
+        bool equal = true;
+        for (unsigned seed = 5; seed < 15; ++seed) {
+            Samples x = randomSamples(n, seed);
+            Samples real;
+            for (std::size_t i = 0; i < x.size(); i += 2) {
+                real.push_back(x[i]);
+                x[i + 1] = 0;
+            }
+            const Samples y = evaluated(complex, x);
+            Samples ccs(static_cast<std::size_t>(n) + 2, 0.0);
+            kernelgen::evaluate(half, real.data(), ccs.data(), 1.0);
+            for (int k = 0; k < n; ++k) {
+                const auto i = static_cast<std::size_t>(2 * k);
+                const auto j = static_cast<std::size_t>(2 * (2 * k > n ? n - k : k));
+                const double im = 2 * k > n ? -ccs[j + 1] : ccs[j + 1];
+                EXPECT_NEAR(y[i], ccs[j], 1e-13) << n;
+                EXPECT_NEAR(y[i + 1], im, 1e-13) << n;
+                equal = equal && y[i] == ccs[j] && y[i + 1] == im;
+            }
+            EXPECT_EQ(y[1], 0) << n;
+            if (n % 2 == 0) {
+                EXPECT_EQ(y[static_cast<std::size_t>(n) + 1], 0) << n;
+            }
         }
-        EXPECT_EQ(y[1], 0) << n;
-        if (n % 2 == 0) {
-            EXPECT_EQ(y[static_cast<std::size_t>(n) + 1], 0) << n;
-        }
+        EXPECT_EQ(equal, !kOwnBlocks.contains(n)) << n;
     }
 }
 
