@@ -25,10 +25,11 @@ std::string accuracyPage() {
 
     std::string page =
         "# Accuracy\n\n"
-        "The relative error of every kernel in the L2 norm, |computed - exact| / |exact|, over 16 random inputs,\n"
-        "uniform in [-1, 1], against the definition evaluated in binary128; in units of u = 2^-24 (32f, 32fc) and\n"
-        "2^-53 (64f, 64fc). Constants, inputs and rounding are fixed, so the figures are the same on every machine;\n"
-        "a test measures them again and compares. Written by `./dev accuracy`.\n\n"
+        "The relative error of every kernel in the L2 norm, |computed - exact| / |exact|, over random inputs uniform\n"
+        "in [-1, 1] (at least 16, and as many as give a thousand results), against the definition evaluated in\n"
+        "binary128; in units of u = 2^-24 (32f, 32fc) and 2^-53 (64f, 64fc). Constants, inputs and rounding are\n"
+        "fixed, so the figures are the same on every machine; a test measures them again and compares. Written by\n"
+        "`./dev accuracy`.\n\n"
         "The bound that the tests hold the kernels to is sqrt(log2 N), at primes from 7 on 1.3 sqrt(log2 N): 2.4 and\n"
         "3.2 at the longest lengths.\n\n| N |";
     for (const AccuracyColumn& c : accuracyColumns()) page += " " + c.heading + " |";
