@@ -161,6 +161,39 @@ TEST(ComplexSingle, Length64IsNoLongerThanPromised) {
     }
 }
 
+// Scalar code has no twin, and vector code has one.
+TEST(ComplexSingle, ScalarCodeAndTwinsAreThoseOfTheTable) {
+    forComplexSingle(false, [](const ListedKernel& k) {
+        const DataRow& row = shapeRow(k.length);
+        EXPECT_EQ(library().has("owng" + k.name.substr(4) + "_unaligned"), row.flag("twin"));
+        const Trace trace = traceOf(k.name);
+        const BodyCounts c(trace);
+        const auto arithmetic = [&](Lanes lanes) {
+            return c.count(Kind::add, lanes) + c.count(Kind::multiply, lanes);
+        };
+        EXPECT_EQ(arithmetic(Lanes::packed32) == 0, row.flag("scalar"));
+        EXPECT_EQ(arithmetic(Lanes::scalar32) > 0, row.flag("scalar"));
+        bool single = true;  // every access is one of 4 bytes
+        for (const Step& s : trace.steps)
+            if (s.access && (s.access->region == Region::src || s.access->region == Region::dst))
+                single &= s.access->size == 4;
+        EXPECT_EQ(single, row.flag("scalar"));
+    });
+}
+
+// Where the columns of the first stage are a multiple of four, neighbours in memory are neighbours
+// in lanes: whole vectors are read, and nothing else.
+TEST(ComplexSingle, FullColumnsAreReadByWholeVectors) {
+    forComplexSingle(true, [](const ListedKernel& k) {
+        if (k.length % 16 != 0) return;
+        const Moves m = movesOf(traceOf(k.name));
+        EXPECT_TRUE(m.halfLoads.empty() && m.halfStores.empty());
+        EXPECT_EQ(m.wholeStores.size(), static_cast<std::size_t>(k.length / 2));
+        std::set<std::int64_t> places(m.wholeLoads.begin(), m.wholeLoads.end());
+        EXPECT_EQ(places.size(), static_cast<std::size_t>(k.length / 2));
+    });
+}
+
 // binary64 at lengths 3 and 5 only; scalars below length 6, vectors from there on.
 TEST(ComplexSingle, PrecisionAndLanes) {
     forComplexSingle(false, [](const ListedKernel& k) {
