@@ -103,6 +103,25 @@ TEST(ComplexInputs, NanReachesAsFarAsListed) {
     }
 }
 
+// The convolution carries a NaN to both parts of every output but the first. There it stays in its
+// own part, unless a twiddle of 1 has been multiplied into it on its way (0 times NaN is a NaN).
+TEST(ComplexInputs, NanSpreadsThroughTheConvolutionOfRaderKernels) {
+    for (const DataRow& row : dataTable("complex_f32_rader").rows()) {
+        bothDirections(static_cast<int>(row.integer("length")), [&](const ListedKernel& k) {
+            for (std::size_t at = 2; at < k.srcCount; ++at) {
+                Vector x = random(k.length);
+                x[at] = nan;
+                const Vector y = transform(k, x);
+                for (std::size_t i = 2; i < y.size(); ++i)
+                    EXPECT_TRUE(std::isnan(y[i])) << "input " << at << ", output " << i;
+                EXPECT_TRUE(std::isnan(y[at % 2])) << "input " << at;
+                const bool stays = at == 2 || row.empty("twiddle_orders");
+                EXPECT_FALSE(stays && std::isnan(y[1 - at % 2])) << "input " << at;
+            }
+        });
+    }
+}
+
 // The element behind src is multiplied by zero: no matter, unless it is no number.
 TEST(ComplexInputs, BluesteinKernelsReadOneElementBehind) {
     for (const DataRow& row : dataTable("complex_f32_bluestein").rows()) {
