@@ -17,7 +17,7 @@
  * What holds for every transform:
  *
  * Order of checks. A by-length function first tests the length (orvErrSize). Then src and dst are
- * tested for null (orvErrNullPtr), then the flag (orvErrFlag). A call that fails has written
+ * tested for null (orvErrNullPtr), then the flag (orvErrFlag). A transform that fails has written
  * nothing.
  * Order of data. Natural order on both sides, never bit-reversed.
  * Alignment. Any address that suits the element type. Where both buffers lie on 16-byte boundaries
@@ -181,7 +181,10 @@ ORVGEN_API const OrvLibraryVersion* orvgenGetLibVersion(void);
  *
  * DFTFwd_CToC, DFTInv_CToC (_32fc, _64fc): the complex discrete Fourier transform.
  *     forward   y[k] = s sum_j x[j] w^(jk)         inverse   y[k] = s sum_j x[j] w^(-jk)
- * src and dst hold N complex elements.
+ * src and dst hold N complex elements. At lengths 47 and 59 the _32fc kernels also read the 8 bytes
+ * behind src, which must be memory that can be read, holding any finite values; they have no
+ * effect. (With src on a 16-byte boundary it can always be read. An infinity or NaN there would
+ * make every output a NaN.)
  *
  * DFTFwd_RToCCS, DFTFwd_RToPack, DFTFwd_RToPerm (_32f, _64f): the forward transform of N real
  * samples. The spectrum X[k] = R[k] + i I[k] is Hermitian, so that bins 0 to N/2 say all; they are
@@ -265,7 +268,8 @@ ORVGEN_ORDER_FAMILIES(ORVGEN_DECLARE_ORDER_FAMILY)
  * Lengths: 2, 4, 8, 16, 32 and the powers of two from 64 up to 2^26 (_32f) and 2^25 (_64f). Others
  * give orvErrSize, but for 2^k + 1 from 33 on (_64f: from 9 on), which pass the test of lengths
  * although a run on them means nothing, and the largest powers of two, for which GetSize reports
- * too small a size. Init does not know how large the block is.
+ * too small a size. Init does not know how large the block is, and of a length that GetSize refuses
+ * it builds as far as it gets in mem before it refuses too: ask GetSize first.
  * Status: orvErrNullPtr for a null spec, mem, src or dst, and where InitAlloc finds no memory;
  * orvErrSize for a length, leaving *spec and *size as they were; orvErrPlan from a run on a plan
  * that Init did not finish. The size pointer is not tested for null.
