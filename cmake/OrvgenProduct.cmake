@@ -14,12 +14,14 @@ set(ORVGEN_PRODUCT_FLAGS
 list(TRANSFORM ORVGEN_PRODUCT_FLAGS REPLACE "^(-[^$]*)$" "$<$<COMPILE_LANGUAGE:C,CXX>:\\1>"
      OUTPUT_VARIABLE ORVGEN_PRODUCT_FLAGS)
 
-# orvgen_add_objects(NAME sources...): a part of the product, as an object library of that name.
+# orvgen_add_objects(NAME sources...): a part of the product, as the object library orvgen_NAME (a name that a project
+# which takes this one in by add_subdirectory will not have).
 function(orvgen_add_objects name)
-    add_library(${name} OBJECT ${ARGN})
-    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
-    target_compile_options(${name} PRIVATE ${ORVGEN_PRODUCT_FLAGS})
-    set_property(GLOBAL APPEND PROPERTY ORVGEN_OBJECTS ${name})
+    set(target orvgen_${name})
+    add_library(${target} OBJECT ${ARGN})
+    target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
+    target_compile_options(${target} PRIVATE ${ORVGEN_PRODUCT_FLAGS})
+    set_property(GLOBAL APPEND PROPERTY ORVGEN_OBJECTS ${target})
 endfunction()
 
 # orvgen_add_product(): the targets orvgen (shared) and orvgen_static, made of all objects handed in so far.

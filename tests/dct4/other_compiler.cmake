@@ -14,7 +14,7 @@ endif()
 # The product's flags for C++, without the generator expressions around them.
 string(REGEX MATCHALL "-f[A-Za-z-]+(=[a-z]+)?" flags "${ORVGEN_PRODUCT_FLAGS}")
 set(objects "")
-foreach(room dct4 dct4_32f dct4_64f)
+foreach(room orvgen_dct4 orvgen_dct4_32f orvgen_dct4_64f)
     get_target_property(sources ${room} SOURCES)
     get_target_property(folder ${room} SOURCE_DIR)
     string(REGEX MATCH "[0-9]+f$" width ${room})

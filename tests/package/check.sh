@@ -59,6 +59,7 @@ case $name in
             "$libdir/pkgconfig/orvgen.pc" "$libdir/cmake/orvgen/orvgenConfig.cmake"; do
             [[ -e $prefix/$file ]] || fail "not installed: $file"
         done
+        readelf -dW "$prefix/$libdir/liborvgenm7.so.6.1" | grep -qF 'Library runpath: [$ORIGIN]' || fail "the search path"
         ! grep -rq "$build\|$source" "$prefix/$libdir/cmake" "$prefix/$libdir/pkgconfig" || fail "paths of the build tree"
         pkg_config "$cc" use.c
         ;;

@@ -14,6 +14,19 @@ void expect(bool condition, const char* what) {
     ++failures;
 }
 
+void transform() {
+    static Orv32fc x[64], y[64];
+    static Orv64f a[256], b[256];
+    for (int i = 0; i < 64; ++i) x[i].re = 1;
+    for (int i = 0; i < 256; ++i) a[i] = 1;
+    expect(orvgDFTFwd_CToC_64_32fc(x, y, orvScaleNone) == orvOk, "status of the DFT");
+    expect(y[0].re == 64 && y[1].re == 0 && y[63].im == 0, "DFT of ones");
+    expect(orvgDFTFwd_CToC_32fc(x, y, 64, orvScaleFwdByN) == orvOk, "status by length");
+    expect(y[0].re == 1, "DFT of ones, scaled");
+    expect(orvgWHT_8_64f(a, b, orvScaleNone, nullptr) == orvOk, "status of the WHT");
+    expect(b[0] == 256 && b[1] == 0, "WHT of ones");
+}
+
 }  // namespace
 
 #define REFUSES_LENGTHS(NAME, T, LIST)                                                            \
@@ -32,6 +45,7 @@ int main() {
     ORVGEN_LENGTH_FAMILIES(REFUSES_LENGTHS)
     ORVGEN_ORDER_FAMILIES(REFUSES_ORDERS)
     ORVGEN_DCT4_FAMILIES(REFUSES_NULL)
+    transform();
     std::printf("used from C++: %d failures\n", failures);
     return failures != 0;
 }
