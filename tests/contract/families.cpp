@@ -2,6 +2,7 @@
 // by-length functions followed to the very kernel, and the names and numbers of the public header.
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstring>
 #include <map>
 #include <set>
@@ -180,6 +181,11 @@ TEST(Header, NamesAndNumbers) {
     for (const DataRow& row : dataTable("element_types").rows()) {
         EXPECT_EQ(static_cast<long>(types.at(row.text("name"))), row.integer("bytes"));
     }
+    // The real part stands first.
+    EXPECT_EQ(offsetof(Orv32fc, re), 0U);
+    EXPECT_EQ(offsetof(Orv32fc, im), sizeof(Orv32f));
+    EXPECT_EQ(offsetof(Orv64fc, re), 0U);
+    EXPECT_EQ(offsetof(Orv64fc, im), sizeof(Orv64f));
 }
 
 // Field by field as the table orders them, without the header's help.

@@ -12,6 +12,7 @@ namespace {
 
 thread_local sigjmp_buf resume;
 thread_local volatile std::uintptr_t faultAddress;
+thread_local volatile int faultSignal;
 thread_local volatile sig_atomic_t catching;
 
 extern "C" void onFault(int signal, siginfo_t* info, void*) {
@@ -20,6 +21,7 @@ extern "C" void onFault(int signal, siginfo_t* info, void*) {
         return;  // the fault happens again and ends the process
     }
     faultAddress = reinterpret_cast<std::uintptr_t>(info->si_addr);
+    faultSignal = signal;
     siglongjmp(resume, 1);
 }
 
@@ -45,15 +47,18 @@ void GuardedMemory::setReadOnly(bool readOnly) {
 }
 
 std::string catchFault(const std::function<void()>& work, const void* origin) {
-    struct sigaction ours = {}, oldSegv = {}, oldBus = {};
+    struct sigaction ours = {}, oldSegv = {}, oldBus = {}, oldFpe = {};
     ours.sa_sigaction = onFault;
     ours.sa_flags = SA_SIGINFO;
     sigaction(SIGSEGV, &ours, &oldSegv);
     sigaction(SIGBUS, &ours, &oldBus);
+    sigaction(SIGFPE, &ours, &oldFpe);
     std::string result;
     catching = 1;
     if (sigsetjmp(resume, 1) == 0) {
         work();
+    } else if (faultSignal == SIGFPE) {
+        result = "trap of the arithmetic";
     } else if (faultAddress == 0) {
         // What the processor reports for an aligned access off its boundary.
         result = "general protection fault (misaligned access or null)";
@@ -65,6 +70,7 @@ std::string catchFault(const std::function<void()>& work, const void* origin) {
     catching = 0;
     sigaction(SIGSEGV, &oldSegv, nullptr);
     sigaction(SIGBUS, &oldBus, nullptr);
+    sigaction(SIGFPE, &oldFpe, nullptr);
     return result;
 }
 

@@ -28,8 +28,9 @@ class GuardedMemory {
     std::size_t mapped = 0;
 };
 
-// Runs `work`; empty when it returns, else the address at which it touched forbidden memory, seen
-// from `origin`. The work must be plain code without anything to clean up.
+// Runs `work`; empty when it returns, else what stopped it: the address at which it touched
+// forbidden memory, seen from `origin`, or an exception of the arithmetic that the control word
+// does not mask. The work must be plain code without anything to clean up.
 std::string catchFault(const std::function<void()>& work, const void* origin);
 
 }  // namespace orvgen::test

@@ -66,6 +66,8 @@ INSTANTIATE_TEST_SUITE_P(
         Fault{"flag_before_null", "null: status -16"}, Fault{"no_dst_test", "null: status 0"},
         Fault{"no_dst_test", "null: touches data"}, Fault{"flag_as_mask", "flag 3: status 0"},
         Fault{"reads_before_gate", "flag 3: touches data"}, Fault{"flag_of_64_bits", "status -16"},
+        Fault{"flags_in_another_order", "flag not compared with 8, 4, 1 and 2"},
+        Fault{"needless_alignment_test", "off by 8 flag 8: another way"},
         Fault{"dead_code", "never runs"}));
 
 TEST(MachineCode, TakesSoundKernels) {

@@ -297,6 +297,12 @@ class KernelCheck {
         return s;
     }
 
+    static bool sameInstructions(const Trace& a, const Trace& b) {
+        return std::equal(
+            a.steps.begin(), a.steps.end(), b.steps.begin(), b.steps.end(),
+            [](const Step& x, const Step& y) { return x.instruction == y.instruction; });
+    }
+
     void refuses(const std::string& function, const CallSetup& setup, int status,
                  const Texts& names, const std::string& where) {
         const Trace t = trace(function, setup);
@@ -325,6 +331,23 @@ class KernelCheck {
             CallSetup s = misaligned(off, off);
             s.flag = flag;
             refuses(function, s, -16, names, where + " flag " + std::to_string(flag));
+            flagOrder(runIntegers(code, function, s), where);
+        }
+    }
+
+    // The most usual flag is recognised first.
+    void flagOrder(const Trace& t, const std::string& where) {
+        std::vector<std::int64_t> compared;
+        for (const Step& step : t.steps) {
+            const Operand& a = step.instruction->operands[0];
+            const Operand& b = step.instruction->operands[1];
+            if (step.instruction->mnemonic == "cmp" && a.type == Operand::Type::general &&
+                b.type == Operand::Type::immediate) {
+                compared.push_back(b.value);
+            }
+        }
+        if (compared != std::vector<std::int64_t>{8, 4, 1, 2}) {
+            add(where, {"flag not compared with 8, 4, 1 and 2 in turn"});
         }
     }
 
@@ -337,6 +360,15 @@ class KernelCheck {
             add(here, checkBody(t, rules));
             expectEntered(t, names, here);
             if (!t.calls.empty()) add(here, {"calls " + t.calls[0].name});
+            // Without a twin or a second body there is no alignment test: the same instructions
+            // run.
+            if (facts.twin.empty() && !facts.twoBodies) {
+                CallSetup aligned;
+                aligned.flag = flag;
+                if (!sameInstructions(t, runIntegers(code, function, aligned))) {
+                    add(here, {"another way than for aligned buffers"});
+                }
+            }
         }
         if (!facts.takesBuffer) return;
         setup.bufferNull = true;

@@ -58,7 +58,9 @@ struct KernelFacts {
     ShapeRules twinRules;      // of the twin or second body
 };
 
-// A kernel whole: gate and bodies under every flag, alignment and null pointer, twin included.
+// A kernel whole: gate and bodies under every flag, alignment and null pointer, twin included. The
+// gate compares the flag with 8, 4, 1 and 2 in this order, and tests the alignment only where there
+// is another body to choose.
 std::vector<std::string> checkKernel(const MachineCode& code, const KernelFacts& facts);
 
 // What one run does, but for its integer instructions.

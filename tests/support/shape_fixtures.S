@@ -254,6 +254,34 @@ FUNC flag_before_null
     ret
 END flag_before_null
 
+FUNC flags_in_another_order
+    test rdi, rdi
+    je 1f
+    test rsi, rsi
+    je 1f
+    cmp edx, 1
+    je 3f
+    cmp edx, 2
+    je 3f
+    cmp edx, 4
+    je 3f
+    cmp edx, 8
+    je 3f
+    mov eax, -16
+    ret
+1:  mov eax, -8
+    ret
+3:  REST
+END flags_in_another_order
+
+FUNC needless_alignment_test
+    GATE
+    test dil, 15
+    jne 4f
+    REST
+4:  REST
+END needless_alignment_test
+
 FUNC no_dst_test
     test rdi, rdi
     je 1f

@@ -1,12 +1,14 @@
 // Statuses and the size query; several calls at once.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <thread>
 
 #include "memory.h"
 #include "reference.h"
+#include "support/guarded.h"
 #include "wht/functions.h"
 
 namespace {
@@ -54,6 +56,30 @@ TYPED_TEST(Contract, SizeQueryRefusesOrders) {
         EXPECT_EQ(query(order, &size), orvErrSize) << order;
         EXPECT_EQ(size, -77) << order;
         EXPECT_EQ(query(order, nullptr), orvErrSize) << order;
+    }
+}
+
+// The size pointer is not tested: with a good order it is written to as it stands.
+TYPED_TEST(Contract, SizeQueryDoesNotTestItsPointer) {
+    const auto query = orderFunctions<TypeParam>()[0].bufferSize;
+    for (std::int32_t order = 1; order <= 13; ++order) {
+        EXPECT_NE(catchFault([&] { query(order, nullptr); }, nullptr), "") << order;
+    }
+}
+
+// Nor is the buffer's alignment: the accesses to it are aligned ones, in the twin too, and fault.
+TYPED_TEST(Contract, BufferOffItsBoundaryFaults) {
+    for (const auto& f : orderFunctions<TypeParam>()) {
+        if (f.bufferBytes() == 0) continue;
+        const AlignedArray<TypeParam> src(f.points()), dst(f.points());
+        std::fill(src.data(), src.data() + f.points(), TypeParam{1});
+        const AlignedArray<std::uint8_t> buffer(f.bufferBytes(), 8);
+        for (const auto call : {f.kernel, f.twin}) {
+            EXPECT_NE(catchFault([&] { call(src.data(), dst.data(), orvScaleNone, buffer.data()); },
+                                 nullptr),
+                      "")
+                << f.name;
+        }
     }
 }
 

@@ -232,6 +232,7 @@ std::string followSteps(const Kernel& k, const Trace& trace, bool twin) {
             if (in.mnemonic == "shufps" && in.operands[2].value != 0xee)
                 return step.what + ": " + in.text;
             if (at->access && at->access->region == Region::frame && in.vector()) {
+                if (at->access->size == 16 && !in.aligned) return step.what + ": " + in.text;
                 frameStores |= at->access->store;
                 if (at->access->load) frameLoads.insert(at->access->offset);
             }
