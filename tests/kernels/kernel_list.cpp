@@ -62,8 +62,11 @@ ListedKernel listed(const std::string& name, const std::string& type, const Row<
     k.dispatch = [byLength, length = length](const void* src, void* dst, std::int32_t flag) {
         return byLength(static_cast<const T*>(src), static_cast<T*>(dst), length, flag);
     };
+    k.plainKernel = reinterpret_cast<PlainFunction>(fixed);
+    k.plainDispatcher = reinterpret_cast<PlainFunction>(byLength);
     if (twin != nullptr) {
         k.twin = untyped(twin);
+        k.plainTwin = reinterpret_cast<PlainFunction>(twin);
         k.twinName = "owng" + k.name.substr(4) + "_unaligned";
     }
     k.twoBodies = type == "64fc" && length < firstTwin;

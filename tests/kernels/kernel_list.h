@@ -14,6 +14,8 @@ namespace orvgen::test {
 
 // A kernel's functions on untyped buffers.
 using KernelCall = std::function<std::int32_t(const void* src, void* dst, std::int32_t flag)>;
+// Any function, for those who make calls of their own.
+using PlainFunction = void (*)();
 
 struct ListedKernel {
     std::string name;    // orvgDFTFwd_CToC_16_32fc
@@ -26,6 +28,7 @@ struct ListedKernel {
     KernelCall twin;      // empty: none
     std::string twinName;
     bool twoBodies = false;
+    PlainFunction plainKernel = nullptr, plainDispatcher = nullptr, plainTwin = nullptr;
 
     // Reals in src and dst.
     std::size_t srcCount = 0, dstCount = 0;
