@@ -17,6 +17,11 @@ install(FILES ${PROJECT_BINARY_DIR}/orvgenConfigVersion.cmake DESTINATION ${pack
 # The prefix of the pkg-config file is found from its own place, so that an installed tree can be moved.
 file(RELATIVE_PATH up "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
 string(REGEX REPLACE "/$" "" up "${up}")
+# Below the prefix, unless they were given as absolute paths, which APPEND lets stand alone.
+set(pc_libdir "\${prefix}")
+cmake_path(APPEND pc_libdir "${CMAKE_INSTALL_LIBDIR}")
+set(pc_includedir "\${prefix}")
+cmake_path(APPEND pc_includedir "${CMAKE_INSTALL_INCLUDEDIR}")
 configure_file(${PROJECT_SOURCE_DIR}/cmake/orvgen.pc.in ${PROJECT_BINARY_DIR}/orvgen.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/orvgen.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)

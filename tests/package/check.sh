@@ -18,11 +18,12 @@ install_package() {
     "$cmake" --install "$build" --prefix "$prefix" "$@" >"$folder/install.log" || fail "$(cat "$folder/install.log")"
 }
 
-# By CMake, from the installed package (find) or from the source tree (subdirectory), in one language.
+# By CMake, from the installed package (find) or from the source tree (subdirectory), in one language; further arguments
+# go to cmake.
 configure_consumer() {
     "$cmake" -S "$here/consumer" -B "$folder/build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" -DCONSUMER_BY="$1" \
         -DCONSUMER_LANGUAGE="$2" -DORVGEN_SOURCE="$source" -DCMAKE_C_COMPILER="$cc" -DCMAKE_CXX_COMPILER="$cxx" \
-        >"$folder/log" 2>&1 || fail "$(cat "$folder/log")"
+        "${@:3}" >"$folder/log" 2>&1 || fail "$(cat "$folder/log")"
 }
 consume() {
     configure_consumer "$@"
@@ -47,7 +48,8 @@ case $name in
     pkg_config_cpp) install_package; pkg_config "$cxx" use.cpp ;;
     add_subdirectory)
         # Configured, and the build planned; building the library once more would show nothing new.
-        configure_consumer subdirectory CXX
+        configure_consumer subdirectory CXX -DCMAKE_INSTALL_LIBDIR=/opt/apart
+        grep -qx 'libdir=/opt/apart' "$folder/build/orvgen/orvgen.pc" || fail "an absolute folder in orvgen.pc"
         ninja -C "$folder/build" -n -v consumer >"$folder/plan" || fail "$(cat "$folder/plan")"
         grep -q "liborvgenm7.so" "$folder/plan" || fail "the consumer does not link the library"
         ;;
