@@ -55,17 +55,23 @@ ORVGEN_DCT4_INLINE Lanes64f loadAligned(const double* p) { return {_mm_load_pd(p
 ORVGEN_DCT4_INLINE void storeAligned(float* p, Lanes32f x) { _mm_store_ps(p, x.v); }
 ORVGEN_DCT4_INLINE void storeAligned(double* p, Lanes64f x) { _mm_store_pd(p, x.v); }
 
+// One element in the lowest lane. The zeros are of the element's type: an integer zero, as the
+// header of clang has it, would be converted at run time, the rounding mode being unknown.
+ORVGEN_DCT4_INLINE __m128 loadSingle(const float* p) {
+    return apart(__m128{loadElement(p), 0.0F, 0.0F, 0.0F});
+}
+ORVGEN_DCT4_INLINE __m128d loadSingle(const double* p) {
+    return apart(__m128d{loadElement(p), 0.0});
+}
+
 // Lane l from p[l * step].
 ORVGEN_DCT4_INLINE Lanes32f gather(const float* p, std::ptrdiff_t step) {
-    const auto single = [](const float* at) ORVGEN_DCT4_INLINE_LAMBDA {
-        return apart(_mm_set_ss(loadElement(at)));
-    };
-    const __m128 x0 = single(p), x1 = single(p + step);
-    const __m128 x2 = single(p + 2 * step), x3 = single(p + 3 * step);
+    const __m128 x0 = loadSingle(p), x1 = loadSingle(p + step);
+    const __m128 x2 = loadSingle(p + 2 * step), x3 = loadSingle(p + 3 * step);
     return {_mm_movelh_ps(_mm_unpacklo_ps(x0, x1), _mm_unpacklo_ps(x2, x3))};
 }
 ORVGEN_DCT4_INLINE Lanes64f gather(const double* p, std::ptrdiff_t step) {
-    return {_mm_loadh_pd(apart(_mm_set_sd(loadElement(p))), p + step)};
+    return {_mm_loadh_pd(loadSingle(p), p + step)};
 }
 
 // Lane l to p[l * step].
@@ -82,15 +88,30 @@ ORVGEN_DCT4_INLINE void scatter(double* p, std::ptrdiff_t step, Lanes64f x) {
     storeElement(p + step, apart(x.v)[1]);
 }
 
+// The multipliers of the kernels, cos(j pi / 64) in all lanes of a vector, j = 0 .. 64. They stand
+// in memory of their own: of a literal the compiler may keep one number and spread it into the
+// lanes.
+template <class Real>
+struct Multipliers {
+    alignas(16) Real cosines[65][16 / sizeof(Real)];
+};
+[[gnu::visibility("hidden")]] extern const Multipliers<float> multipliers32f;
+[[gnu::visibility("hidden")]] extern const Multipliers<double> multipliers64f;
+
 template <class Real>
 struct Values<Lanes<Real>> {
     template <Trig which, int num, int den>
     ORVGEN_DCT4_INLINE static Lanes<Real> of(Constant<which, num, den> constant) {
-        constexpr Real value = valueOf<Real>(Constant<which, num, den>{});
+        constexpr int steps = stepsOf(Constant<which, num, den>{});
+        static_assert(steps % 2 == 0);
         static_cast<void>(constant);
-        return spread(value);
+        if constexpr (sizeof(Real) == sizeof(float)) {
+            return loadAligned(multipliers32f.cosines[steps / 2]);
+        } else {
+            return loadAligned(multipliers64f.cosines[steps / 2]);
+        }
     }
-    ORVGEN_DCT4_INLINE static Lanes<Real> zero() { return spread(Real{0}); }
+    ORVGEN_DCT4_INLINE static Lanes<Real> zero() { return spread(Real()); }
 };
 
 }  // namespace orvgen::dct4

@@ -103,23 +103,32 @@ enum class Trig { cosine, sine, tangent };
 template <Trig which, int num, int den>
 struct Constant {};
 
-// The value in Real. An angle is reduced in whole 128ths of pi, so that equal values come from one
-// entry of the table and opposite ones differ in the sign alone.
+// The angle from 0 to pi that has the same cosine (for a sine: has it as its cosine), in 128ths of
+// pi: sin(x) = cos(x - pi / 2), a full turn is 256 steps, and cos(2 pi - x) = cos(x).
+template <Trig which, int num, int den>
+constexpr int stepsOf(Constant<which, num, den>) {
+    static_assert(which != Trig::tangent && 128 % den == 0 && num >= 0);
+    constexpr int turn = (num * (128 / den) + (which == Trig::sine ? 192 : 0)) % 256;
+    return turn <= 128 ? turn : 256 - turn;
+}
+
+// The cosine of an angle from 0 to pi. Equal values come from one entry of the table, and opposite
+// ones differ in the sign alone.
+template <class Real>
+constexpr Real cosineOf(int steps) {
+    return steps <= 64 ? FixedAngles<Real>::cosines[steps]
+                       : -FixedAngles<Real>::cosines[128 - steps];
+}
+
+// The value of a constant in Real.
 template <class Real, Trig which, int num, int den>
-constexpr Real valueOf(Constant<which, num, den>) {
+constexpr Real valueOf(Constant<which, num, den> constant) {
     if constexpr (which == Trig::tangent) {
         static_assert(den == 32 && (num == 5 || num == 7));
+        static_cast<void>(constant);
         return FixedAngles<Real>::tangents[num == 7];
     } else {
-        static_assert(128 % den == 0 && num >= 0);
-        // sin(x) = cos(x - pi / 2); a full turn is 256 steps, and cos(2 pi - x) = cos(x).
-        constexpr int turn = (num * (128 / den) + (which == Trig::sine ? 192 : 0)) % 256;
-        constexpr int half = turn <= 128 ? turn : 256 - turn;
-        if constexpr (half <= 64) {
-            return FixedAngles<Real>::cosines[half];
-        } else {
-            return -FixedAngles<Real>::cosines[128 - half];
-        }
+        return cosineOf<Real>(stepsOf(constant));
     }
 }
 
