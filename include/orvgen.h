@@ -267,9 +267,10 @@ ORVGEN_ORDER_FAMILIES(ORVGEN_DECLARE_ORDER_FAMILY)
  *
  * Lengths: 2, 4, 8, 16, 32 and the powers of two from 64 up to 2^26 (_32f) and 2^25 (_64f). Others
  * give orvErrSize, but for 2^k + 1 from 33 on (_64f: from 9 on), which pass the test of lengths
- * although a run on them means nothing, and the largest powers of two, for which GetSize reports
- * too small a size. Init does not know how large the block is, and of a length that GetSize refuses
- * it builds as far as it gets in mem before it refuses too: ask GetSize first.
+ * although a run on them means nothing, and reads src[len] and writes dst[len], one element beyond
+ * the end, and the largest powers of two, for which GetSize reports too small a size. Init does not
+ * know how large the block is, and of a length that GetSize refuses it builds as far as it gets in
+ * mem before it refuses too: ask GetSize first.
  * Status: orvErrNullPtr for a null spec, mem, src or dst, and where InitAlloc finds no memory;
  * orvErrSize for a length, leaving *spec and *size as they were; orvErrPlan from a run on a plan
  * that Init did not finish. The size pointer is not tested for null.

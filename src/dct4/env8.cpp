@@ -1,4 +1,5 @@
-// The join of a recursion level: its node, and its table of twiddles.
+// The join of a recursion level: its node, its table of twiddles, and where its kernel finds what.
+#include "dct4/joins.h"
 #include "dct4/operations.h"
 #include "dct4/radix.h"
 #include "dct4/trig.h"
@@ -17,6 +18,10 @@ Real sinPi(Real x) { return orvgSinPi_64f(x); }
 #endif
 
 std::int32_t tableVectors(const Env8Sizes& sizes) { return sizes.m * (2 * sizes.r - 2); }
+
+// Vectors of one d in the first part of the table: all of them up to r' = 8, beyond that the three
+// twiddles of each 4-point transform.
+std::int32_t firstVectors(std::int32_t r) { return r <= 8 ? 2 * r - 2 : 6 * (r / 4); }
 
 // Fills the table front to back. Every angle starts at the frequency of block d,
 // (2d + 1) / (2n'), in the family's type.
@@ -110,6 +115,34 @@ void FAMILY(env8___del__)(NodeHeader* header) {
     }
     dropChildren(arena, node->children);
 }
+
+// The inner results lie from c0 on in src, the joined ones from c1 on in dst.
+OrvStatus FAMILY(env8_compute)(const Env8* node, Real* dst, const Real* src, std::int32_t c0,
+                               std::int32_t c1) {
+    return joinKernel(node->rule, joinWalk(*node, dst + c1, src + c0));
+}
+}
+
+// Results Z(2m' f + d) run up with d, Z(2m' q + 2m' - 1 - d) down.
+JoinWalk joinWalk(const Env8& node, Real* dst, const Real* src) {
+    const std::ptrdiff_t stride = node.sizes.stride;
+    const std::ptrdiff_t m = node.sizes.m;
+    const std::int32_t r = node.sizes.r;
+    const std::int32_t first = firstVectors(r);
+    return {.src = src,
+            .sourceStride = stride,
+            .sourceStep = node.sizes.blockStride,
+            .first = node.table,
+            .firstStep = first * lanes,
+            .second = node.table + m * first * lanes,
+            .secondStep = (2 * r - 2 - first) * lanes,
+            .up = dst,
+            .down = dst + (2 * m - 1) * 2 * stride,
+            .resultStride = 2 * m * 2 * stride,
+            .componentStride = stride,
+            .upStep = 2 * stride,
+            .downStep = -2 * stride,
+            .count = node.sizes.m};
 }
 
 }  // namespace ORVGEN_DCT4_NAMESPACE

@@ -14,9 +14,9 @@ template <int n>
 [[gnu::noinline]] OrvStatus oddFrequencyLoop(const SequenceWalk& walk) {
     const std::ptrdiff_t stride = walk.sampleStride;
     const std::ptrdiff_t component = walk.componentStride;
-    const Real* up = walk.src + walk.start;
-    const Real* down = walk.src + walk.mirrored;
-    Real* out = walk.dst;
+    const Real* up = walk.src + walk.a;
+    const Real* down = walk.src + walk.a + walk.b;
+    Real* out = walk.dst + walk.c;
     for (std::int32_t i = 0; i < walk.count; ++i) {
         oddFrequency<n, Vector>(
             [&](auto t) ORVGEN_DCT4_INLINE_LAMBDA {

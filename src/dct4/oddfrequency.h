@@ -9,20 +9,19 @@
 namespace orvgen::dct4 {
 inline namespace ORVGEN_DCT4_NAMESPACE {
 
-// A sequence has a start and a stride. The samples of its first half run up from the start, those
-// of its second half, the mirrored ones, down from 2N - 1 less the start; lane l has the start l
-// further on. Results have their real and imaginary parts alternating in steps of the component
-// stride.
+// Sequences of one stride. The samples of a sequence's first half run up from position a, those of
+// its second half, the mirrored ones, down from a + b = 2N - 1 - a; lane l has the start l further
+// on. Results stand from position c on, real and imaginary parts alternating in steps of the
+// component stride.
 struct SequenceWalk {
     const Real* src;
-    std::ptrdiff_t start;     // of the first group
-    std::ptrdiff_t mirrored;  // 2N - 1 - start
-    std::ptrdiff_t sampleStride;
     Real* dst;
+    std::int32_t a, b, c;  // of the first group
+    std::ptrdiff_t sampleStride;
     std::ptrdiff_t componentStride;
-    std::int32_t count;         // groups
-    std::ptrdiff_t sourceStep;  // from group to group
-    std::ptrdiff_t dstStep;
+    std::int32_t count;       // groups
+    std::int32_t sourceStep;  // from group to group: a moves on by it, a + b back
+    std::int32_t dstStep;
 };
 
 // Runs the kernel of a rule 1 to 6, size 2 to 64; any other rule gives orvErrPlan.

@@ -78,13 +78,17 @@ struct Env4 : NodeHeader {
     const NodeHeader* twiddle;  // the envfsplit
 };
 
-struct Env5 : NodeHeader {
+// What env5 and env9 begin with: odd-frequency transforms of n points, by a kernel or an env7.
+struct TransformNode : NodeHeader {
     EnvList* children;  // empty where n has a kernel
     EnvList* recursionRole;
     void* reserved;
     std::int32_t rule;
     std::int32_t n;
     std::int32_t length;
+};
+
+struct Env5 : TransformNode {
     std::int32_t mirror;
     std::int32_t blockLength;
     std::int32_t groups;  // r / lanes
@@ -129,13 +133,7 @@ struct Env8 : NodeHeader {
     const NodeHeader* frequency;  // the envlambda
 };
 
-struct Env9 : NodeHeader {
-    EnvList* children;
-    EnvList* recursionRole;
-    void* reserved;
-    std::int32_t rule;
-    std::int32_t n;
-    std::int32_t length;
+struct Env9 : TransformNode {
     std::int32_t lengthAgain;
     std::int32_t inStride;        // from sample to sample of one sequence
     std::int32_t sequenceStride;  // from sequence to sequence
