@@ -118,6 +118,21 @@ class DirectSums {
     DirectPairs pairs_;
 };
 
+// a = x[u] + x[n-u] and d = x[u] - x[n-u].
+template <class V>
+struct PairSums {
+    std::vector<V> a, d;
+
+    PairSums(const std::vector<long>& pairs, const std::vector<V>& x) {
+        for (const long u : pairs) {
+            const V first = narrow(x[static_cast<std::size_t>(u)]);
+            const V second = narrow(x[x.size() - static_cast<std::size_t>(u)]);
+            a.push_back(first + second);
+            d.push_back(first - second);
+        }
+    }
+};
+
 template <class V>
 V sumOf(const std::vector<V>& a) {
     V sum = a[0];
@@ -161,17 +176,12 @@ Bins<V> directReal(Flow<V>& flow, int n, long e, const std::vector<V>& x) {
     }
     if (n != 5 && n != 7 && n != 11) throw std::logic_error("no direct block of this length");
     const DirectSums<V> sums(flow, n);
-    std::vector<V> a, d;
-    for (const long u : sums.pairs()) {
-        const V first = narrow(x[static_cast<std::size_t>(u)]);
-        const V second = narrow(x[static_cast<std::size_t>(n - u)]);
-        a.push_back(first + second);
-        d.push_back(first - second);
-    }
+    const PairSums<V> terms(sums.pairs(), x);
     const V x0 = narrow(x[0]);
-    Bins<V> half{{sumOf(a) + x0, {}}};
+    Bins<V> half{{sumOf(terms.a) + x0, {}}};
     for (long k = 1; k <= n / 2; ++k)
-        half.push_back({sums.cosine(e * k, flow.operand(x[0]), a), sums.sine(-e * k, d)});
+        half.push_back(
+            {sums.cosine(e * k, flow.operand(x[0]), terms.a), sums.sine(-e * k, terms.d)});
     return half;
 }
 

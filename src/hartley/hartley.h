@@ -42,9 +42,31 @@ std::vector<V> eightPoints(const std::vector<V>& x) {
             (e + f) - (g + h), (u - p) + (v - q), (e - f) - (g - h), (u + p) - (v + q)};
 }
 
+// Lengths 5, 7 and 11 take the sine sum of the direct block as it stands, first term positive,
+// where the forward transform has minus that sum. The sums differ in the sign of a zero and in
+// directed rounding.
+template <class V>
+std::vector<V> directPoints(int n, const std::vector<V>& x) {
+    const flows::DirectPairs pairs(n);
+    const flows::PairSums<V> sums(pairs.u, x);
+    std::vector<V> h(x.size());
+    h[0] = flows::sumOf(sums.a) + x[0];
+    for (std::size_t k = 1; 2 * k < x.size(); ++k) {
+        const auto bin = static_cast<long>(k);
+        const V c = narrow(flows::cosineSum(pairs, n, bin, x[0], sums.a));
+        const V s = narrow(flows::sineSum(pairs, n, bin, sums.d));
+        h[k] = c + s;
+        h[x.size() - k] = c - s;
+    }
+    return h;
+}
+
+// Lengths whose last layer is written out here.
+inline bool hasOwnLastLayer(int n) { return n == 5 || n == 7 || n == 8 || n == 11; }
+
 template <class V>
 std::vector<V> throughForward(int n, const std::vector<V>& x, kernelgen::Graph* graph) {
-    if (n == 8) return eightPoints(x);
+    if (hasOwnLastLayer(n)) return n == 8 ? eightPoints(x) : directPoints(n, x);
     const flows::Bins<V> bins = realdft::forwardBins(n, x, graph);
     if (graph != nullptr) graph->stage("sum and difference of the two parts of each bin");
     std::vector<V> h(x.size());

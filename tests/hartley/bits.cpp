@@ -35,11 +35,11 @@ TYPED_TEST(HartleyBits, SmallLengthsAreTheirWrittenForms) {
     using T = TypeParam;
     for (const int n : {2, 3, 4, 5, 6, 7, 8, 11})
         for (const double scale : storedScales<T>(n))
-            for (unsigned seed = 0; seed < 20; ++seed) {
-                const auto x = randomValues<T>(n, seed);
-                EXPECT_TRUE(sameBits(transform(x, scale), BaseForms<RulesOf<T>>::hartley(x, scale)))
-                    << n << " seed " << seed;
-            }
+            for (unsigned seed = 0; seed < 200; ++seed)
+                for (const auto& x : {randomValues<T>(n, seed), signedUnits<T>(n, seed)})
+                    EXPECT_TRUE(
+                        sameBits(transform(x, scale), BaseForms<RulesOf<T>>::hartley(x, scale)))
+                        << n << " seed " << seed;
 }
 
 // H[k] is the sum of R[k] and -I[k], H[N-k] that of R[k] and I[k], in the type of the data.

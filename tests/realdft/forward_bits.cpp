@@ -73,15 +73,16 @@ TYPED_TEST(ForwardBits, BaseFormsByHand) {
     for (const int n : {2, 3, 4, 5, 6, 7, 8, 11}) {
         const Graph g = realdft::forwardGraph(n, Format::Ccs, arithmeticOf<TypeParam>);
         for (unsigned seed = 0; seed < 200; ++seed) {
-            const auto x = samples<TypeParam>(n, seed);
-            for (const double scale : storedScales<TypeParam>(n)) {
-                const auto y = run(g, Format::Ccs, n, x, scale);
-                const auto X = Forms::forward(x, scale);
-                for (int k = 0; 2 * k <= n; ++k) {
-                    const auto i = static_cast<std::size_t>(k);
-                    ASSERT_TRUE(sameBits(y[2 * i], X.re[i])) << n << " R " << k;
-                    if (k > 0 && 2 * k < n) {
-                        ASSERT_TRUE(sameBits(y[2 * i + 1], X.im[i])) << n << " I " << k;
+            for (const auto& x : {samples<TypeParam>(n, seed), signedUnits<TypeParam>(n, seed)}) {
+                for (const double scale : storedScales<TypeParam>(n)) {
+                    const auto y = run(g, Format::Ccs, n, x, scale);
+                    const auto X = Forms::forward(x, scale);
+                    for (int k = 0; 2 * k <= n; ++k) {
+                        const auto i = static_cast<std::size_t>(k);
+                        ASSERT_TRUE(sameBits(y[2 * i], X.re[i])) << n << " R " << k;
+                        if (k > 0 && 2 * k < n) {
+                            ASSERT_TRUE(sameBits(y[2 * i + 1], X.im[i])) << n << " I " << k;
+                        }
                     }
                 }
             }

@@ -75,13 +75,14 @@ TYPED_TEST(InverseBits, SmallLengthsAreTheirWrittenForms) {
     for (const int n : {2, 3, 4, 5, 6, 7, 8})
         for (const Format format : kPackedFormats)
             for (const double scale : storedScales<T>(n))
-                for (unsigned seed = 0; seed < 20; ++seed) {
-                    const auto X = randomSpectrum<T>(n, seed);
-                    EXPECT_TRUE(sameBits(
-                        invert<T>(n, format, packed(X, n, format), scale),
-                        BaseForms<RulesOf<T>>::inverse(X, n, scale, format == Format::Ccs)))
-                        << n << " " << realdft::formatName(format) << " seed " << seed;
-                }
+                for (unsigned seed = 0; seed < 100; ++seed)
+                    for (const auto& X :
+                         {randomSpectrum<T>(n, seed),
+                          {signedUnits<T>(n / 2 + 1, seed), signedUnits<T>(n / 2 + 1, ~seed)}})
+                        EXPECT_TRUE(sameBits(
+                            invert<T>(n, format, packed(X, n, format), scale),
+                            BaseForms<RulesOf<T>>::inverse(X, n, scale, format == Format::Ccs)))
+                            << n << " " << realdft::formatName(format) << " seed " << seed;
 }
 
 TEST(InverseBits, SevenPointCosineOfOneConstant) {

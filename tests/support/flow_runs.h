@@ -1,4 +1,5 @@
-// Scalar flows by their bits: what the tests of the forward, the inverse and the Hartley flows share.
+// Scalar flows by their bits: what the tests of the forward, the inverse and the Hartley flows
+// share.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -41,6 +42,16 @@ std::vector<T> randomValues(int count, unsigned seed) {
     return x;
 }
 
+// 0, -0, 1 and -1 at random: sums of these show the sign of each zero.
+template <class T>
+std::vector<T> signedUnits(int count, unsigned seed) {
+    std::mt19937 random(seed);
+    const T units[] = {T(0), -T(0), T(1), T(-1)};
+    std::vector<T> x(static_cast<std::size_t>(count));
+    for (T& v : x) v = units[random() % (seed % 2 == 0 ? 2 : 4)];
+    return x;
+}
+
 // The three factors that the flags select, as the kernels store them.
 template <class T>
 std::vector<double> storedScales(int n) {
@@ -59,8 +70,8 @@ bool sameBits(const std::vector<T>& a, const std::vector<T>& b) {
                       [](T x, T y) { return sameBits(x, y); });
 }
 
-// The samples as plain numbers that round as the flow's values do, and results of such a run, scaled
-// and stored.
+// The samples as plain numbers that round as the flow's values do, and results of such a run,
+// scaled and stored.
 template <class T>
 using PlainNumber = kernelgen::Number<arithmeticOf<T>>;
 template <class T>

@@ -7,6 +7,7 @@
 // other sets each get one of these wrong, so that a test can show that it would notice.
 #pragma once
 
+#include <array>
 #include <boost/multiprecision/cpp_bin_float.hpp>
 #include <stdexcept>
 #include <vector>
@@ -311,9 +312,10 @@ struct BaseForms {
                 const Sample e = R[0] + R[3], f = R[0] - R[3];
                 const Sample A1 = twice(R[1]), A2 = twice(R[2]);
                 const Sample B1 = twice(I[1]), B2 = twice(I[2]);
-                // even outputs: bins 1 and 4 (2 conjugated) fold; odd outputs: their difference
-                threeBack(y, 0, e, A1 + A2, B1 - B2, s);
-                threeBack(y, 3, f, A2 - A1, -(B1 + B2), s);
+                // bins 2 and 5 (1 conjugated) fold: even outputs from their sum, odd ones from
+                // their difference
+                threeBack(y, {0, 4, 2}, e, A2 + A1, B2 - B1, s);
+                threeBack(y, {3, 1, 5}, f, A2 - A1, B2 + B1, s);
                 return y;
             }
             case 8: {
@@ -375,13 +377,14 @@ struct BaseForms {
             sine = lone(kSin60, static_cast<double>(d));
         }
     };
-    // Outputs first, first + 2, first + 4 (modulo 6) of a 3-point inverse.
-    static void threeBack(Samples& y, std::size_t first, Sample Z0, Sample A, Sample B, double s) {
+    // Three outputs of a 3-point inverse.
+    static void threeBack(Samples& y, const std::array<std::size_t, 3>& at, Sample Z0, Sample A,
+                          Sample B, double s) {
         const Narrowed C = narrow(static_cast<double>(Z0) - times(0.5, A));
         const Narrowed S = lone(kSin60, static_cast<double>(B));
-        y[first] = scaled(Z0 + A, s);
-        y[(first + 2) % 6] = scaled(C - S, s);
-        y[(first + 4) % 6] = scaled(C + S, s);
+        y[at[0]] = scaled(Z0 + A, s);
+        y[at[1]] = scaled(C - S, s);
+        y[at[2]] = scaled(C + S, s);
     }
     struct Eight {
         Sample e, f, g, h, u, v;
