@@ -228,12 +228,13 @@ ORVGEN_LENGTH_FAMILIES(ORVGEN_DECLARE_LENGTH_FAMILY)
  * is the natural one (Sylvester's). Its own inverse up to the factor N. Mind that the by-order
  * function takes the order before the flag; an order outside 1 to 13 gives orvErrSize.
  *
- * buffer is scratch memory, on a 16-byte boundary, of the size in bytes that
- * orvgWHTGetBufferSize_<T> stores (0 for orders 1 to 7, which ignore it). Nothing in it needs to be
- * set, and nothing in it is kept. It may not overlap src or dst. Where it is null, orders 8 to 13
- * allocate the block for the time of the call; there is no status for memory that runs out there,
- * so that a caller who cannot accept that passes a buffer. The size query leaves *size as it was
- * when it fails; it does not test the pointer for null. */
+ * buffer is scratch memory of the size in bytes that orvgWHTGetBufferSize_<T> stores (0 for orders
+ * 1 to 7, which may be given any pointer), on a 16-byte boundary, which is not tested: off it the
+ * call faults. Nothing in it needs to be set, and nothing in it is kept. It may not overlap src or
+ * dst. Where it is null, orders 8 to 13 allocate the block for the time of the call; there is no
+ * status for memory that runs out there, so that a caller who cannot accept that passes a buffer.
+ * The size query refuses orders outside 1 to 13 with orvErrSize and leaves *size as it was; it does
+ * not test the pointer for null. */
 
 #define ORVGEN_DECLARE_ORDER(NAME, K, T)                                                      \
     ORVGEN_API OrvStatus orvg##NAME##_##K##_##T(const Orv##T* src, Orv##T* dst, int32_t flag, \
@@ -249,8 +250,8 @@ ORVGEN_ORDER_FAMILIES(ORVGEN_DECLARE_ORDER_FAMILY)
 /* ---- DCT-IV ----------------------------------------------------------------------------------
  *
  * y[k] = sum_j x[j] cos(pi/N (j + 1/2)(k + 1/2)), without any scale: applied twice it gives N/2
- * times the input. The one transform that works through a plan, which is built once for a length
- * and run many times.
+ * times the input. src and dst hold N elements. The one transform that works through a plan, which
+ * is built once for a length and run many times.
  *
  *     OrvStatus orvgDCT4InitAlloc_<T>(OrvDCT4Spec_<T>** spec, int32_t len);
  *     OrvStatus orvgDCT4_<T>(const Orv<T>* src, Orv<T>* dst, OrvDCT4Spec_<T>* spec);

@@ -59,6 +59,7 @@ TYPED_TEST(Contract, SizeQueryRefusesOrders) {
     }
 }
 
+#ifndef __SANITIZE_ADDRESS__  // which ends the program at a store to null
 // The size pointer is not tested: with a good order it is written to as it stands.
 TYPED_TEST(Contract, SizeQueryDoesNotTestItsPointer) {
     const auto query = orderFunctions<TypeParam>()[0].bufferSize;
@@ -67,7 +68,10 @@ TYPED_TEST(Contract, SizeQueryDoesNotTestItsPointer) {
     }
 }
 
-// Nor is the buffer's alignment: the accesses to it are aligned ones, in the twin too, and fault.
+#endif
+
+// The buffer's alignment is not tested: the accesses to it are aligned ones, in the twin too, and
+// fault.
 TYPED_TEST(Contract, BufferOffItsBoundaryFaults) {
     for (const auto& f : orderFunctions<TypeParam>()) {
         if (f.bufferBytes() == 0) continue;

@@ -202,6 +202,15 @@ std::string checkMove(const Kernel& k, const Step& step, bool twin) {
     return good ? "" : "moves data by " + in.text;
 }
 
+// A pointer or counter set or moved on, with nothing looked up; the loop's branch.
+bool runsOn(const Instruction& in) {
+    if (in.mnemonic == "jne") return true;
+    if (in.mnemonic == "lea") return in.operands[1].index < 0;
+    return (in.mnemonic == "add" || in.mnemonic == "sub" || in.mnemonic == "mov") &&
+           in.operands[0].type == Operand::Type::general &&
+           in.operands[1].type == Operand::Type::immediate;
+}
+
 // Follows a run through the steps; what is wrong, empty when all is well.
 std::string followSteps(const Kernel& k, const Trace& trace, bool twin) {
     auto at = trace.steps.begin();
@@ -221,9 +230,15 @@ std::string followSteps(const Kernel& k, const Trace& trace, bool twin) {
         std::set<Place> read;
         std::map<std::string, long> done;
         std::set<std::int64_t> frameLoads;
+        int integers = 0;
         bool frameStores = false;
         for (; at != end && !step.writes.empty(); ++at) {
             const Instruction& in = *at->instruction;
+            // Between data: pointers and counters move on by constants, up to two loops at once.
+            if (!in.vector() && in.kind != Kind::nop && k.passes()) {
+                if (!runsOn(in) || ++integers > 10)
+                    return step.what + ": index arithmetic, " + in.text;
+            }
             if (in.kind == Kind::shuffle) ++done[in.mnemonic];
             if (in.kind == Kind::add) ++done["add"];
             if (in.kind == Kind::multiply) ++done["multiply"];
