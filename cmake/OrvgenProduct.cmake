@@ -38,8 +38,9 @@ function(orvgen_add_product)
         OUTPUT_NAME orvgenm7 VERSION 6.1 SOVERSION 6.1
         # The C driver: the C++ one would bring in the C++ runtime.
         LINKER_LANGUAGE C
-        # The stand-in core library lies beside the product, in the build tree as where both are installed.
-        BUILD_RPATH_USE_ORIGIN ON INSTALL_RPATH "$ORIGIN"
+        # The stand-in core library lies beside the product, in the build tree as where both are installed; so the
+        # file that is tested is the one that is installed.
+        BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "$ORIGIN"
         LINK_DEPENDS ${ORVGEN_VERSION_SCRIPT})
     target_link_options(orvgen PRIVATE
         # No start files: they bring initialisers and writable data. Calls and tables of functions inside the library

@@ -139,6 +139,12 @@ TEST(Loading, nameAndNeeds) {
               (std::vector<std::string>{"libc.so.6", "libm.so.6", "liborvcorexwide.so.6.1"}));
 }
 
+// The folder of the library, nothing more: an empty element would stand for any current folder.
+TEST(Loading, searchesItsOwnFolder) {
+    EXPECT_EQ(library().dynamicTexts(DT_RUNPATH), std::vector<std::string>{"$ORIGIN"});
+    EXPECT_TRUE(library().dynamicTexts(DT_RPATH).empty());
+}
+
 TEST(Loading, noInitialiserAndNoWritableData) {
     const Names sections = sectionNames();
     for (const char* name : {".init", ".fini", ".init_array", ".fini_array", ".preinit_array",

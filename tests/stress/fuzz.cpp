@@ -300,7 +300,12 @@ TYPED_TEST(PlanFuzz, Runs) {
                                         ? memory.data() + chance.below(32)
                                         : memory.end() - planBytes - chance.below(32);
         typename F::Spec* spec = nullptr;
-        ASSERT_EQ(F::init(&spec, length, block), orvOk);
+        const std::uint32_t before = mxcsr::masks | (chance.percent(50) ? mxcsr::flags : 0);
+        const Outcome built = callCatching(F::plainInit, F::initArguments(&spec, length, block),
+                                           before, patterns[chance.below(std::size(patterns))]);
+        ASSERT_EQ(built.fault, "") << length;
+        ASSERT_EQ(built.status, orvOk) << length;
+        ASSERT_EQ(checkControl(before, built.control), "") << length;
 
         const Block x(bytes), y(bytes);
         fillOrdinary(x.data(), bytes, sizeof(Real) == 4, static_cast<unsigned>(chance.bits()));

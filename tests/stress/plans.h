@@ -19,13 +19,21 @@ namespace orvgen::test {
         static constexpr auto init = orvg##NAME##Init_##T;                                     \
         static constexpr auto initAlloc = orvg##NAME##InitAlloc_##T;                           \
         static constexpr auto free = orvg##NAME##Free_##T;                                     \
-        static constexpr auto run = orvg##NAME##_##T;                                          \
+        inline static const auto plainInit =                                                   \
+            reinterpret_cast<PlainFunction>(orvg##NAME##Init_##T);                             \
         inline static const auto plainRun = reinterpret_cast<PlainFunction>(orvg##NAME##_##T); \
         static Arguments runArguments(const Real* src, Real* dst, Spec* spec) {                \
             Arguments a;                                                                       \
             a.pointer(0, src);                                                                 \
             a.pointer(1, dst);                                                                 \
             a.pointer(2, spec);                                                                \
+            return a;                                                                          \
+        }                                                                                      \
+        static Arguments initArguments(Spec** spec, std::int32_t len, void* memory) {          \
+            Arguments a;                                                                       \
+            a.pointer(0, spec);                                                                \
+            a.integer(1, len);                                                                 \
+            a.pointer(2, memory);                                                              \
             return a;                                                                          \
         }                                                                                      \
     };
