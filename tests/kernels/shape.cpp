@@ -18,8 +18,8 @@ const MachineCode& library() {
     return code;
 }
 
-// The frame of a real kernel is at most this large.
-constexpr std::int64_t realFrameBytes = 696;
+// The frame of a real kernel is at most this large; up to length 8 there is none.
+std::int64_t realFrameBytes(int length) { return length <= 8 ? 0 : 696; }
 
 KernelFacts factsOf(const ListedKernel& k) {
     KernelFacts facts;
@@ -40,7 +40,7 @@ KernelFacts factsOf(const ListedKernel& k) {
     r.scalar = !k.complex || (k.single && k.length <= 5);
     if (r.scalar) r.elementBytes = size;
     r.allReadsFirst = k.complex;
-    if (!k.complex) r.frameLimit = realFrameBytes;
+    if (!k.complex) r.frameLimit = realFrameBytes(k.length);
     facts.twinRules = r;
     // A twin of binary64 moves data as halves.
     if (k.complex && !k.single) facts.twinRules.elementBytes = 8;

@@ -1,6 +1,8 @@
 // The inverse real flows against their table, and proved.
 #include <gtest/gtest.h>
 
+#include <map>
+
 #include "flows/plan.h"
 #include "kernelgen/count.h"
 #include "realdft/inverse.h"
@@ -181,6 +183,33 @@ TEST(InverseReal, DoublesOnlyItsInputs) {
                 EXPECT_NE(operand.index, n) << n;
             }
         }
+    }
+}
+
+// A term that is not doubled goes into one product, whose constant is doubled instead: the sine of
+// 60 degrees, at 17 and 34 the rotation by 45 degrees.
+TEST(InverseReal, FoldedDoublings) {
+    using kernelgen::Node;
+    using kernelgen::Op;
+    for (const DataRow& row : dataTable("real_inverse").rows()) {
+        const auto n = static_cast<int>(row.integer("length"));
+        const double constant = n == 17 || n == 34 ? 1.4142135623730951 : 1.7320508075688772;
+        const Graph g = inverseGraph(n, realdft::PackedFormat::Pack, Arithmetic::Double);
+        std::map<int, std::vector<const Node*>> users;  // of the elements of src
+        for (const Node& node : g.nodes())
+            for (const kernelgen::NodeId id : {node.a, node.b})
+                if (id != kernelgen::kNone && g.node(id).op == Op::Input)
+                    users[g.node(id).index].push_back(&node);
+        long folded = 0;
+        for (const auto& [element, list] : users) {
+            if (element == 0 || (n % 2 == 0 && element == n - 1)) continue;  // R[0], R[N/2]
+            ASSERT_EQ(list.size(), 1U) << n;
+            ASSERT_EQ(list[0]->op, Op::Mul) << n;
+            if (g.constant(*list[0]).lane(0).equals(2)) continue;
+            EXPECT_EQ(g.constant(*list[0]).lane(0).asDouble(), constant) << n;
+            ++folded;
+        }
+        EXPECT_EQ(folded, 2 * ((n - 1) / 2) - row.integer("doublings")) << n;
     }
 }
 
