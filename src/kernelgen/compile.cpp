@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <stdexcept>
+#include <tuple>
 
 #include "core_model.h"
 #include "count.h"
@@ -19,6 +20,8 @@ constexpr double kSpillWeight = 0.1;
 constexpr double kInstructionWeight = 0.02;
 constexpr int kScalarFrame = 688;  // what a kernel of scalar code may need of the stack
 constexpr int kBias = 128;         // one-byte displacements reach from -128 to 127
+constexpr int kReach = 256;        // so many bytes
+constexpr int kLeastUses = 4;      // that pay for a further register: two or three bytes each
 
 }  // namespace
 
@@ -59,7 +62,7 @@ double storedScale(ScaleKind kind, int length, bool single) {
 }
 
 std::string functionHead(const std::string& name, bool exported) {
-    std::string text = "\t.p2align\t5\n";
+    std::string text = "\t.p2align\t6\n";
     text += "\t.globl\t" + name + "\n";
     if (!exported) text += "\t.hidden\t" + name + "\n";
     return text + "\t.type\t" + name + ", @function\n" + name + ":\n\t.cfi_startproc\n";
@@ -161,6 +164,32 @@ class KernelPrinter {
         addressing_[Base::Pool] = {"rcx", pool_.size > kBias ? kBias : 0};
         addressing_[Base::Scale] = {"rax", 0};
         addressing_[Base::Frame] = {"rdx", block_.frameBytes > kBias ? kBias : 0};
+        for (const char* reg : {"r8", "r9", "r10", "r11"}) bindFurther(reg);
+    }
+
+    // Lets the register point at the most used bytes that no one-byte displacement reaches.
+    void bindFurther(const char* reg) {
+        std::map<Base, std::map<int, int>> uses;  // of each place out of reach
+        const auto count = [&](const Address& a) {
+            if (!addressing_.at(a.base).nearest(a.offset).reaches(a.offset))
+                ++uses[a.base][a.offset];
+        };
+        for (const MachineInstruction& m : block_.instructions) {
+            if (m.hasAddress) count(m.address);
+            if (m.op == Opcode::LoadHalves) count(m.high);
+        }
+        int most = 0, start = 0;
+        Base base{};
+        for (const auto& [b, places] : uses) {
+            for (const auto& [offset, n] : places) {
+                int sum = 0;
+                for (auto p = places.find(offset); p != places.end() && p->first < offset + kReach;
+                     ++p)
+                    sum += p->second;
+                if (sum > most) std::tie(most, base, start) = std::tuple(sum, b, offset);
+            }
+        }
+        if (most >= kLeastUses) addressing_[base].further.push_back({reg, start + kBias});
     }
 
     std::string head() const {
@@ -237,6 +266,10 @@ class KernelPrinter {
         }
         if (addressing_.at(Base::Src).bias) text += "\tsub\trdi, -128\n";
         if (addressing_.at(Base::Dst).bias) text += "\tsub\trsi, -128\n";
+        for (const auto& [base, binding] : addressing_)
+            for (const Binding& b : binding.further)
+                text += "\tlea\t" + b.reg + ", [" + binding.reg + " + " +
+                        std::to_string(b.bias - binding.bias) + "]\n";
         int stage = -1;
         for (const MachineInstruction& m : block_.instructions) {
             const bool named =

@@ -66,8 +66,8 @@ const char* mnemonic(Opcode op) {
 }
 
 std::string address(const Address& a, const Addressing& addressing, int size, int shift = 0) {
-    const Binding& b = addressing.at(a.base);
-    const int displacement = a.offset - b.bias + shift;
+    const Binding& b = addressing.at(a.base).nearest(a.offset + shift);
+    const int displacement = a.offset + shift - b.bias;
     std::string text = size == 4 ? "dword ptr [" : size == 8 ? "qword ptr [" : "xmmword ptr [";
     text += b.reg;
     if (displacement > 0) text += " + " + std::to_string(displacement);
@@ -84,6 +84,13 @@ std::string line(const std::string& op, const std::string& first, const std::str
 }
 
 }  // namespace
+
+const Binding& Binding::nearest(int offset) const {
+    if (reaches(offset)) return *this;
+    for (const Binding& b : further)
+        if (b.reaches(offset)) return b;
+    return *this;
+}
 
 std::string twinName(const std::string& kernel) { return "owng" + kernel.substr(4) + "_unaligned"; }
 

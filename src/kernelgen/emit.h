@@ -12,10 +12,17 @@ namespace orvgen::kernelgen {
 // Which moves touch src and dst.
 enum class Variant : std::uint8_t { Aligned, AnyAlignment };
 
-// The general register that an address base lives in, and what has been added to it.
+// The general register that an address base lives in, and what has been added to it; further
+// registers with which one-byte displacements reach more of the same memory.
 struct Binding {
     std::string reg;
     int bias = 0;
+    std::vector<Binding> further = {};
+
+    // Whether a one-byte displacement will do.
+    bool reaches(int offset) const { return offset - bias >= -128 && offset - bias <= 127; }
+    // The first of the registers that reaches the offset; this one if none does.
+    const Binding& nearest(int offset) const;
 };
 using Addressing = std::map<Base, Binding>;
 

@@ -256,7 +256,7 @@ class WalshHadamardKernel {
         const int bias = biasOf(step.pass);
         std::string text = address("r8", "rcx", offset + bias);
         text += line("mov\tr9d, " + number(step.trips));
-        text += "\t.p2align\t5\n" + label(start);
+        text += "\t.p2align\t6\n" + label(start);
         text += body(step, variant,
                      {{step.pass.from, {from, bias}},
                       {step.pass.to, {to, bias}},
@@ -326,7 +326,7 @@ class WalshHadamardKernel {
             const double value = kernelgen::storedScale(kind, static_cast<int>(points()), single);
             return kernelgen::printPoolEntry({type, {value}, what}) + "\n";
         };
-        return "\t.section\t.rodata\n\t.p2align\t5\n" + label(".L" + name_ + "_pool") +
+        return "\t.section\t.rodata\n\t.p2align\t6\n" + label(".L" + name_ + "_pool") +
                scale(kernelgen::ScaleKind::None, "scale 1") +
                scale(kernelgen::ScaleKind::BySqrtN, "scale 1/sqrt(N)") +
                scale(kernelgen::ScaleKind::ByN, "scale 1/N") +
