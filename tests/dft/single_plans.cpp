@@ -64,7 +64,8 @@ TEST(SinglePlans, TheJoinAtTheTopIsThatOfTheTable) {
             continue;
         }
         const std::vector<std::size_t> list = factors(top);
-        EXPECT_EQ(std::accumulate(list.begin(), list.end(), std::size_t{1}, std::multiplies<>()), n);
+        EXPECT_EQ(std::accumulate(list.begin(), list.end(), std::size_t{1}, std::multiplies<>()),
+                  n);
         if (top.starts_with("cooley-tukey")) {
             EXPECT_EQ(part->join, Join::CooleyTukey) << n;
             EXPECT_EQ(list, (std::vector<std::size_t>{part->R(), part->M()})) << n;
@@ -149,8 +150,8 @@ TEST(SinglePlans, ButterfliesHaveTheCountsOfTheTables) {
             const auto compare = [&](test::CountCheck& check, const std::string& prefix,
                                      const test::DataRow& r) {
                 check.compare(n, prefix + "additions", r.integer(prefix + "additions"), additions);
-                check.compare(n, prefix + "multiplications",
-                              r.integer(prefix + "multiplications"), multiplications);
+                check.compare(n, prefix + "multiplications", r.integer(prefix + "multiplications"),
+                              multiplications);
             };
             compare(base, "", row);
             const auto* whole = test::dataTable("complex_f32_composite").find("length", n);

@@ -138,8 +138,8 @@ TEST(LaneValues, TheScaleIsTheLastFactor) {
             EXPECT_EQ(run.results().size(), static_cast<std::size_t>(2 * n));
             for (const LaneExpression& e : run.expressions()) {
                 const auto& a = run.expressions()[static_cast<std::size_t>(e.a)];
-                const bool computes = e.form == LaneExpression::Form::sum ||
-                                      e.form == LaneExpression::Form::product;
+                const bool computes =
+                    e.form == LaneExpression::Form::sum || e.form == LaneExpression::Form::product;
                 EXPECT_FALSE(computes && a.form == LaneExpression::Form::scaled);
             }
         });
@@ -170,13 +170,12 @@ class StageSets {
     // Whether a set stands within one stage as described.
     bool allows(const Set& s) const {
         for (std::size_t i = 1; i < stages_.size(); ++i) {
-            const auto within = std::ranges::find_if(stages_[i], [&](const Set& larger) {
-                return std::ranges::includes(larger, s);
-            });
+            const auto within = std::ranges::find_if(
+                stages_[i], [&](const Set& larger) { return std::ranges::includes(larger, s); });
             if (within == stages_[i].end()) continue;
             return std::ranges::all_of(stages_[i - 1], [&](const Set& smaller) {
-                const bool touches = std::ranges::any_of(
-                    smaller, [&](long n) { return s.count(n) != 0; });
+                const bool touches =
+                    std::ranges::any_of(smaller, [&](long n) { return s.count(n) != 0; });
                 return !touches || std::ranges::includes(s, smaller);
             });
         }

@@ -154,8 +154,7 @@ void LaneRun::run(const Step& step) {
         return;
     }
     const bool memory = from.type == Operand::Type::memory;
-    const Four b =
-        memory ? load(*step.access) : registers_[static_cast<std::size_t>(from.number)];
+    const Four b = memory ? load(*step.access) : registers_[static_cast<std::size_t>(from.number)];
     Four& a = registers_[static_cast<std::size_t>(to.number)];
     if (m == "movaps" || m == "movups" || (memory && (m == "movss" || m == "movsd"))) {
         a = b;

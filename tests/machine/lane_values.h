@@ -31,11 +31,11 @@ struct LaneValue {
 struct LaneExpression {
     enum class Form { zero, constant, scale, input, sum, product, scaled };
     Form form = Form::zero;
-    int a = 0, b = 0;      // operands; of an input the element and the part
-    int relative = 1;      // of a sum: sign of b against a
-    float constant = 0;    // not negative
-    Elements elements;     // of src that it depends on
-    bool real = false;     // depends on a real part
+    int a = 0, b = 0;    // operands; of an input the element and the part
+    int relative = 1;    // of a sum: sign of b against a
+    float constant = 0;  // not negative
+    Elements elements;   // of src that it depends on
+    bool real = false;   // depends on a real part
     bool imaginary = false;
 };
 
