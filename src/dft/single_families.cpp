@@ -65,6 +65,11 @@ bool touchesHalvesOnly(int length) {
     return length > 5;
 }
 
+// The short lengths that the sixteen registers hold all values of.
+bool fitsRegisters(int length) {
+    return length <= 9 ? length != 5 : length == 12 || length == 13 || length == 16 || length == 17;
+}
+
 std::string method(std::size_t length) {
     if (hasRader(length)) return "Rader, cycle " + raderCycle(length)->stages();
     if (hasBluestein(length)) return "Bluestein, " + bluesteinForward(length)->stages();
@@ -81,7 +86,8 @@ Kernel kernel(const std::string& family, Direction direction, int length) {
             scalar ? Alignment::Any : Alignment::Twin,
             touchesHalvesOnly(length),
             true,
-            scalar ? scalarFlow(direction, n) : laneFlow(direction, n)};
+            scalar ? scalarFlow(direction, n) : laneFlow(direction, n),
+            fitsRegisters(length)};
 }
 
 Family family(const std::string& name, Direction direction, const std::vector<int>& lengths) {

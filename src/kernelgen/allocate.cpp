@@ -15,6 +15,8 @@ constexpr int kNever = std::numeric_limits<int>::max() / 2;
 constexpr double kCleanPreference = 1.3;
 // A memory value that is used again this soon is loaded rather than read twice.
 constexpr int kReloadDistance = 12;
+// A vector of two halves that is used again this soon is not loaded a second time.
+constexpr int kKeepDistance = 24;
 // A conversion into a register that was written this recently clears it first.
 constexpr int kRecentWrite = 12;
 
@@ -288,7 +290,8 @@ class Allocator {
 
         bool fromMemory = i.hasAddress;
         Address address = i.address;
-        if (value(x).reg < 0 && value(x).slot < 0 && isLoadedOnce(x)) ensure(x);
+        if (value(x).reg < 0 && value(x).slot < 0 && (isLoadedOnce(x) || isWorthKeeping(x)))
+            ensure(x);
         if (value(x).reg >= 0) lock(value(x).reg);
         int other = -1;
         if (y != kNoRegister && y != x) {
@@ -327,6 +330,13 @@ class Allocator {
         unlockAll();
         release(x);
         if (y != x) release(y);
+    }
+
+    // Two halves take two instructions to load, and a copy is one: if the vector is wanted again
+    // soon, and there is room for it and for the copy, it is loaded once.
+    bool isWorthKeeping(Register r) {
+        return definition(r).op == Opcode::LoadHalves && useAfter(r) - position_ <= kKeepDistance &&
+               std::ranges::count(owner_, kNoRegister) >= 2;
     }
 
     bool hasFree() const {

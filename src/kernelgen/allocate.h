@@ -16,8 +16,8 @@ struct AllocationOptions {
     // A store to dst ends the life of all of src (any overlap is harmless), or only of the bytes
     // that it covers (src equal to dst is harmless).
     bool storesEndAllOfSrc = true;
-    // The largest frame in bytes; 0: any. Orders that need more are passed over.
-    int frameLimit = 0;
+    // The largest frame in bytes; negative: any. Orders that need more are passed over.
+    int frameLimit = -1;
     // Sums and products may take their operands in either order. It shows in one thing only: of two
     // NaN the first operand's comes out.
     bool commute = true;

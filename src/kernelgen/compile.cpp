@@ -39,7 +39,7 @@ Block compileBlock(const Code& code, const AllocationOptions& options) {
         const double bound =
             (portBound(block, CoreKind::ThreePipe) + portBound(block, CoreKind::FourPipe)) / 2;
         const int frameBytes = layOutFrame(allocation);
-        if (options.frameLimit > 0 && frameBytes > options.frameLimit) continue;
+        if (options.frameLimit >= 0 && frameBytes > options.frameLimit) continue;
         any = true;
         best = {
             std::move(allocation.instructions), frameBytes, allocation.spills, cycles, bound, cost};
@@ -108,7 +108,8 @@ class KernelPrinter {
         AllocationOptions options;
         options.foldSrc = scalar;
         options.storesEndAllOfSrc = kernel_.readsAllFirst;
-        options.frameLimit = scalar ? kScalarFrame : 0;
+        if (scalar) options.frameLimit = kScalarFrame;
+        if (kernel_.registersOnly) options.frameLimit = 0;
         options.loadSrcOnce = flow.arithmetic() == Arithmetic::DoublePair;
         block_ = compileBlock(code, options);
         stages_ = code.stages;

@@ -155,7 +155,7 @@ class Core {
     }
 
     void step(const MachineInstruction& m) {
-        if (m.clearsFirst) dispatch();
+        if (m.clearsFirst || m.op == Opcode::LoadHalves) dispatch();  // two instructions
         const int start = dispatch();
         const Work w = workOf(m);
         int ready = start;

@@ -36,6 +36,7 @@ struct Kernel {
     // equal to dst is.
     bool readsAllFirst = false;
     Graph flow;
+    bool registersOnly = false;  // nothing is stored to the stack
 };
 
 // All kernels of one family. The flow of a length is built when asked for.
