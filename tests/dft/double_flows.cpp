@@ -190,7 +190,7 @@ TEST(DoubleStages, OfPrimeLengthsBeginWithTheRadixOfTheTable) {
 }
 
 // Lengths at which both operation counts, the scale included, are those of the binary32 kernel
-// with the trivial twiddles that run there in lanes.
+// with the trivial twiddles that run there in lanes; those with fewer of both, and with more.
 TEST(DoubleCounts, AreThoseOfBinary32WhereListed) {
     const auto single = dft::complexSingleFamilies()[0];
     for (const DataRow& row : dataTable("complex_f64").rows()) {
@@ -210,6 +210,13 @@ TEST(DoubleCounts, AreThoseOfBinary32WhereListed) {
         const bool same =
             2 * c.additions == additions && 2 * c.multiplications() == multiplications;
         EXPECT_EQ(same, row.flag("same_as_f32")) << n;
+        const bool fewer = 2 * c.additions < additions && 2 * c.multiplications() < multiplications;
+        const bool more = 2 * c.additions > additions && 2 * c.multiplications() > multiplications;
+        if (n % 8 == 0 && (n == 24 || (n & (n - 1)) == 0)) {
+            EXPECT_TRUE(fewer) << n;
+        }
+        for (const int rader : {26, 34, 39, 51, 52, 58})
+            EXPECT_TRUE(n != rader || more) << n;  // a Rader block of 13, 17 or 29 in a step
     }
 }
 
