@@ -1,5 +1,6 @@
 #include "report.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -32,24 +33,70 @@ std::vector<std::string> familiesOf(const std::vector<Result>& results) {
     return names;
 }
 
-struct Mean {
-    double logs = 0;
-    int count = 0;
-    double worst = 0;
-    std::string worstName;
+// Geometric mean and worst of a family's ratios.
+class Ratios {
+  public:
+    explicit Ratios(bool largestIsWorst) : largestIsWorst_(largestIsWorst) {}
 
-    void add(double ratio, bool worse, const std::string& name) {
-        logs += std::log(ratio);
-        if (count++ == 0 || worse) {
-            worst = ratio;
-            worstName = name;
+    void add(double ratio, const Result& result) {
+        logs_ += std::log(ratio);
+        if (count_++ == 0 || (largestIsWorst_ ? ratio > worst_ : ratio < worst_)) {
+            worst_ = ratio;
+            worstResult_ = &result;
         }
     }
-    std::string text() const {
-        return "geometric mean " + number("%.2f", std::exp(logs / count)) + ", worst " +
-               number("%.2f", worst) + " (" + worstName + ")";
-    }
+    bool empty() const { return count_ == 0; }
+    std::string mean() const { return number("%.2f", std::exp(logs_ / count_)); }
+    std::string worst() const { return number("%.2f", worst_); }
+    const Result& worstResult() const { return *worstResult_; }
+
+  private:
+    bool largestIsWorst_;
+    double logs_ = 0;
+    int count_ = 0;
+    double worst_ = 0;
+    const Result* worstResult_ = nullptr;
 };
+
+// Their cycles over ours.
+Ratios toLibrary(const std::vector<Result>& results, const std::string& family,
+                 const std::string& library) {
+    Ratios ratios(false);
+    for (const Result& r : results) {
+        const Cycles* c = theirs(r, library);
+        if (r.family == family && c) ratios.add(c->least / r.ours.burst.least, r);
+    }
+    return ratios;
+}
+
+// Our cycles over the bound of our operations.
+Ratios toBound(const std::vector<Result>& results, const std::string& family) {
+    Ratios ratios(true);
+    for (const Result& r : results)
+        if (r.family == family && r.bound) ratios.add(r.ours.burst.least / *r.bound, r);
+    return ratios;
+}
+
+// The summary as a table of Markdown: mean, worst, and the length of the worst.
+std::string summaryPage(const Heading& heading, const std::vector<Result>& results) {
+    std::string text = "| family |", rule = "\n|---|";
+    for (const std::string& l : heading.libraries) {
+        text += " " + l + " |";
+        rule += "---|";
+    }
+    text += " ours / bound |" + rule + "---|\n";
+    const auto cell = [](const Ratios& r) {
+        if (r.empty()) return std::string(" |");
+        return " " + r.mean() + ", " + r.worst() + " at " + std::to_string(r.worstResult().length) +
+               " |";
+    };
+    for (const std::string& family : familiesOf(results)) {
+        text += "| `" + family + "` |";
+        for (const std::string& l : heading.libraries) text += cell(toLibrary(results, family, l));
+        text += cell(toBound(results, family)) + "\n";
+    }
+    return text;
+}
 
 void writeCsv(const std::filesystem::path& file, const Heading& heading,
               const std::vector<Result>& results) {
@@ -78,7 +125,52 @@ void writeCsv(const std::filesystem::path& file, const Heading& heading,
     }
 }
 
-// One panel a family: the ratios over the length.
+// The ratios over the length, one panel a family, so many in a row.
+struct Picture {
+    std::string file;
+    std::vector<std::string> families;
+    int columns = 1;
+};
+
+std::string plotScript(const Picture& picture, const Heading& heading,
+                       const std::vector<std::string>& dataBlocks) {
+    const auto panels = static_cast<int>(picture.families.size());
+    const int rows = (panels + picture.columns - 1) / picture.columns;
+    std::string text = "set terminal pngcairo size " + std::to_string(440 * picture.columns) + "," +
+                       std::to_string(340 * rows) + " font 'sans,9'\nset output '" + picture.file +
+                       "'\nset multiplot layout " + std::to_string(rows) + "," +
+                       std::to_string(picture.columns) +
+                       " title 'Cycles of other libraries over ours (above 1: ours is faster)'\n";
+    for (const std::string& family : picture.families) {
+        const bool doubling = family.starts_with("WHT") || family.starts_with("DCT4");
+        const auto block = std::find(dataBlocks.begin(), dataBlocks.end(), family);
+        const std::string index = std::to_string(block - dataBlocks.begin());
+        text += "set title '" + family + "' noenhanced\n";
+        text += doubling ? "set logscale x 2\n" : "unset logscale x\n";
+        text += "plot 1 lc 'black' notitle";
+        int column = 2;
+        for (const std::string& l : heading.libraries)
+            text += ", 'plot.dat' index " + index + " using 1:" + std::to_string(column++) +
+                    " with linespoints pt 7 ps 0.5 title '" + l + "'";
+        text += ", '' index " + index + " using 1:" + std::to_string(column) +
+                " with lines dt 2 lc 'gray40' title 'bound'\n";
+    }
+    return text + "unset multiplot\n";
+}
+
+// Each transform once, the first packed format for the real ones; element types below each other.
+std::vector<std::string> overview(const std::vector<std::string>& families) {
+    std::vector<std::string> single, twice;
+    for (const std::string& f : families) {
+        const bool shown = f.find("Inv") == std::string::npos &&
+                           f.find("Pack") == std::string::npos &&
+                           f.find("Perm") == std::string::npos;
+        if (shown) (f.find("_64") == std::string::npos ? single : twice).push_back(f);
+    }
+    single.insert(single.end(), twice.begin(), twice.end());
+    return single;
+}
+
 void plot(const std::filesystem::path& folder, const Heading& heading,
           const std::vector<Result>& results) {
     const std::vector<std::string> families = familiesOf(results);
@@ -96,32 +188,17 @@ void plot(const std::filesystem::path& folder, const Heading& heading,
         data << "\n\n";
     }
     data.close();
-    const auto panels = static_cast<int>(families.size());
-    const int columns = panels > 12 ? 4 : panels > 4 ? 3 : panels > 1 ? 2 : 1;
-    const int rows = (panels + columns - 1) / columns;
+    const auto columnsFor = [](std::size_t panels) {
+        return panels > 12 ? 4 : panels > 4 ? 3 : panels > 1 ? 2 : 1;
+    };
+    const std::vector<std::string> some = overview(families);
+    const int half = static_cast<int>(some.size() + 1) / 2;
     std::ofstream script(folder / "plot.gp");
-    script << "set terminal pngcairo size " << 560 * columns << "," << 380 * rows
-           << " font 'sans,9'\nset output '" << (folder / "ratios.png").string() << "'\n"
-           << "set datafile missing '?'\nset grid ytics\nset logscale y\nset key below\n"
-           << "set ytics (0.25,0.5,0.7,1,1.5,2,3,4,6,8,12,16)\nset xlabel 'length'\n"
+    script << "set datafile missing '?'\nset grid ytics\nset logscale y\nset key below\n"
+           << "set ytics (0.25,0.5,0.7,1,1.5,2,3,4,6,8,12,16)\n"
            << "set ylabel 'their cycles / ours'\n"
-           << "set multiplot layout " << rows << "," << columns
-           << " title 'Cycles of other libraries over ours (above 1: ours is faster)'\n";
-    int index = 0;
-    for (const std::string& family : families) {
-        const bool doubling = family.starts_with("WHT") || family.starts_with("DCT4");
-        script << "set title '" << family << "' noenhanced\n"
-               << (doubling ? "set logscale x 2\n" : "unset logscale x\n")
-               << "plot 1 lc 'black' notitle";
-        int column = 2;
-        for (const std::string& l : heading.libraries) {
-            script << ", 'plot.dat' index " << index << " using 1:" << column++
-                   << " with linespoints pt 7 ps 0.5 title '" << l << "'";
-        }
-        script << ", '' index " << index << " using 1:" << column
-               << " with lines dt 2 lc 'gray40' title 'bound'\n";
-        ++index;
-    }
+           << plotScript({"ratios.png", families, columnsFor(families.size())}, heading, families);
+    if (!some.empty()) script << plotScript({"overview.png", some, half}, heading, families);
     script.close();
     const std::string command = "cd '" + folder.string() + "' && gnuplot plot.gp >plot.log 2>&1";
     if (std::system(command.c_str()) != 0) {
@@ -163,25 +240,16 @@ std::string tableRow(const Heading& heading, const Result& r) {
 
 std::string summary(const Heading& heading, const std::vector<Result>& results) {
     std::string text;
+    const auto line = [&](const std::string& what, const Ratios& r) {
+        if (r.empty()) return;
+        text += "    " + what + ": geometric mean " + r.mean() + ", worst " + r.worst() + " (" +
+                r.worstResult().name + ")\n";
+    };
     for (const std::string& family : familiesOf(results)) {
         text += family + "\n";
-        for (const std::string& l : heading.libraries) {
-            Mean mean;
-            for (const Result& r : results) {
-                const Cycles* c = theirs(r, l);
-                if (r.family != family || !c) continue;
-                const double ratio = c->least / r.ours.burst.least;
-                mean.add(ratio, ratio < mean.worst, r.name);
-            }
-            if (mean.count) text += "    " + l + " / ours: " + mean.text() + "\n";
-        }
-        Mean mean;
-        for (const Result& r : results) {
-            if (r.family != family || !r.bound) continue;
-            const double ratio = r.ours.burst.least / *r.bound;
-            mean.add(ratio, ratio > mean.worst, r.name);
-        }
-        if (mean.count) text += "    ours / bound: " + mean.text() + "\n";
+        for (const std::string& l : heading.libraries)
+            line(l + " / ours", toLibrary(results, family, l));
+        line("ours / bound", toBound(results, family));
     }
     return text;
 }
@@ -193,6 +261,7 @@ void writeReport(const std::filesystem::path& folder, const Heading& heading,
     for (const Result& r : results) table += tableRow(heading, r);
     writeText(folder / "table.txt", table);
     writeText(folder / "summary.txt", summary(heading, results));
+    writeText(folder / "summary.md", summaryPage(heading, results));
     writeCsv(folder / "table.csv", heading, results);
     if (!results.empty()) plot(folder, heading, results);
 }

@@ -32,7 +32,8 @@ std::string tableRow(const Heading& heading, const Result& result);
 // of (our cycles / bound).
 std::string summary(const Heading& heading, const std::vector<Result>& results);
 
-// table.txt, table.csv, summary.txt and, where gnuplot is there, one PNG of all families.
+// table.txt, table.csv, summary.txt, summary.md and, where gnuplot is there, one PNG of all
+// families.
 void writeReport(const std::filesystem::path& folder, const Heading& heading,
                  const std::vector<Result>& results);
 

@@ -113,7 +113,7 @@ void addLength(std::vector<Subject>& list, const std::string& name, const std::s
 #define ADD_ORDERS(NAME, T, LIST) LIST(ADD_ORDER, NAME, T)
 
 #define ADD_PLANS(NAME, T)                                                                         \
-    for (int n = 2; n <= 1024; n *= 2) {                                                           \
+    for (int n = 2; n <= 8192; n *= 2) {                                                           \
         Orv##NAME##Spec_##T* made = nullptr;                                                       \
         if (orvg##NAME##InitAlloc_##T(&made, n) != orvOk) continue;                                \
         const std::shared_ptr<Orv##NAME##Spec_##T> plan(made, orvg##NAME##Free_##T);               \

@@ -32,7 +32,7 @@ struct Subject {
     Loop loop;
 };
 
-// All kernels that exist, in the order of the lists. DCT-IV: the lengths 2 to 1024.
+// All kernels that exist, in the order of the lists. DCT-IV: the lengths 2 to 8192.
 std::vector<Subject> allSubjects();
 
 // A zero that is there only when the result is: made of the first, a middle and the last word of

@@ -5,7 +5,6 @@
 #include <random>
 #include <stdexcept>
 
-#include "direct_transform.h"
 #include "orvgen.h"
 
 namespace orvgen::test {
@@ -22,24 +21,15 @@ Accuracy measure(const ListedKernel& k) {
     // the first sums exact.
     std::uniform_real_distribution<long double> uniform(-1, 1);
     const Quad u = k.single ? Quad(std::ldexp(1.0, -24)) : Quad(std::ldexp(1.0, -53));
-    Quad errors = 0, results = 0, largest = 0;
-    std::size_t count = 0;
+    ErrorSum sum;
     for (int round = 0; round < roundsOf(k.length); ++round) {
         std::vector<Real> src(k.srcCount + k.srcBeyond), dst(k.dstCount);
         for (Real& x : src) x = static_cast<Real>(uniform(random));
         if (k.call(src.data(), dst.data(), orvScaleNone) != orvOk) throw std::runtime_error(k.name);
         const std::vector<Quad> exact = directTransform(k, {src.begin(), src.end()});
-        for (std::size_t i = 0; i < exact.size(); ++i) {
-            const Quad e = Quad(dst[i]) - exact[i];
-            errors += e * e;
-            results += exact[i] * exact[i];
-            largest = std::max(largest, e < 0 ? -e : e);
-        }
-        count += exact.size();
+        for (std::size_t i = 0; i < exact.size(); ++i) sum.add(Quad(dst[i]), exact[i]);
     }
-    const Quad rms = sqrtf128(results / static_cast<Quad>(count));
-    return {static_cast<double>(sqrtf128(errors / results) / u),
-            static_cast<double>(largest / rms / u)};
+    return sum.inUnitsOf(u);
 }
 
 bool isPrime(int n) {
@@ -49,6 +39,20 @@ bool isPrime(int n) {
 }
 
 }  // namespace
+
+void ErrorSum::add(Quad result, Quad exact) {
+    const Quad e = result - exact;
+    errors_ += e * e;
+    results_ += exact * exact;
+    largest_ = std::max(largest_, e < 0 ? -e : e);
+    ++count_;
+}
+
+Accuracy ErrorSum::inUnitsOf(Quad u) const {
+    const Quad rms = sqrtf128(results_ / static_cast<Quad>(count_));
+    return {static_cast<double>(sqrtf128(errors_ / results_) / u),
+            static_cast<double>(largest_ / rms / u)};
+}
 
 Accuracy measureAccuracy(const ListedKernel& k) {
     return k.single ? measure<float>(k) : measure<double>(k);

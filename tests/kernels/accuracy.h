@@ -1,6 +1,7 @@
 // The measured error of a kernel over random inputs, against the definition in binary128.
 #pragma once
 
+#include "direct_transform.h"
 #include "kernel_list.h"
 
 namespace orvgen::test {
@@ -9,6 +10,17 @@ namespace orvgen::test {
 struct Accuracy {
     double relativeL2 = 0;  // |error| / |result| over all inputs together, L2 norms
     double largest = 0;     // largest error of a real over the root mean square of the results
+};
+
+// Sums up the errors of results.
+class ErrorSum {
+  public:
+    void add(Quad result, Quad exact);
+    Accuracy inUnitsOf(Quad u) const;
+
+  private:
+    Quad errors_ = 0, results_ = 0, largest_ = 0;
+    std::size_t count_ = 0;
 };
 
 // Uniform inputs in [-1, 1], the same for all kernels of a length and type.

@@ -1,16 +1,23 @@
-// Prints the datasheet of the build: every fixed-length kernel with its counts, its code, its speed
-// and its errors. Usage: write_datasheet [TABLE.CSV of the benchmark].
+// Prints the datasheet of the build: every kernel of a length or order of its own with its counts,
+// its code, its speed and its errors. Usage: write_datasheet [TABLE.CSV of the benchmark].
 #include <cstdio>
 #include <fstream>
+#include <iomanip>
 #include <iostream>
+#include <limits>
 #include <map>
+#include <random>
 #include <sstream>
 
 #include "accuracy.h"
 #include "kernelgen/compile.h"
 #include "kernelgen/count.h"
 #include "kernelgen/error_bound.h"
+#include "kernelgen/registry.h"
 #include "support/elf_image.h"
+#include "support/machine_code.h"
+#include "wht/functions.h"
+#include "wht/reference.h"
 
 namespace {
 
@@ -61,6 +68,61 @@ void printRow(const ListedKernel& k, const test::ElfImage& library, const std::s
                 cycles.c_str(), f.modelCycles, f.portBound, a.relativeL2, a.largest, e.absolute);
 }
 
+// The head comment of a Walsh-Hadamard kernel but for its name and counts: passes, code, memory.
+std::string passesOf(const std::string& assembly) {
+    std::string text;
+    std::istringstream lines(assembly);
+    std::string line;
+    for (int i = 0; std::getline(lines, line) && line.starts_with("# "); ++i)
+        if (i >= 2) text += (text.empty() ? "" : " ") + line.substr(2);
+    return text;
+}
+
+template <class T>
+test::Accuracy orderAccuracy(const test::OrderFunctions<T>& f) {
+    constexpr int rounds = 16;
+    std::mt19937_64 random(static_cast<unsigned>(f.order));
+    std::uniform_real_distribution<long double> uniform(-1, 1);
+    std::vector<T> src(f.points()), dst(f.points());
+    std::vector<std::uint8_t> buffer(f.bufferBytes() + 1);
+    test::ErrorSum sum;
+    for (int round = 0; round < rounds; ++round) {
+        for (T& x : src) x = static_cast<T>(uniform(random));
+        if (f.kernel(src.data(), dst.data(), orvScaleNone, buffer.data()) != orvOk)
+            throw std::runtime_error(f.name);
+        std::vector<test::Quad> exact(src.begin(), src.end());
+        test::applyLayers(exact, 0, f.order);
+        for (std::size_t i = 0; i < exact.size(); ++i) sum.add(test::Quad(dst[i]), exact[i]);
+    }
+    return sum.inUnitsOf(test::Quad(std::numeric_limits<T>::epsilon() / 2));
+}
+
+template <class T>
+void printOrders(const test::MachineCode& code, const std::map<std::string, std::string>& cycles) {
+    const auto& functions = test::orderFunctions<T>();
+    const std::string family = test::isSingle<T> ? "orvgWHT_32f" : "orvgWHT_64f";
+    for (const kernelgen::Family& f : kernelgen::allFamilies()) {
+        if (f.name != family) continue;
+        std::cout
+            << "\n## " << family
+            << "\n\n| order | passes | add | mul | instructions | bytes | cycles | L2 error | "
+               "largest |\n|---|---|---|---|---|---|---|---|---|\n";
+        for (const auto& o : functions) {
+            const test::Accuracy a = orderAccuracy(o);
+            const test::Function& function = code.function(o.name);
+            const auto measured = cycles.find(o.name);
+            std::cout << "| " << o.order << " | " << passesOf(f.assembly(o.order)) << " | "
+                      << o.points() * static_cast<std::size_t>(o.order) << " | " << o.points()
+                      << " | " << function.instructions.size() << " | " << function.symbol.size
+                      << " | " << (measured == cycles.end() ? "" : measured->second) << " | "
+                      << std::fixed << std::setprecision(2) << a.relativeL2 << " | " << a.largest
+                      << " |\n";
+        }
+        return;
+    }
+    throw std::runtime_error("no family " + family);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -74,7 +136,9 @@ int main(int argc, char** argv) {
                "body. Bytes: the whole function. Cycles: measured, long bursts; model and bound "
                "are those of the kernel compiler. Errors over random inputs in units of u: "
                "relative in the L2 norm, and the largest over the root mean square of the "
-               "results; bound: a priori, for one real of a result, inputs of at most 1.\n";
+               "results; bound: a priori, for one real of a result, inputs of at most 1. "
+               "The Walsh-Hadamard kernels' passes are described in words, their instructions are "
+               "those of the function; a DCT-IV runs by its plan (docs/dct4.md).\n";
         std::string family;
         for (const ListedKernel& k : test::listedKernels()) {
             if (k.family != family)
@@ -87,6 +151,9 @@ int main(int argc, char** argv) {
             printRow(k, library, found == cycles.end() ? "" : found->second);
             std::fflush(stdout);
         }
+        const test::MachineCode code(ORVGEN_LIBRARY_FILE);
+        printOrders<Orv32f>(code, cycles);
+        printOrders<Orv64f>(code, cycles);
         return 0;
     } catch (const std::exception& e) {
         std::cerr << "write_datasheet: " << e.what() << "\n";
