@@ -165,6 +165,36 @@ TEST(ComplexInputs, LengthThreeIsNotBinary32Alone) {
     EXPECT_GT(differing, 0);
 }
 
+// Lengths 6 and 10 run stages of 3 and 5 points over two columns; with zeros in the second column
+// the first outputs are those of the stage. They are near those of the kernels 3 and 5 and not the
+// same: the stage is binary32 throughout.
+TEST(ComplexInputs, StagesOfThreeAndFiveRoundOtherwiseThanTheKernels) {
+    for (const bool inverse : {false, true}) {
+        for (const int n : {3, 5}) {
+            const ListedKernel* alone = complexKernel(inverse, n, true);
+            const ListedKernel* inside = complexKernel(inverse, 2 * n, true);
+            ASSERT_TRUE(alone && inside);
+            std::vector<int> differing(static_cast<std::size_t>(n));
+            std::mt19937 engine(static_cast<unsigned>(n));
+            std::uniform_real_distribution<float> value(-1, 1);
+            for (int i = 0; i < 1000; ++i) {
+                Vector x(alone->srcCount), wide(inside->srcCount);
+                for (std::size_t t = 0; t < x.size(); ++t)
+                    x[t] = wide[t / 2 * 4 + t % 2] = value(engine);
+                const Vector y = transform(*alone, x), z = transform(*inside, wide);
+                for (std::size_t t = 0; t < y.size(); ++t) {
+                    EXPECT_NEAR(y[t], z[t], 1e-6) << alone->name;
+                    differing[t / 2] += y[t] != z[t];
+                }
+            }
+            // Both forms of three points have the same first output.
+            EXPECT_EQ(differing[0] > 0, n == 5) << alone->name;
+            for (std::size_t k = 1; k < differing.size(); ++k)
+                EXPECT_GT(differing[k], 0) << alone->name << ", output " << k;
+        }
+    }
+}
+
 // An infinity in a real part spreads to the imaginary one only where lanes are swapped: the first
 // output of the binary64 kernels keeps a clean imaginary part.
 TEST(ComplexInputs, DoubleKernelsKeepTheFirstImaginaryPartClean) {
