@@ -1,6 +1,9 @@
 // The benchmark: every kernel beside other libraries and beside the bound of its own operations, in
 // core cycles. Ratios come first: their cycles over ours, above 1 where ours is faster.
 
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -21,46 +24,13 @@
 namespace orvgen::bench {
 namespace {
 
-constexpr const char* usage =
-    "usage: bench [--only REGEX] [--ports TABLE] [--out FOLDER] [--quick] [--same-isa]\n"
-    "  --only REGEX   kernels whose name matches (for instance '_64_32fc|WHT')\n"
-    "  --ports TABLE  zen5, golden-cove or a file that bench_ports wrote; by default this core's\n"
-    "  --out FOLDER   where the tables and the plot go\n"
-    "  --quick        fewer and shorter samples\n"
-    "  --same-isa     also an FFTW built here from Debian's source with SSE2 alone\n";
-
 struct Options {
-    std::regex only{""};
+    std::string only;
     std::string ports;
     std::filesystem::path out = ORVGEN_BENCH_OUT;
     bool quick = false;
     bool sameIsa = false;
 };
-
-Options parse(int argc, char** argv) {
-    Options o;
-    for (int i = 1; i < argc; ++i) {
-        const std::string word = argv[i];
-        const auto value = [&]() -> std::string {
-            if (++i == argc) throw std::runtime_error(word + " needs a value");
-            return argv[i];
-        };
-        if (word == "--only") {
-            o.only = std::regex(value());
-        } else if (word == "--ports") {
-            o.ports = value();
-        } else if (word == "--out") {
-            o.out = value();
-        } else if (word == "--quick") {
-            o.quick = true;
-        } else if (word == "--same-isa") {
-            o.sameIsa = true;
-        } else {
-            throw std::runtime_error("unknown argument " + word);
-        }
-    }
-    return o;
-}
 
 // Aligned memory with ordinary numbers in it.
 class Buffer {
@@ -137,8 +107,9 @@ int run(const Options& options) {
     for (const Peer& p : peers) heading.libraries.push_back(p.name);
 
     std::vector<Subject> subjects;
+    const std::regex only(options.only);
     for (Subject& s : allSubjects()) {
-        if (std::regex_search(s.name, options.only)) subjects.push_back(std::move(s));
+        if (std::regex_search(s.name, only)) subjects.push_back(std::move(s));
     }
     if (subjects.empty()) throw std::runtime_error("no such kernels");
     std::fputs(tableHead(heading).c_str(), stdout);
@@ -191,14 +162,23 @@ int run(const Options& options) {
 }  // namespace orvgen::bench
 
 int main(int argc, char** argv) {
+    orvgen::bench::Options o;
+    CLI::App app(
+        "Every kernel in core cycles, beside other libraries and the bound of its own work.");
+    app.add_option("--only", o.only, "kernels whose name matches (for instance '_64_32fc|WHT')")
+        ->type_name("REGEX");
+    app.add_option("--ports", o.ports,
+                   "zen5, golden-cove or a file that bench_ports wrote; by default this core's")
+        ->type_name("TABLE");
+    app.add_option("--out", o.out, "where the tables and the plots go")->type_name("FOLDER");
+    app.add_flag("--quick", o.quick, "fewer and shorter samples");
+    app.add_flag("--same-isa", o.sameIsa,
+                 "also an FFTW built here from Debian's source with SSE2 alone");
+    CLI11_PARSE(app, argc, argv);
     try {
-        if (argc == 2 && (std::strcmp(argv[1], "--help") == 0 || std::strcmp(argv[1], "-h") == 0)) {
-            std::fputs(orvgen::bench::usage, stdout);
-            return 0;
-        }
-        return orvgen::bench::run(orvgen::bench::parse(argc, argv));
+        return orvgen::bench::run(o);
     } catch (const std::exception& e) {
-        std::fprintf(stderr, "bench: %s\n%s", e.what(), orvgen::bench::usage);
+        std::fprintf(stderr, "bench: %s\n", e.what());
         return 2;
     }
 }

@@ -1,11 +1,12 @@
-// bench_dct4 [--longest N] [--limit SECONDS]
-//
 // Plan building and run of the DCT-IV, 2 to 131072 points in both element types, in core cycles,
 // beside FFTW's REDFT11 with patient plans and pocketfft's DCT of type 4. Ratios come first: how
 // many times as long the other library takes.
 
 #include <fftw3.h>
 
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
@@ -175,10 +176,14 @@ void row(int N, double limit, double pocketNanoseconds, double rate) {
 int main(int argc, char** argv) {
     int longest = 131072;
     double limit = 20;
-    for (int i = 1; i + 1 < argc; i += 2) {
-        if (std::strcmp(argv[i], "--longest") == 0) longest = std::atoi(argv[i + 1]);
-        if (std::strcmp(argv[i], "--limit") == 0) limit = std::atof(argv[i + 1]);
-    }
+    CLI::App app("Plans and runs of the DCT-IV in core cycles, beside other libraries.");
+    app.add_option("--longest", longest, "the longest transform (131072)")
+        ->type_name("N")
+        ->check(CLI::Range(2, 1 << 20));
+    app.add_option("--limit", limit, "of FFTW's planning of each length (20)")
+        ->type_name("SECONDS")
+        ->check(CLI::PositiveNumber);
+    CLI11_PARSE(app, argc, argv);
     const auto pocket = pocketfftTimes(longest);
     const double rate = cyclesPerNanosecond();
     std::printf(
