@@ -108,7 +108,6 @@ TEST(Families, ByLengthFunctionsReachTheirKernels) {
     int followed = 0;
     for (const DataRow& family : dataTable("families").rows()) {
         const std::string& function = family.text("dispatcher");
-        if (!library().has(function)) continue;
         const long first = family.integer("first"), last = family.integer("last");
         for (const long n : {first - 1, 0L, -1L, -2L, last + 1, 100L, 256L + first, 65536L + first,
                              2147483647L, -2147483648L, -2147483648L + first}) {

@@ -41,6 +41,9 @@ struct Kernel {
     std::string kind() const { return row("wht_bodies").text("kind"); }
     bool scalar() const { return kind() == "scalar"; }
     bool hasTwin() const { return kind() == "twin"; }
+    std::vector<std::string> functions() const {
+        return hasTwin() ? std::vector{name(), twin()} : std::vector{name()};
+    }
     bool passes() const { return find("wht_passes") != nullptr; }
     long bufferBytes() const {
         return dataTable("wht_buffer").row("order", order).integer(type() + "_bytes");
@@ -80,8 +83,7 @@ TEST_P(Machine, GateAndBodies) {
     for (const std::string& complaint : checkKernel(library(), facts)) ADD_FAILURE() << complaint;
     EXPECT_EQ(library().has(k.twin()), k.hasTwin());
     // The calls: of the allocator, where there is a buffer.
-    for (const std::string& name : {k.name(), k.twin()}) {
-        if (!library().has(name)) continue;
+    for (const std::string& name : k.functions()) {
         const auto& code = library().function(name).instructions;
         EXPECT_EQ(std::count_if(code.begin(), code.end(),
                                 [](const Instruction& i) { return i.kind == Kind::call; }),
@@ -302,8 +304,7 @@ TEST_P(VectorMachine, StepsOfThePasses) {
 TEST_P(Machine, Operations) {
     const Kernel& k = GetParam();
     const long n = k.points(), lanes = k.scalar() ? 1 : k.lanes();
-    for (const std::string& name : {k.name(), k.twin()}) {
-        if (!library().has(name)) continue;
+    for (const std::string& name : k.functions()) {
         for (const std::int32_t flag : {8, 4, 1, 2}) {
             CallSetup setup;
             setup.flag = flag;
