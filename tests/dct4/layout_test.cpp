@@ -273,6 +273,40 @@ TEST(Layout, OfAFailedBuild) {
     }
 }
 
+// Nothing is written of a short plan's radix, which it has none of.
+TEST(Layout, OfAShortPlanLeavesTheRadixAlone) {
+    for (std::int32_t N = 2; N <= 32; N *= 2) {
+        Plan plan(N);
+        std::int32_t untouched;
+        std::memset(&untouched, Block::fill, sizeof untouched);
+        EXPECT_EQ(plan.top()->r, untouched) << N;
+    }
+}
+
+// A node gives back its scratch and its role lists before the children go.
+TEST(Layout, OfTheArenaWhenChildrenGo) {
+    static Arena* arena;
+    static std::vector<std::uint64_t> seen;
+    const auto look = [](NodeHeader*) { seen.push_back(arena->bump()); };
+    for (const std::int32_t N : {64, 4096}) {
+        Plan plan(N);
+        arena = plan.block.arena();
+        const std::uint64_t scratch = static_cast<std::uint64_t>(N) * sizeof(Real);
+        const auto expectBefore = [&](NodeHeader* node, NodeHeader* firstChild) {
+            const std::uint64_t before = arena->bump();
+            const Destructor destructor = firstChild->destructor;
+            firstChild->destructor = look;
+            seen.clear();
+            node->destructor(node);
+            EXPECT_EQ(seen, std::vector<std::uint64_t>{before - scratch - 64}) << N;
+            firstChild->destructor = destructor;
+            arena->setBump(before);
+        };
+        for (Env7* level : plan.levels()) expectBefore(level, EnvList_get(level->children, 0));
+        expectBefore(plan.top(), EnvList_get(plan.top()->children, 0));
+    }
+}
+
 // Which kernels finished plans run.
 struct Reached {
     std::set<long> env4, env5, env8, env9;
