@@ -359,8 +359,11 @@ class LaneLowering {
                 if (x.source != kAny) return registerOf(x.source, stage);
         }
         if (const auto shuffle = oneShuffle(t)) return emit(*shuffle, stage);
-        const Half low = half(t[0], t[1], stage);
-        const Half high = half(t[2], t[3], stage);
+        Half low = half(t[0], t[1], stage);
+        Half high = half(t[2], t[3], stage);
+        // A half that may hold anything, as the upper one of an output alone in its vector.
+        if (low.source == kAny) low.source = high.source;
+        if (high.source == kAny) high.source = low.source;
         return emit({Opcode::Shufps, low.source, high.source,
                      immediateOf(low.first, low.second, high.first, high.second)},
                     stage);
