@@ -25,6 +25,19 @@ extern "C" void onFault(int signal, siginfo_t* info, void*) {
     siglongjmp(resume, 1);
 }
 
+// Whether the work ends by itself. A function of its own, so that no variable lives across the
+// jump.
+bool finishes(const std::function<void()>& work) {
+    catching = 1;
+    const auto stop = [](bool result) {
+        catching = 0;
+        return result;
+    };
+    if (sigsetjmp(resume, 1) != 0) return stop(false);
+    work();
+    return stop(true);
+}
+
 }  // namespace
 
 GuardedMemory::GuardedMemory(std::size_t bytes) {
@@ -53,25 +66,17 @@ std::string catchFault(const std::function<void()>& work, const void* origin) {
     sigaction(SIGSEGV, &ours, &oldSegv);
     sigaction(SIGBUS, &ours, &oldBus);
     sigaction(SIGFPE, &ours, &oldFpe);
-    std::string result;
-    catching = 1;
-    if (sigsetjmp(resume, 1) == 0) {
-        work();
-    } else if (faultSignal == SIGFPE) {
-        result = "trap of the arithmetic";
-    } else if (faultAddress == 0) {
-        // What the processor reports for an aligned access off its boundary.
-        result = "general protection fault (misaligned access or null)";
-    } else {
-        const auto distance = static_cast<std::int64_t>(faultAddress) -
-                              static_cast<std::int64_t>(reinterpret_cast<std::uintptr_t>(origin));
-        result = "forbidden access at byte " + std::to_string(distance);
-    }
-    catching = 0;
+    const bool done = finishes(work);
     sigaction(SIGSEGV, &oldSegv, nullptr);
     sigaction(SIGBUS, &oldBus, nullptr);
     sigaction(SIGFPE, &oldFpe, nullptr);
-    return result;
+    if (done) return "";
+    if (faultSignal == SIGFPE) return "trap of the arithmetic";
+    // What the processor reports for an aligned access off its boundary.
+    if (faultAddress == 0) return "general protection fault (misaligned access or null)";
+    const auto distance = static_cast<std::int64_t>(faultAddress) -
+                          static_cast<std::int64_t>(reinterpret_cast<std::uintptr_t>(origin));
+    return "forbidden access at byte " + std::to_string(distance);
 }
 
 }  // namespace orvgen::test
