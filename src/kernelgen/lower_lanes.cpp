@@ -1,62 +1,38 @@
 // Data movement of four-lane graphs: which loads, shuffles and stores bring the lanes together that
 // a flow packs.
 //
-// A pack names four lanes of other values. One shuffle makes it if its lanes come as two of one
-// vector and two of another, or interleaved. Otherwise its lower and its upper two lanes are
-// brought together first, each in an intermediate of two vectors, and one shuffle joins them. An
-// intermediate can serve several packs: of each pair of vectors the lane pairs that are wanted are
-// covered by as few intermediates as a greedy choice finds. Four packs that transpose four vectors
-// come out as the eight shuffles of a transpose.
+// A pack names four lanes of other values; lane_shuffles.h tells how they come together.
 #include <algorithm>
 #include <optional>
 #include <stdexcept>
 
+#include "lane_shuffles.h"
 #include "lower.h"
 
 namespace orvgen::kernelgen {
 
 namespace {
 
-using Source = int;  // a vector that lanes are taken from
-constexpr Source kAny = -1;
-
-struct Target {
-    Source source = kAny;  // kAny: the lane may hold anything
-    int lane = 0;          // of the zero vector every lane will do
-};
-
-using Targets = std::array<Target, 4>;
-
-struct Shuffle {
-    Opcode op;
-    Source a, b;
-    int immediate = 0;
-};
-
-int immediateOf(int i0, int i1, int i2, int i3) { return i0 | i1 << 2 | i2 << 4 | i3 << 6; }
-
-// Two vectors merged by one shuffle; position[s][l] is where lane l of vector s stands in it.
-struct Intermediate {
-    Shuffle shuffle;
-    std::array<std::array<int, 4>, 2> position;
-    Source result = kAny;
-};
-
 class LaneLowering {
   public:
     LaneLowering(const Graph& graph, const LoweringOptions& options)
-        : graph_(graph), options_(options), pool_(code_) {
+        : graph_(graph),
+          options_(options),
+          pool_(code_),
+          sources_(graph.nodes().size() + 1, kNoRegister),
+          zero_(static_cast<Source>(graph.nodes().size())),
+          shuffles_(zero_) {
         code_.stages = graph.stages();
-        sources_.resize(graph.nodes().size());
-        zero_ = newSource();
     }
 
     Code run() {
         planLoads();
         planOutputs();
-        for (const Targets& targets : packTargets_) noteNeeds(targets);
-        for (const OutputVector& output : outputs_) noteNeeds(output.targets);
-        chooseIntermediates();
+        for (const Targets& targets : packTargets_) shuffles_.note(targets);
+        for (const OutputVector& output : outputs_) shuffles_.note(output.targets);
+        sources_.resize(static_cast<std::size_t>(
+                            shuffles_.chooseIntermediates(static_cast<Source>(sources_.size()))),
+                        kNoRegister);
         emitNodes();
         emitOutputs();
         return std::move(code_);
@@ -68,12 +44,6 @@ class LaneLowering {
         int low = -1, high = -1;  // elements of dst
         int stage = 0;
     };
-    struct Need {
-        int i, j;  // lane of the first vector, of the second
-        auto operator<=>(const Need&) const = default;
-    };
-    using SourcePair = std::pair<Source, Source>;
-
     const Node& node(NodeId id) const { return graph_.node(id); }
     bool isInput(const Lane& l) const { return node(l.node).op == Op::Input; }
     bool isZero(const Lane& l) const { return node(l.node).op == Op::Zero; }
@@ -162,132 +132,6 @@ class LaneLowering {
         return t;
     }
 
-    // ---- shuffles ---------------------------------------------------------------------------
-
-    // The one vector that a two-lane half of the targets lies in, if it does.
-    static std::optional<Source> common(const Target& x, const Target& y) {
-        if (x.source == kAny) return y.source;
-        if (y.source == kAny || x.source == y.source) return x.source;
-        return std::nullopt;
-    }
-
-    bool matches(const Target& t, Source source, int lane) const {
-        return t.source == kAny || (t.source == source && (source == zero_ || t.lane == lane));
-    }
-
-    std::optional<Shuffle> oneShuffle(const Targets& t) const {
-        const auto interleaved = [&](int first) -> std::optional<SourcePair> {
-            const auto a = common(t[0], t[2]);
-            const auto b = common(t[1], t[3]);
-            if (!a || !b || *a == kAny || *b == kAny) return std::nullopt;
-            for (int l = 0; l < 2; ++l) {
-                const auto at = static_cast<std::size_t>(2 * l);
-                if (!matches(t[at], *a, first + l) || !matches(t[at + 1], *b, first + l))
-                    return std::nullopt;
-            }
-            return SourcePair{*a, *b};
-        };
-        if (const auto p = interleaved(0)) return Shuffle{Opcode::Unpcklps, p->first, p->second};
-        if (const auto p = interleaved(2)) return Shuffle{Opcode::Unpckhps, p->first, p->second};
-        auto a = common(t[0], t[1]);
-        auto b = common(t[2], t[3]);
-        if (!a || !b) return std::nullopt;
-        if (*a == kAny) a = b;
-        if (*b == kAny) b = a;
-        const auto isPair = [&](std::size_t at, Source s, int lane) {
-            return matches(t[at], s, lane) && matches(t[at + 1], s, lane + 1);
-        };
-        if (isPair(0, *a, 0) && isPair(2, *b, 0)) return Shuffle{Opcode::Movlhps, *a, *b};
-        if (isPair(0, *a, 2) && isPair(2, *b, 2)) return Shuffle{Opcode::Movhlps, *b, *a};
-        return Shuffle{Opcode::Shufps, *a, *b,
-                       immediateOf(t[0].lane, t[1].lane, t[2].lane, t[3].lane)};
-    }
-
-    bool isIdentity(const Targets& t) const {
-        Source s = kAny;
-        for (int l = 0; l < 4; ++l) {
-            const Target& x = t[static_cast<std::size_t>(l)];
-            if (x.source == kAny) continue;
-            if (s == kAny) s = x.source;
-            if (!matches(x, s, l)) return false;
-        }
-        return s != kAny;
-    }
-
-    static SourcePair ordered(Source a, Source b) {
-        return a < b ? SourcePair{a, b} : SourcePair{b, a};
-    }
-
-    void noteNeeds(const Targets& t) {
-        if (isIdentity(t) || oneShuffle(t)) return;
-        for (std::size_t h = 0; h < 4; h += 2) {
-            if (common(t[h], t[h + 1])) continue;
-            const SourcePair pair = ordered(t[h].source, t[h + 1].source);
-            const bool turned = pair.first != t[h].source;
-            const Target& x = t[turned ? h + 1 : h];
-            const Target& y = t[turned ? h : h + 1];
-            auto& list = needs_[pair];
-            const Need need{x.lane, y.lane};
-            if (std::find(list.begin(), list.end(), need) == list.end()) list.push_back(need);
-        }
-    }
-
-    static std::vector<Intermediate> candidates(Source a, Source b) {
-        std::vector<Intermediate> all;
-        all.push_back({{Opcode::Unpcklps, a, b}, {{{0, 2, -1, -1}, {1, 3, -1, -1}}}});
-        all.push_back({{Opcode::Unpckhps, a, b}, {{{-1, -1, 0, 2}, {-1, -1, 1, 3}}}});
-        for (int i1 = 0; i1 < 4; ++i1)
-            for (int i2 = i1; i2 < 4; ++i2)
-                for (int j1 = 0; j1 < 4; ++j1)
-                    for (int j2 = j1; j2 < 4; ++j2) {
-                        Intermediate m{{Opcode::Shufps, a, b, immediateOf(i1, i2, j1, j2)}, {}};
-                        for (auto& side : m.position) side.fill(-1);
-                        m.position[0][static_cast<std::size_t>(i2)] = 1;
-                        m.position[0][static_cast<std::size_t>(i1)] = 0;
-                        m.position[1][static_cast<std::size_t>(j2)] = 3;
-                        m.position[1][static_cast<std::size_t>(j1)] = 2;
-                        all.push_back(m);
-                    }
-        return all;
-    }
-
-    // Position of lane l of a pair's vector `side` in an intermediate; any lane of zeros will do.
-    int positionIn(const Intermediate& m, std::size_t side, Source source, int lane) const {
-        if (source == zero_)
-            return *std::max_element(m.position[side].begin(), m.position[side].end());
-        return m.position[side][static_cast<std::size_t>(lane)];
-    }
-
-    bool covers(const Intermediate& m, const SourcePair& pair, const Need& need) const {
-        return positionIn(m, 0, pair.first, need.i) >= 0 &&
-               positionIn(m, 1, pair.second, need.j) >= 0;
-    }
-
-    void chooseIntermediates() {
-        for (const auto& entry : needs_) {
-            const SourcePair& pair = entry.first;
-            std::vector<Need> open = entry.second;
-            const auto all = candidates(pair.first, pair.second);
-            while (!open.empty()) {
-                const Intermediate* best = nullptr;
-                std::ptrdiff_t most = 0;
-                for (const Intermediate& m : all) {
-                    const auto covered =
-                        std::count_if(open.begin(), open.end(),
-                                      [&](const Need& n) { return covers(m, pair, n); });
-                    if (covered > most) {
-                        most = covered;
-                        best = &m;
-                    }
-                }
-                Intermediate chosen = *best;
-                chosen.result = newSource();
-                std::erase_if(open, [&](const Need& n) { return covers(chosen, pair, n); });
-                intermediates_[pair].push_back(chosen);
-            }
-        }
-    }
-
     // ---- emission ---------------------------------------------------------------------------
 
     Instruction& push(Opcode op, int stage) {
@@ -339,33 +183,23 @@ class LaneLowering {
         int first, second;
     };
     Half half(const Target& x, const Target& y, int stage) {
-        if (const auto s = common(x, y)) return {*s, x.lane, y.lane};
-        const SourcePair pair = ordered(x.source, y.source);
-        const bool turned = pair.first != x.source;
-        for (Intermediate& m : intermediates_[pair]) {
-            const int px = positionIn(m, turned ? 1 : 0, x.source, x.lane);
-            const int py = positionIn(m, turned ? 0 : 1, y.source, y.lane);
-            if (px < 0 || py < 0) continue;
-            Register& r = sources_[static_cast<std::size_t>(m.result)];
-            if (r == kNoRegister) r = emit(m.shuffle, stage);
-            return {m.result, px, py};
-        }
-        throw std::logic_error("no intermediate for two lanes");
+        if (const auto s = LaneShuffles::common(x, y)) return {*s, x.lane, y.lane};
+        const auto [m, px, py] = shuffles_.find(x, y);
+        Register& r = sources_[static_cast<std::size_t>(m.result)];
+        if (r == kNoRegister) r = emit(m.shuffle, stage);
+        return {m.result, px, py};
     }
 
     Register gather(const Targets& t, int stage) {
-        if (isIdentity(t)) {
-            for (const Target& x : t)
-                if (x.source != kAny) return registerOf(x.source, stage);
-        }
-        if (const auto shuffle = oneShuffle(t)) return emit(*shuffle, stage);
+        if (const auto source = shuffles_.identity(t)) return registerOf(*source, stage);
+        if (const auto shuffle = shuffles_.oneShuffle(t)) return emit(*shuffle, stage);
         Half low = half(t[0], t[1], stage);
         Half high = half(t[2], t[3], stage);
         // A half that may hold anything, as the upper one of an output alone in its vector.
         if (low.source == kAny) low.source = high.source;
         if (high.source == kAny) high.source = low.source;
         return emit({Opcode::Shufps, low.source, high.source,
-                     immediateOf(low.first, low.second, high.first, high.second)},
+                     shuffleImmediate(low.first, low.second, high.first, high.second)},
                     stage);
     }
 
@@ -493,12 +327,11 @@ class LaneLowering {
     PoolBuilder pool_;
     std::vector<Register> sources_;  // a graph's node is the source of the same number
     Source zero_;
+    LaneShuffles shuffles_;
     std::vector<std::pair<std::pair<int, int>, Source>> pairs_;
     std::vector<Targets> packTargets_;
     std::map<NodeId, int> packOf_;
     std::vector<OutputVector> outputs_;
-    std::map<SourcePair, std::vector<Need>> needs_;
-    std::map<SourcePair, std::vector<Intermediate>> intermediates_;
 };
 
 }  // namespace
