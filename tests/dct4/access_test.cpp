@@ -37,16 +37,17 @@ TEST(Access, StaysInsideExactArrays) {
     }
 }
 
-// A plan of which only the four bytes of the rule can be read, those before it or those behind it
-// being forbidden.
+// A plan of which only the rule can be read, what stands before it or what stands behind the radix,
+// which shares its eight bytes, being forbidden.
 TEST(Access, ReadsOfAShortPlanTheRuleAlone) {
     constexpr std::size_t ruleAt = 64;
     for (std::int32_t N = 2, rule = 1; N <= 32; N *= 2, ++rule) {
         const std::vector<Real> x = randomVector(N, 2);
         const std::vector<Real> expected = Plan(N)(x);
         GuardedMemory memory(4096);
-        for (std::uint8_t* at : {memory.data(), memory.end() - sizeof rule}) {
-            std::memcpy(at, &rule, sizeof rule);
+        for (std::uint8_t* at : {memory.data(), memory.end() - 2 * sizeof rule}) {
+            const std::int32_t fields[] = {rule, -1};
+            std::memcpy(at, fields, sizeof fields);
             auto* spec = reinterpret_cast<Spec*>(at - ruleAt);
             std::vector<Real> y(x.size());
             Real* dst = y.data();
