@@ -29,7 +29,9 @@ std::string report(const ListedKernel& k) {
     tester.variants = {{"by length", typed(k.dispatch)}};
     if (k.twin) tester.variants.push_back({k.twinName, typed(k.twin)});
     tester.reference = [&](const Real* src, Real* dst, std::int32_t flag) {
-        orvgen::kernelgen::evaluate(kernel.flow, src, dst, scale.at(flag));
+        std::vector<Real> whole(src, src + k.srcCount);
+        whole.resize(k.srcCount + k.srcBeyond);  // any finite value
+        orvgen::kernelgen::evaluate(kernel.flow, whole.data(), dst, scale.at(flag));
     };
     tester.srcCount = k.srcCount;
     tester.dstCount = k.dstCount;
