@@ -359,6 +359,10 @@ void reach(const Function& function, std::set<std::string>& names) {
     }
 }
 
+// What the plan machine calls beside its named operations: functions of its C++, which may or may
+// not be inlined; what they call is looked at in turn.
+const std::string insideName = "_ZN6orvgen4dct4";
+
 // A run calls no library function, no allocator, no trigonometry: kernels and the list's access.
 TEST(MachineCalls, OfARun) {
     for (const FamilyCode& family : families) {
@@ -388,7 +392,7 @@ TEST(MachineCalls, OfTheTwoPasses) {
         for (const std::string& name : sizing) {
             EXPECT_TRUE(name.ends_with("_mem") || name == "divisorsIntNonTriv" ||
                         name == "orvgAlignSize32Bytes" || name.starts_with("orvgDCT4GetSize") ||
-                        name.find("oddFrequencyMem") != std::string::npos)
+                        name == "EnvList_add_mem" || name.starts_with(insideName))
                 << name;
         }
         std::set<std::string> building;
