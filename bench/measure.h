@@ -24,6 +24,7 @@ struct Effort {
     int callsAtLeast = 300;
     int briefSamples = 31;
     int briefCalls = 8;
+    int copies = 2;  // of the library, beside the file as built; the fastest counts
 };
 
 class Measurement {

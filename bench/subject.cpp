@@ -1,6 +1,7 @@
 #include "subject.h"
 
 #include <cstdlib>
+#include <stdexcept>
 #include <type_traits>
 
 #include "orvgen.h"
@@ -51,31 +52,13 @@ std::string formatOf(const std::string& name) {
 }
 
 template <class Call>
-[[maybe_unused]] void add(std::vector<Subject>& list, const std::string& name,
-                          const std::string& family, const std::string& format,
-                          const Problem& problem, Call call) {
+void add(std::vector<Subject>& list, const std::string& name, const std::string& family,
+         const std::string& format, const Problem& problem, Call call) {
     list.push_back({name, family, format, problem, makeLoop(problem, call)});
 }
 
-// Tables of these: compilers take minutes over a function with a thousand calls of templates.
-template <class T>
-struct Row {
-    int length;
-    OrvStatus (*function)(const T* src, T* dst, std::int32_t flag);
-};
-
-template <class T>
-void addLength(std::vector<Subject>& list, const std::string& name, const std::string& type,
-               const Row<T>& row) {
-    add(list, "orvg" + name + "_" + std::to_string(row.length) + "_" + type, name + "_" + type,
-        formatOf(name), problemOf(name, row.length, realBytes<T>()),
-        [function = row.function](const void* s, void* d) {
-            function(static_cast<const T*>(s), static_cast<T*>(d), orvScaleBySqrtN);
-        });
-}
-
 // Of the transforms on N reals.
-[[maybe_unused]] Problem realProblem(Transform transform, int n, std::size_t real) {
+Problem realProblem(Transform transform, int n, std::size_t real) {
     Problem p;
     p.transform = transform;
     p.wide = real == sizeof(double);
@@ -84,47 +67,66 @@ void addLength(std::vector<Subject>& list, const std::string& name, const std::s
     return p;
 }
 
-[[maybe_unused]] std::shared_ptr<std::uint8_t> buffer(int bytes) {
+std::shared_ptr<std::uint8_t> buffer(int bytes) {
     const auto size = (static_cast<std::size_t>(bytes) + 127) / 64 * 64;
     return {static_cast<std::uint8_t*>(std::aligned_alloc(64, size)), std::free};
 }
 
+template <class T>
+void addLength(std::vector<Subject>& list, const KernelLibrary& library, const std::string& name,
+               int n, const std::string& type) {
+    const std::string kernel = "orvg" + name + "_" + std::to_string(n) + "_" + type;
+    auto* function = library.function<OrvStatus(const T*, T*, std::int32_t)>(kernel);
+    add(list, kernel, name + "_" + type, formatOf(name), problemOf(name, n, realBytes<T>()),
+        [function](const void* s, void* d) {
+            function(static_cast<const T*>(s), static_cast<T*>(d), orvScaleBySqrtN);
+        });
+}
+
+template <class T>
+void addOrder(std::vector<Subject>& list, const KernelLibrary& library, const std::string& name,
+              int order, const std::string& type) {
+    std::int32_t bytes = 0;
+    library.function<OrvStatus(std::int32_t, std::int32_t*)>("orvg" + name + "GetBufferSize_" +
+                                                             type)(order, &bytes);
+    const auto work = buffer(bytes);
+    const std::string kernel = "orvg" + name + "_" + std::to_string(order) + "_" + type;
+    auto* function = library.function<OrvStatus(const T*, T*, std::int32_t, std::uint8_t*)>(kernel);
+    add(list, kernel, name + "_" + type, "",
+        realProblem(Transform::wht, 1 << order, realBytes<T>()),
+        [function, work](const void* s, void* d) {
+            function(static_cast<const T*>(s), static_cast<T*>(d), orvScaleBySqrtN, work.get());
+        });
+}
+
+template <class T, class Spec>
+void addPlan(std::vector<Subject>& list, const KernelLibrary& library, const std::string& name,
+             int n, const std::string& type) {
+    const std::string run = "orvg" + name + "_" + type;
+    Spec* made = nullptr;
+    auto* init =
+        library.function<OrvStatus(Spec**, std::int32_t)>("orvg" + name + "InitAlloc_" + type);
+    if (init(&made, n) != orvOk) throw std::runtime_error("no plan of " + run);
+    const std::shared_ptr<Spec> plan(
+        made, library.function<OrvStatus(Spec*)>("orvg" + name + "Free_" + type));
+    auto* function = library.function<OrvStatus(const T*, T*, const Spec*)>(run);
+    add(list, run + " of " + std::to_string(n), name + "_" + type, "",
+        realProblem(Transform::dct4, n, realBytes<T>()), [function, plan](const void* s, void* d) {
+            function(static_cast<const T*>(s), static_cast<T*>(d), plan.get());
+        });
+}
+
 }  // namespace
 
-#define LENGTH_ROW(NAME, N, T) {N, orvg##NAME##_##N##_##T},
-#define ADD_LENGTHS(NAME, T, LIST)                                         \
-    {                                                                      \
-        static constexpr Row<Orv##T> rows[] = {LIST(LENGTH_ROW, NAME, T)}; \
-        for (const auto& row : rows) addLength(list, #NAME, #T, row);      \
-    }
-
-#define ADD_ORDER(NAME, K, T)                                                                  \
-    {                                                                                          \
-        int32_t bytes = 0;                                                                     \
-        orvg##NAME##GetBufferSize_##T(K, &bytes);                                              \
-        const auto work = buffer(bytes);                                                       \
-        add(list, "orvg" #NAME "_" #K "_" #T, #NAME "_" #T, "",                                \
-            realProblem(Transform::wht, 1 << K, realBytes<Orv##T>()),                          \
-            [work](const void* s, void* d) {                                                   \
-                orvg##NAME##_##K##_##T(static_cast<const Orv##T*>(s), static_cast<Orv##T*>(d), \
-                                       orvScaleBySqrtN, work.get());                           \
-            });                                                                                \
-    }
+#define ADD_LENGTH(NAME, N, T) addLength<Orv##T>(list, library, #NAME, N, #T);
+#define ADD_LENGTHS(NAME, T, LIST) LIST(ADD_LENGTH, NAME, T)
+#define ADD_ORDER(NAME, K, T) addOrder<Orv##T>(list, library, #NAME, K, #T);
 #define ADD_ORDERS(NAME, T, LIST) LIST(ADD_ORDER, NAME, T)
+#define ADD_PLANS(NAME, T)             \
+    for (int n = 2; n <= 8192; n *= 2) \
+        addPlan<Orv##T, Orv##NAME##Spec_##T>(list, library, #NAME, n, #T);
 
-#define ADD_PLANS(NAME, T)                                                                         \
-    for (int n = 2; n <= 8192; n *= 2) {                                                           \
-        Orv##NAME##Spec_##T* made = nullptr;                                                       \
-        if (orvg##NAME##InitAlloc_##T(&made, n) != orvOk) continue;                                \
-        const std::shared_ptr<Orv##NAME##Spec_##T> plan(made, orvg##NAME##Free_##T);               \
-        add(list, "orvg" #NAME "_" #T " of " + std::to_string(n), #NAME "_" #T, "",                \
-            realProblem(Transform::dct4, n, realBytes<Orv##T>()), [plan](const void* s, void* d) { \
-                orvg##NAME##_##T(static_cast<const Orv##T*>(s), static_cast<Orv##T*>(d),           \
-                                 plan.get());                                                      \
-            });                                                                                    \
-    }
-
-std::vector<Subject> allSubjects() {
+std::vector<Subject> allSubjects(const KernelLibrary& library) {
     std::vector<Subject> list;
     ORVGEN_LENGTH_FAMILIES(ADD_LENGTHS)
     ORVGEN_ORDER_FAMILIES(ADD_ORDERS)

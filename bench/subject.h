@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "kernel_library.h"
+
 namespace orvgen::bench {
 
 enum class Transform { complexDft, realForward, realInverse, hartley, wht, dct4 };
@@ -33,7 +35,7 @@ struct Subject {
 };
 
 // All kernels that exist, in the order of the lists. DCT-IV: the lengths 2 to 8192.
-std::vector<Subject> allSubjects();
+std::vector<Subject> allSubjects(const KernelLibrary& library);
 
 // A zero that is there only when the result is: made of the first, a middle and the last word of
 // it.
