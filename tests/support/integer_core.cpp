@@ -7,6 +7,8 @@
 #include <set>
 #include <stdexcept>
 
+#include "support/integer_state.h"
+
 namespace orvgen::test {
 namespace {
 
@@ -17,32 +19,11 @@ constexpr std::uint64_t bufferBase = std::uint64_t{0x30} << 32;
 constexpr std::uint64_t importBase = std::uint64_t{0x60} << 32;
 // At entry the stack pointer is 8 past a 16-byte boundary: the return address lies there.
 constexpr std::uint64_t entryStack = (std::uint64_t{0x70} << 32) - 8;
-constexpr std::uint64_t stackBytes = 1 << 20;
-constexpr std::uint64_t stackLow = entryStack - stackBytes;
 constexpr std::uint64_t returnAddress = std::uint64_t{0x7e} << 32;
 constexpr std::size_t stepLimit = 8'000'000;
 
 constexpr int rax = 0, rcx = 1, rdx = 2, rsp = 4, rsi = 6, rdi = 7, r8 = 8;
 constexpr int calleeSaved[] = {3, 5, 12, 13, 14, 15};
-
-struct Value {
-    std::uint64_t bits = 0;
-    bool known = false;
-};
-
-struct Stop {
-    std::string why;
-};
-
-std::uint64_t mask(int size) {
-    return size == 8 ? ~std::uint64_t{0} : (std::uint64_t{1} << (8 * size)) - 1;
-}
-
-std::uint64_t signExtend(std::uint64_t v, int size) {
-    if (size == 8) return v;
-    const std::uint64_t sign = std::uint64_t{1} << (8 * size - 1);
-    return ((v & mask(size)) ^ sign) - sign;
-}
 
 class Core {
   public:
@@ -64,16 +45,13 @@ class Core {
     }
 
   private:
-    enum class Shadow : std::uint8_t { untouched, data, known };
-
     const MachineCode& code;
     const CallSetup& setup;
     Trace trace;
     std::array<Value, 16> reg{};
     std::array<bool, 16> vectorWritten{};
-    std::vector<std::uint8_t> stack = std::vector<std::uint8_t>(stackBytes + 8);
-    std::vector<Shadow> shadow = std::vector<Shadow>(stackBytes + 8, Shadow::untouched);
-    bool zf = false, sf = false, cf = false, of = false, flagsKnown = false;
+    ShadowStack stack{entryStack};
+    Flags flags;
     std::uint64_t ip = 0;
     const Function* function = nullptr;
     const Instruction* current = nullptr;
@@ -108,7 +86,7 @@ class Core {
         pass({rubbish | static_cast<std::uint32_t>(setup.flag), true});
         pass({setup.bufferNull ? 0 : bufferBase, true});
         reg[rsp] = {entryStack, true};
-        writeStack(entryStack, 8, {returnAddress, true}, false);
+        stack.write(entryStack, 8, {returnAddress, true});
     }
 
     void finish() {
@@ -126,37 +104,19 @@ class Core {
 
     // ---- memory
 
-    void writeStack(std::uint64_t address, int size, Value v, bool counted = true) {
-        if (address < stackLow || address + static_cast<unsigned>(size) > entryStack + 8) {
-            throw Stop{"store outside the frame"};
-        }
-        if (counted) deepest(address);
-        const std::uint64_t at = address - stackLow;
-        for (int i = 0; i < size; ++i) {
-            const std::uint64_t k = at + static_cast<unsigned>(i);
-            if (i < 8) stack[k] = static_cast<std::uint8_t>(v.bits >> (8 * i));
-            shadow[k] = v.known ? Shadow::known : Shadow::data;
-        }
-    }
-
-    Value readStack(std::uint64_t address, int size) {
-        if (address < stackLow || address + static_cast<unsigned>(size) > entryStack + 8) {
-            throw Stop{"load outside the frame"};
-        }
-        const std::uint64_t at = address - stackLow;
-        Value v{0, true};
-        for (int i = 0; i < size; ++i) {
-            const std::uint64_t k = at + static_cast<unsigned>(i);
-            if (i < 8) v.bits |= static_cast<std::uint64_t>(stack[k]) << (8 * i);
-            if (shadow[k] != Shadow::known) v.known = false;
-            if (shadow[k] == Shadow::untouched) complain("reads a frame slot never written");
-        }
-        return v;
+    void writeStack(std::uint64_t address, int size, Value v) {
+        stack.write(address, size, v);
+        deepest(address);
     }
 
     void deepest(std::uint64_t address) {
         trace.frameBytes =
             std::max(trace.frameBytes, static_cast<std::int64_t>(entryStack - address));
+    }
+
+    Value readStack(std::uint64_t address, int size) {
+        if (!stack.written(address, size)) complain("reads a frame slot never written");
+        return stack.read(address, size);
     }
 
     std::uint64_t address(const Operand& o) {
@@ -194,7 +154,7 @@ class Core {
             place(Region::dst, dstBase + static_cast<unsigned>(setup.dstMisalignment));
         } else if (within(bufferBase)) {
             place(Region::buffer, bufferBase);
-        } else if (a >= stackLow && a < entryStack + 8) {
+        } else if (stack.holds(a)) {
             place(Region::frame, entryStack);
         } else if (!code.image().bytes(a, static_cast<unsigned>(size)).empty()) {
             place(Region::constants, 0);
@@ -365,23 +325,6 @@ class Core {
         if (access.store) writeStack(a, o.size, {0, false});
     }
 
-    void setFlags(std::uint64_t result, int size) {
-        result &= mask(size);
-        zf = result == 0;
-        sf = (result >> (8 * size - 1)) != 0;
-    }
-
-    bool condition(const std::string& suffix) {
-        if (!flagsKnown) throw Stop{"branch or choice on unknown data"};
-        static const std::map<std::string, int> codes = {
-            {"o", 0}, {"no", 1}, {"b", 2},  {"ae", 3}, {"e", 4},   {"ne", 5},  {"be", 6},
-            {"a", 7}, {"s", 8},  {"ns", 9}, {"l", 10}, {"ge", 11}, {"le", 12}, {"g", 13}};
-        const auto it = codes.find(suffix);
-        if (it == codes.end()) throw Stop{"condition not understood"};
-        const bool values[] = {of, cf, zf, cf || zf, sf, sf != of, zf || sf != of};
-        return values[it->second / 2] != (it->second % 2 == 1);
-    }
-
     void push(Value v) {
         reg[rsp].bits -= 8;
         writeStack(reg[rsp].bits, 8, v);
@@ -417,7 +360,7 @@ class Core {
         }
         reg[rax] = result;
         vectorWritten.fill(false);
-        flagsKnown = false;
+        flags.known = false;
         ip = pop().bits;
         function = nullptr;
     }
@@ -436,7 +379,7 @@ class Core {
             push({ip, true});
             ip = t;
         } else if (in.kind == Kind::jump) {
-            if (m == "jmp" || condition(m.substr(1))) ip = target();
+            if (m == "jmp" || flags.condition(m.substr(1))) ip = target();
         } else if (m == "mov" || m == "movabs" || m == "movzx") {
             write(a, read(b));  // whole, or zero-extended
         } else if (m == "lea") {
@@ -457,11 +400,11 @@ class Core {
         } else if (m == "cdqe") {
             reg[rax].bits = signExtend(reg[rax].bits, 4);
         } else if (m.starts_with("set")) {
-            write(a, {condition(m.substr(3)) ? 1U : 0U, true});
+            write(a, {flags.condition(m.substr(3)) ? 1U : 0U, true});
         } else if (m.starts_with("cmov")) {
             const Value v = read(b);
             const Value old = read(a);
-            write(a, condition(m.substr(4)) ? v : old);
+            write(a, flags.condition(m.substr(4)) ? v : old);
         } else {
             arithmetic(in, m, a, b);
         }
@@ -521,21 +464,21 @@ class Core {
             const Value p = in.operandCount == 3 ? read(b) : x;
             const Value q = in.operandCount == 3 ? read(in.operands[2]) : y;
             write(a, {p.bits * q.bits, p.known && q.known});
-            flagsKnown = false;
+            flags.known = false;
             return;
         } else if (m == "bt") {
             const std::uint64_t bit = y.bits & static_cast<unsigned>(8 * size - 1);
-            cf = ((x.bits >> bit) & 1) != 0;
-            flagsKnown = r.known;
+            flags.carry = ((x.bits >> bit) & 1) != 0;
+            flags.known = r.known;
             return;
         } else {
             throw Stop{"instruction not understood"};
         }
-        const bool old = cf;
-        setFlags(r.bits, size);
-        cf = keepCarry ? old : carry;
-        of = overflow;
-        flagsKnown = r.known;
+        const bool old = flags.carry;
+        flags.setResult(r.bits, size);
+        flags.carry = keepCarry ? old : carry;
+        flags.overflow = overflow;
+        flags.known = r.known;
         if (writes) write(a, r);
     }
 };
