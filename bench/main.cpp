@@ -181,20 +181,20 @@ int run(const Options& options) {
 }  // namespace orvgen::bench
 
 int main(int argc, char** argv) {
-    orvgen::bench::Options o;
-    CLI::App app(
-        "Every kernel in core cycles, beside other libraries and the bound of its own work.");
-    app.add_option("--only", o.only, "kernels whose name matches (for instance '_64_32fc|WHT')")
-        ->type_name("REGEX");
-    app.add_option("--ports", o.ports,
-                   "zen5, golden-cove or a file that bench_ports wrote; by default this core's")
-        ->type_name("TABLE");
-    app.add_option("--out", o.out, "where the tables and the plots go")->type_name("FOLDER");
-    app.add_flag("--quick", o.quick, "fewer and shorter samples");
-    app.add_flag("--same-isa", o.sameIsa,
-                 "also an FFTW built here from Debian's source with SSE2 alone");
-    CLI11_PARSE(app, argc, argv);
     try {
+        orvgen::bench::Options o;
+        CLI::App app(
+            "Every kernel in core cycles, beside other libraries and the bound of its own work.");
+        app.add_option("--only", o.only, "kernels whose name matches (for instance '_64_32fc|WHT')")
+            ->type_name("REGEX");
+        app.add_option("--ports", o.ports,
+                       "zen5, golden-cove or a file that bench_ports wrote; by default this core's")
+            ->type_name("TABLE");
+        app.add_option("--out", o.out, "where the tables and the plots go")->type_name("FOLDER");
+        app.add_flag("--quick", o.quick, "fewer and shorter samples");
+        app.add_flag("--same-isa", o.sameIsa,
+                     "also an FFTW built here from Debian's source with SSE2 alone");
+        CLI11_PARSE(app, argc, argv);
         return orvgen::bench::run(o);
     } catch (const std::exception& e) {
         std::fprintf(stderr, "bench: %s\n", e.what());

@@ -33,6 +33,8 @@ add_compile_options(
     $<$<COMPILE_LANGUAGE:C,CXX>:-Wconversion>
     # g++ leaves this out of -Wconversion; the two compilers shall ask for the same.
     $<$<COMPILE_LANGUAGE:C,CXX>:-Wno-sign-conversion>)
+# clang says of each assembled file which of the options for C it does not need.
+add_compile_options($<$<AND:$<COMPILE_LANGUAGE:ASM>,$<C_COMPILER_ID:Clang>>:-Wno-unused-command-line-argument>)
 if(ORVGEN_WERROR)
     add_compile_options($<$<COMPILE_LANGUAGE:C,CXX>:-Werror>)
 endif()

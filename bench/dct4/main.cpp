@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <functional>
 #include <map>
 #include <random>
@@ -171,9 +172,7 @@ void row(int N, double limit, double pocketNanoseconds, double rate) {
     Family::release(y);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     int longest = 131072;
     double limit = 20;
     CLI::App app("Plans and runs of the DCT-IV in core cycles, beside other libraries.");
@@ -205,5 +204,17 @@ int main(int argc, char** argv) {
         };
         row<Single>(N, limit, time("_32f"), rate);
         row<Double>(N, limit, time("_64f"), rate);
+    }
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "bench_dct4: %s\n", e.what());
+        return 2;
     }
 }

@@ -17,18 +17,23 @@ CLI::Validator within(double least, double most) {
     return CLI::Validator(check, "");
 }
 
-int runProgram(CLI::App& app, int argc, char** argv, const std::function<int()>& body) {
+int runProgram(const char* name, const char* description, int argc, char** argv,
+               const std::function<void(CLI::App&)>& declare, const std::function<int()>& body) {
     const auto failed = [&](const std::string& what, int status) {
-        std::cerr << app.get_name() << ": " << what << "\n";
+        std::cerr << name << ": " << what << "\n";
         return status;
     };
     try {
-        app.parse(argc, argv);
+        CLI::App app(description, name);
+        try {
+            declare(app);
+            app.parse(argc, argv);
+        } catch (const CLI::Success& e) {
+            return app.exit(e);
+        } catch (const CLI::ParseError& e) {
+            return failed(std::string(e.what()) + " (see --help)", 2);
+        }
         return body();
-    } catch (const CLI::Success& e) {
-        return app.exit(e);
-    } catch (const CLI::ParseError& e) {
-        return failed(std::string(e.what()) + " (see --help)", 2);
     } catch (const BadInput& e) {
         return failed(e.what(), 2);
     } catch (const std::exception& e) {

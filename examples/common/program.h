@@ -18,9 +18,10 @@ class BadInput : public std::runtime_error {
 // A number between the limits; CLI::Range would let a NaN pass.
 CLI::Validator within(double least, double most);
 
-// Reads the arguments and runs the body. The exit status: the body's; 0 after --help; 2, with one
-// line on stderr, for wrong arguments and bad input; 1, with one line too, for what else goes
-// wrong.
-int runProgram(CLI::App& app, int argc, char** argv, const std::function<int()>& body);
+// Declares and reads the arguments and runs the body. The exit status: the body's; 0 after --help;
+// 2, with one line on stderr, for wrong arguments and bad input; 1, with one line too, for what
+// else goes wrong.
+int runProgram(const char* name, const char* description, int argc, char** argv,
+               const std::function<void(CLI::App&)>& declare, const std::function<int()>& body);
 
 #endif

@@ -74,9 +74,8 @@ int run(const Arguments& arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    CLI::App app("A recording into MDCT coefficients and back, and how exactly it comes back.",
-                 "mdct");
     Arguments arguments;
-    declare(app, arguments);
-    return runProgram(app, argc, argv, [&] { return run(arguments); });
+    return runProgram(
+        "mdct", "A recording into MDCT coefficients and back, and how exactly it comes back.", argc,
+        argv, [&](CLI::App& app) { declare(app, arguments); }, [&] { return run(arguments); });
 }

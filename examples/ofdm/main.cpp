@@ -79,9 +79,8 @@ int run(const Arguments& arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    CLI::App app("Random bits over a simulated multicarrier link, and what the receiver sees.",
-                 "ofdm");
     Arguments arguments;
-    declare(app, arguments);
-    return runProgram(app, argc, argv, [&] { return run(arguments); });
+    return runProgram(
+        "ofdm", "Random bits over a simulated multicarrier link, and what the receiver sees.", argc,
+        argv, [&](CLI::App& app) { declare(app, arguments); }, [&] { return run(arguments); });
 }

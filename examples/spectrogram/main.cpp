@@ -98,8 +98,8 @@ int run(const Arguments& arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    CLI::App app("A recording's levels over time and frequency.", "spectrogram");
     Arguments arguments;
-    declare(app, arguments);
-    return runProgram(app, argc, argv, [&] { return run(arguments); });
+    return runProgram(
+        "spectrogram", "A recording's levels over time and frequency.", argc, argv,
+        [&](CLI::App& app) { declare(app, arguments); }, [&] { return run(arguments); });
 }

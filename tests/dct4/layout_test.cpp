@@ -20,7 +20,8 @@ class Fields {
         for (const DataRow& row : table("record_fields").rows()) {
             if (row.text("record") != record || row.text("field") != name) continue;
             EXPECT_EQ(offset, row.integer("offset")) << record << " " << name;
-            EXPECT_EQ(sizeof(Field), row.integer("width")) << record << " " << name;
+            constexpr std::size_t width = sizeof(Field);  // NOLINT(bugprone-sizeof-expression)
+            EXPECT_EQ(width, row.integer("width")) << record << " " << name;
             seen.insert(name);
         }
     }
