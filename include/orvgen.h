@@ -13,6 +13,7 @@
  *     if (s != orvOk) ...
  *
  * Link with -lorvgenm7 (CMake: find_package(orvgen), orvgen::orvgen; pkg-config: orvgen).
+ * Any x86-64 processor with SSE3 runs it.
  *
  * What holds for every transform:
  *
@@ -198,8 +199,12 @@ ORVGEN_API const OrvLibraryVersion* orvgenGetLibVersion(void);
  * src holds N elements, dst as many as the layout has.
  *
  * DFTInv_CCSToR, DFTInv_PackToR, DFTInv_PermToR (_32f, _64f): from a half spectrum in one of these
- * layouts back to N real samples, x[n] = s sum_k X[k] w^(-nk), the sum over all N bins. The two
- * zeros of CCS are not read.
+ * layouts back to N real samples, x[n] = s sum_k X[k] w^(-nk), the sum over all N bins. The zeros
+ * of CCS are not read. For instance
+ *
+ *     Orv64f x[9], X[10];                             // X: R0 0 R1 I1 R2 I2 R3 I3 R4 I4
+ *     orvgDFTFwd_RToCCS_9_64f(x, X, orvScaleNone);
+ *     orvgDFTInv_CCSToR_9_64f(X, x, orvScaleInvByN);  // the samples back, but for rounding
  *
  * Hartley (_32f, _64f): H[k] = s sum_n x[n] (cos(2 pi nk / N) + sin(2 pi nk / N)), N real elements
  * on both sides. Its own inverse up to the factor N: once with orvScaleNone and once with
