@@ -13,7 +13,7 @@ function(orvgen_assemble_kernels out generator)
 endfunction()
 
 # orvgen_add_kernels(FAMILY ELEMENT): all members of a family that the public header lists, as a part of the product.
-# Nothing where the header does not list the family (yet).
+# Nothing where the header does not list the family.
 function(orvgen_add_kernels family element)
     orvgen_family_members(${family} ${element} members)
     list(TRANSFORM members REPLACE "(.+)" "orvg${family}_\\1_${element}" OUTPUT_VARIABLE names)

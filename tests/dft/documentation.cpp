@@ -1,0 +1,42 @@
+// The table of decompositions in the documentation against the kernels' own.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <map>
+#include <string>
+
+#include "dft/families.h"
+
+namespace orvgen::test {
+namespace {
+
+// "| 45 | (5, 3) T 3 |" by its length; parentheses, which show what is inside what, are left out.
+std::map<int, std::string> documentedDecompositions() {
+    std::ifstream file(std::string(ORVGEN_DOCS) + "/complex.md");
+    std::map<int, std::string> rows;
+    for (std::string line; std::getline(file, line);) {
+        int n = 0, at = 0;
+        if (std::sscanf(line.c_str(), "| %d | %n", &n, &at) != 1 || at == 0) continue;
+        std::string row = line.substr(static_cast<std::size_t>(at));
+        row.erase(row.find(" |"));
+        std::erase_if(row, [](char c) { return c == '(' || c == ')'; });
+        EXPECT_TRUE(rows.emplace(n, row).second) << n << " twice";
+    }
+    return rows;
+}
+
+TEST(Documentation, ComplexDecompositions) {
+    const auto rows = documentedDecompositions();
+    EXPECT_EQ(rows.size(), 63U);
+    const auto families = dft::complexSingleFamilies();
+    ASSERT_EQ(families.size(), 2U);
+    for (const kernelgen::Family& family : families)
+        for (int n = 2; n <= 64; ++n) {
+            ASSERT_TRUE(rows.count(n)) << n;
+            EXPECT_EQ(rows.at(n), family.kernel(n).method) << family.name << " " << n;
+        }
+}
+
+}  // namespace
+}  // namespace orvgen::test
