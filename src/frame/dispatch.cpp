@@ -21,8 +21,9 @@ struct Table {
         for (const Row& row : list) kernel[row.number - first] = row.kernel;
     }
 
+    // A part of the by-length function in every build, so that its machine code can be followed.
     template <class... Arguments>
-    OrvStatus call(int32_t number, Arguments... arguments) const {
+    [[gnu::always_inline]] OrvStatus call(int32_t number, Arguments... arguments) const {
         // As an unsigned value a number below first is out of range as well.
         const uint32_t row = static_cast<uint32_t>(number) - first;
         return row < rows ? kernel[row](arguments...) : orvErrSize;
