@@ -13,13 +13,10 @@ function(orvgen_assemble_kernels out generator)
 endfunction()
 
 # orvgen_add_kernels(FAMILY ELEMENT): all members of a family that the public header lists, as a part of the product.
-# Nothing where the header does not list the family.
 function(orvgen_add_kernels family element)
     orvgen_family_members(${family} ${element} members)
     list(TRANSFORM members REPLACE "(.+)" "orvg${family}_\\1_${element}" OUTPUT_VARIABLE names)
-    if(names)
-        file(MAKE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/kernels)
-        orvgen_assemble_kernels(files kernelgen ${names})
-        orvgen_add_objects(kernels_${family}_${element} ${files})
-    endif()
+    file(MAKE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/kernels)
+    orvgen_assemble_kernels(files kernelgen ${names})
+    orvgen_add_objects(kernels_${family}_${element} ${files})
 endfunction()

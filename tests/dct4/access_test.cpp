@@ -132,23 +132,14 @@ TEST(Together, GivesTheBitsOfOneAfterTheOther) {
 TEST(Together, HandsOnTheStatusOfANodeThatRefuses) {
     Plan plan(131072);
     const std::vector<Real> x = randomVector(131072, 6);
-    std::vector<Real> y(x.size(), static_cast<Real>(-7));
-    const std::vector<Real> untouched = y;
     ASSERT_TRUE(worthTogether(plan.env5()->r, 131072));
-    const auto expectRefusal = [&](std::int32_t& field, std::int32_t value) {
-        const std::int32_t before = field;
-        field = value;
-        EXPECT_EQ(plan.run(x.data(), y.data()), orvErrPlan);
-        EXPECT_TRUE(sameBits(y, untouched));
-        field = before;
-    };
     ASSERT_EQ(plan.levels().size(), 2U);
     for (Env7* level : plan.levels()) {
-        expectRefusal(level->active, 0);
-        expectRefusal(Plan::child<Env8>(level->joinRole)->rule, 6);
-        expectRefusal(Plan::child<Env9>(level->innerRole)->rule, 8);
+        expectRefusal(plan, x, level->active, 0);
+        expectRefusal(plan, x, Plan::child<Env8>(level->joinRole)->rule, 6);
+        expectRefusal(plan, x, Plan::child<Env9>(level->innerRole)->rule, 8);
     }
-    EXPECT_EQ(plan.run(x.data(), y.data()), orvOk);
+    plan(x);  // a good plan again
 }
 
 }  // namespace

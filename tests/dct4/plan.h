@@ -130,4 +130,16 @@ class Plan {
     Block block;
 };
 
+// With the field set to the value, a run gives orvErrPlan and writes nothing.
+inline void expectRefusal(Plan& plan, const std::vector<Real>& x, std::int32_t& field,
+                          std::int32_t value) {
+    const std::vector<Real> untouched(x.size(), static_cast<Real>(-7));
+    std::vector<Real> y = untouched;
+    const std::int32_t before = field;
+    field = value;
+    EXPECT_EQ(plan.run(x.data(), y.data()), orvErrPlan);
+    EXPECT_TRUE(sameBits(y, untouched));
+    field = before;
+}
+
 }  // namespace orvgen::test::dct4

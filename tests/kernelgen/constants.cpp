@@ -1,24 +1,17 @@
 // Constants: the exact values and their one rounding, compared with MPFR, which the kernel compiler
 // does not use.
 #include <gtest/gtest.h>
-#include <mpfr.h>
 
 #include <set>
 
 #include "kernelgen/real.h"
 #include "kernelgen/registry.h"
+#include "support/mpfr_number.h"
 
 namespace orvgen::kernelgen {
 namespace {
 
-class Mpfr {
-  public:
-    explicit Mpfr(mpfr_prec_t bits) { mpfr_init2(x, bits); }
-    ~Mpfr() { mpfr_clear(x); }
-    Mpfr(const Mpfr&) = delete;
-    Mpfr& operator=(const Mpfr&) = delete;
-    mpfr_t x;
-};
+using test::Mpfr;
 
 // The exact value, read from its decimal digits.
 void set(Mpfr& m, const Real& value) {

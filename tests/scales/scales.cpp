@@ -3,7 +3,6 @@
 // read back twice: from the constants that a call loads under one flag and not under another, and
 // from the response to an impulse.
 #include <gtest/gtest.h>
-#include <mpfr.h>
 
 #include <bit>
 #include <cmath>
@@ -15,19 +14,10 @@
 #include "orvgen.h"
 #include "support/data_table.h"
 #include "support/integer_core.h"
+#include "support/mpfr_number.h"
 
 namespace orvgen::test {
 namespace {
-
-class Mpfr {
-  public:
-    explicit Mpfr(mpfr_prec_t bits) { mpfr_init2(x, bits); }
-    ~Mpfr() { mpfr_clear(x); }
-    Mpfr(const Mpfr&) = delete;
-    Mpfr& operator=(const Mpfr&) = delete;
-    double value() const { return mpfr_get_d(x, MPFR_RNDN); }
-    mpfr_t x;
-};
 
 // All values here are far from the ends of the exponent range, so that precision alone makes the
 // format: 24 bits for binary32, 53 for binary64.
