@@ -2,13 +2,13 @@
 
 #include <cstdio>
 #include <exception>
-#include <fstream>
 #include <iostream>
 #include <optional>
 
 #include "compile.h"
 #include "count.h"
 #include "error_bound.h"
+#include "kernel_file.h"
 #include "required.h"
 
 namespace orvgen::kernelgen {
@@ -32,10 +32,14 @@ std::optional<Member> findMember(const std::vector<Family>& families, const std:
     return std::nullopt;
 }
 
-std::string assemblyOf(const Member& member) {
+void emit(const Member& member, const std::string& file) {
     const Family& family = *member.family;
-    return family.assembly ? family.assembly(member.length)
-                           : compileKernel(family.kernel(member.length)).assembly;
+    if (family.assembly) {
+        writeKernelFile(file, "", [&] { return family.assembly(member.length); });
+        return;
+    }
+    const Kernel kernel = family.kernel(member.length);
+    writeKernelFile(file, keyOf(kernel), [&] { return compileKernel(kernel).assembly; });
 }
 
 void show(const Kernel& kernel, const std::string& tables) {
@@ -95,14 +99,13 @@ int runCommand(int argc, char** argv, const std::vector<Family>& families) {
         if (command == "show") {
             // A kernel that comes as assembly tells its figures in the head of it.
             if (member->family->assembly)
-                std::cout << assemblyOf(*member);
+                std::cout << member->family->assembly(member->length);
             else
                 show(member->family->kernel(member->length), argc == 4 ? argv[3] : "");
             return 0;
         }
-        std::ofstream file(argv[3]);
-        file << assemblyOf(*member);
-        return file.flush() ? 0 : fail("cannot write " + std::string(argv[3]));
+        emit(*member, argv[3]);
+        return 0;
     } catch (const std::exception& e) {
         return fail(e.what());
     }
