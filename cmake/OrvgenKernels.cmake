@@ -1,10 +1,15 @@
 # Kernels made at build time: the kernel compiler writes one assembly file for each member of a family.
 
+# Kernels are the same whoever compiles the compiler: the presets share one folder of them, and what one preset has
+# written the others find made (kernelgen compares a key).
+set(ORVGEN_KERNEL_DIR ${PROJECT_BINARY_DIR}/kernels CACHE PATH "Where the assembly of the kernels is written")
+
 # orvgen_assemble_kernels(OUT GENERATOR name...): the assembly files that `GENERATOR emit name file` writes.
 function(orvgen_assemble_kernels out generator)
     set(files "")
+    file(MAKE_DIRECTORY ${ORVGEN_KERNEL_DIR})
     foreach(kernel IN LISTS ARGN)
-        set(file ${CMAKE_CURRENT_BINARY_DIR}/kernels/${kernel}.s)
+        set(file ${ORVGEN_KERNEL_DIR}/${kernel}.s)
         add_custom_command(OUTPUT ${file} COMMAND ${generator} emit ${kernel} ${file} DEPENDS ${generator}
                            COMMENT "Generating ${kernel}" VERBATIM)
         list(APPEND files ${file})
@@ -16,7 +21,6 @@ endfunction()
 function(orvgen_add_kernels family element)
     orvgen_family_members(${family} ${element} members)
     list(TRANSFORM members REPLACE "(.+)" "orvg${family}_\\1_${element}" OUTPUT_VARIABLE names)
-    file(MAKE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/kernels)
     orvgen_assemble_kernels(files kernelgen ${names})
     orvgen_add_objects(kernels_${family}_${element} ${files})
 endfunction()
