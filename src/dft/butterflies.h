@@ -10,15 +10,15 @@
 #include <stdexcept>
 #include <vector>
 
+#include "flows/direction.h"
 #include "kernelgen/constant.h"
-#include "kernelgen/kernel.h"
 #include "kernelgen/value.h"
 
 namespace orvgen::dft {
 
+using flows::Direction;
 using kernelgen::Complex;
 using kernelgen::Constant;
-using kernelgen::Direction;
 
 template <class V>
 Complex<V> operator*(const Constant& c, const Complex<V>& z) {

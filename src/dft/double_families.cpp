@@ -4,8 +4,8 @@
 
 namespace orvgen::dft {
 
+using flows::Direction;
 using kernelgen::Alignment;
-using kernelgen::Direction;
 using kernelgen::Family;
 using kernelgen::Kernel;
 using kernelgen::ScaleRule;

@@ -5,10 +5,10 @@
 
 namespace orvgen::dft {
 
+using flows::Direction;
 using flows::PlanRow;
 using flows::Transform;
 using kernelgen::Arithmetic;
-using kernelgen::Direction;
 using kernelgen::Graph;
 using kernelgen::Value;
 

@@ -13,8 +13,8 @@
 // inverse(x) = swap(forward(swap(x))) and inverse(x)[k] = forward(x)[N-k] hold bit for bit.
 #pragma once
 
+#include "flows/direction.h"
 #include "flows/plan.h"
-#include "kernelgen/kernel.h"
 #include "kernelgen/value.h"
 
 namespace orvgen::dft {
@@ -34,6 +34,6 @@ flows::Plans doublePlans(int n);
 // How length n is made, in words of its plan.
 std::string doubleMethod(int n);
 
-kernelgen::Graph doubleFlow(kernelgen::Direction direction, int n);
+kernelgen::Graph doubleFlow(flows::Direction direction, int n);
 
 }  // namespace orvgen::dft

@@ -8,15 +8,15 @@
 
 #include <vector>
 
+#include "flows/direction.h"
 #include "kernelgen/graph.h"
-#include "kernelgen/kernel.h"
 #include "kernelgen/value.h"
 
 namespace orvgen::dft {
 
+using flows::Direction;
 using kernelgen::Complex;
 using kernelgen::Constant;
-using kernelgen::Direction;
 using kernelgen::Graph;
 using kernelgen::Lane;
 using kernelgen::Value;

@@ -9,8 +9,6 @@
 
 namespace orvgen::kernelgen {
 
-enum class Direction : std::uint8_t { Forward, Inverse };
-
 // Which scaling flags select 1/N; the flag for 1/sqrt(N) is common to all.
 enum class ScaleRule : std::uint8_t {
     ForwardByN,  // flag 1

@@ -8,8 +8,8 @@
 
 namespace orvgen::test {
 
+using flows::Direction;
 using kernelgen::cosTurn;
-using kernelgen::Direction;
 using kernelgen::Graph;
 using kernelgen::Node;
 using kernelgen::Op;

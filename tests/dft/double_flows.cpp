@@ -22,10 +22,10 @@
 namespace orvgen::test {
 namespace {
 
+using flows::Direction;
 using flows::Method;
 using flows::PlanPtr;
 using flows::Transform;
-using kernelgen::Direction;
 using kernelgen::Graph;
 using kernelgen::Node;
 using kernelgen::Op;

@@ -137,15 +137,14 @@ TEST(SingleEdges, AnInfinityThroughATrivialTwiddleIsANaN) {
 }
 
 TEST(SingleEdges, RaderConstantsAreThoseStated) {
-    const auto B = dft::raderConstants(kernelgen::Direction::Forward, 7);
+    const auto B = dft::raderConstants(flows::Direction::Forward, 7);
     for (const auto& row : test::dataTable("rader7_constants").rows()) {
         const auto k = static_cast<std::size_t>(row.integer("k"));
         EXPECT_NEAR(B[k].re.asDouble(), row.number("re"), 5.1e-8);
         EXPECT_NEAR(B[k].im.asDouble(), row.number("im"), 5.1e-8);
     }
     for (const long p : test::dataTable("complex_f32_rader").list("length")) {
-        const auto C =
-            dft::raderConstants(kernelgen::Direction::Forward, static_cast<std::size_t>(p));
+        const auto C = dft::raderConstants(flows::Direction::Forward, static_cast<std::size_t>(p));
         const auto L = static_cast<double>(p - 1);
         EXPECT_EQ(C[0].re.asDouble(), -1 / L);
         EXPECT_TRUE(C[0].im.isZero());

@@ -7,7 +7,7 @@
 namespace orvgen {
 namespace {
 
-using kernelgen::Direction;
+using flows::Direction;
 using kernelgen::Real;
 
 class SingleProof : public testing::TestWithParam<int> {};

@@ -4,8 +4,8 @@
 
 #include <set>
 
+#include "generator/registry.h"
 #include "kernelgen/real.h"
-#include "kernelgen/registry.h"
 #include "support/mpfr_number.h"
 
 namespace orvgen::kernelgen {
@@ -45,7 +45,7 @@ TEST(Constants, AreRoundedOnce) {
     std::set<std::pair<bool, Real>> seen;
     std::set<double> foundPinned;
     Mpfr exact(kBits);
-    for (const Family& family : allFamilies()) {
+    for (const Family& family : generator::allFamilies()) {
         if (!family.kernel) continue;
         for (const int n : family.lengths) {
             const Graph g = family.kernel(n).flow;

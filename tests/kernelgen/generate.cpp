@@ -1,7 +1,7 @@
 // The kernel compiler with the test's own flows.
-#include "kernelgen/command.h"
+#include "generator/command.h"
 #include "small_flows.h"
 
 int main(int argc, char** argv) {
-    return orvgen::kernelgen::runCommand(argc, argv, orvgen::test::smallFamilies());
+    return orvgen::generator::runCommand(argc, argv, orvgen::test::smallFamilies());
 }

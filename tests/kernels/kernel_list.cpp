@@ -3,8 +3,8 @@
 #include <stdexcept>
 
 #include "frame/families.h"
+#include "generator/registry.h"
 #include "kernelgen/compile.h"
-#include "kernelgen/registry.h"
 
 namespace orvgen::test {
 
@@ -102,7 +102,7 @@ std::vector<ListedKernel> makeList() {
 }  // namespace
 
 kernelgen::Kernel ListedKernel::kernel() const {
-    static const std::vector<kernelgen::Family> families = kernelgen::allFamilies();
+    static const std::vector<kernelgen::Family> families = generator::allFamilies();
     for (const kernelgen::Family& f : families)
         if (f.name == family) return f.kernel(length);
     throw std::runtime_error("no flow for " + name);

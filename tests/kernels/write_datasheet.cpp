@@ -10,10 +10,10 @@
 #include <sstream>
 
 #include "accuracy.h"
+#include "generator/registry.h"
 #include "kernelgen/compile.h"
 #include "kernelgen/count.h"
 #include "kernelgen/error_bound.h"
-#include "kernelgen/registry.h"
 #include "support/elf_image.h"
 #include "support/machine_code.h"
 #include "wht/functions.h"
@@ -101,7 +101,7 @@ template <class T>
 void printOrders(const test::MachineCode& code, const std::map<std::string, std::string>& cycles) {
     const auto& functions = test::orderFunctions<T>();
     const std::string family = test::isSingle<T> ? "orvgWHT_32f" : "orvgWHT_64f";
-    for (const kernelgen::Family& f : kernelgen::allFamilies()) {
+    for (const kernelgen::Family& f : generator::allFamilies()) {
         if (f.name != family) continue;
         std::cout
             << "\n## " << family

@@ -5,13 +5,15 @@
 #include <iostream>
 #include <optional>
 
-#include "compile.h"
-#include "count.h"
-#include "error_bound.h"
-#include "kernel_file.h"
+#include "kernelgen/compile.h"
+#include "kernelgen/count.h"
+#include "kernelgen/error_bound.h"
+#include "kernelgen/kernel_file.h"
 #include "required.h"
 
-namespace orvgen::kernelgen {
+namespace orvgen::generator {
+
+using namespace kernelgen;
 
 namespace {
 
@@ -111,4 +113,4 @@ int runCommand(int argc, char** argv, const std::vector<Family>& families) {
     }
 }
 
-}  // namespace orvgen::kernelgen
+}  // namespace orvgen::generator

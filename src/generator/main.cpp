@@ -3,6 +3,6 @@
 #include "registry.h"
 
 int main(int argc, char** argv) {
-    using namespace orvgen::kernelgen;
+    using namespace orvgen::generator;
     return runCommand(argc, argv, allFamilies());
 }

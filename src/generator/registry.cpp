@@ -5,7 +5,9 @@
 #include "realdft/families.h"
 #include "wht/families.h"
 
-namespace orvgen::kernelgen {
+namespace orvgen::generator {
+
+using kernelgen::Family;
 
 std::vector<Family> allFamilies() {
     std::vector<Family> all;
@@ -21,4 +23,4 @@ std::vector<Family> allFamilies() {
     return all;
 }
 
-}  // namespace orvgen::kernelgen
+}  // namespace orvgen::generator

@@ -2,7 +2,7 @@
 
 #include <fstream>
 
-namespace orvgen::kernelgen {
+namespace orvgen::generator {
 
 namespace {
 
@@ -58,4 +58,4 @@ std::vector<RequiredRow> requiredRows(const std::string& folder, const std::stri
     return rows;
 }
 
-}  // namespace orvgen::kernelgen
+}  // namespace orvgen::generator

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-namespace orvgen::kernelgen {
+namespace orvgen::generator {
 
 struct RequiredRow {
     std::string table;
@@ -16,4 +16,4 @@ struct RequiredRow {
 std::vector<RequiredRow> requiredRows(const std::string& folder, const std::string& kernel,
                                       int length);
 
-}  // namespace orvgen::kernelgen
+}  // namespace orvgen::generator

@@ -1,0 +1,17 @@
+// The command line of a program that holds families of kernels.
+#pragma once
+
+#include <vector>
+
+#include "kernelgen/kernel.h"
+
+namespace orvgen::generator {
+
+// emit NAME FILE      writes the assembly of one kernel
+// show NAME [FOLDER]  prints what there is to say about it, beside the rows of the tables in
+//                     FOLDER, and its assembly
+// list                prints the names of all kernels
+// Returns the exit status: 0, or 2 with one line on standard error.
+int runCommand(int argc, char** argv, const std::vector<kernelgen::Family>& families);
+
+}  // namespace orvgen::generator
