@@ -1,7 +1,8 @@
 # Kernels made at build time: the kernel compiler writes one assembly file for each member of a family.
 
-# Kernels are the same whoever compiles the compiler: the presets share one folder of them, and what one preset has
-# written the others find made (kernelgen compares a key).
+# The presets of one compiler share a folder of kernels: what one has written the others find made (kernelgen compares a
+# key). Another compiler evaluates operands in another order, which numbers the values of a flow, and with them the
+# candidate orders of its instructions, in another way: the same results by other code.
 set(ORVGEN_KERNEL_DIR ${PROJECT_BINARY_DIR}/kernels CACHE PATH "Where the assembly of the kernels is written")
 
 # orvgen_assemble_kernels(OUT GENERATOR name...): the assembly files that `GENERATOR emit name file` writes.
