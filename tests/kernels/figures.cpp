@@ -4,7 +4,7 @@
 #include <regex>
 #include <stdexcept>
 
-#include "kernelgen/registry.h"
+#include "generator/registry.h"
 
 namespace orvgen::test {
 namespace {
@@ -31,7 +31,7 @@ std::string headOf(const std::string& kernel) {
 
 std::vector<std::string> kernelsWithFigures() {
     std::vector<std::string> names;
-    for (const kernelgen::Family& f : kernelgen::allFamilies()) {
+    for (const kernelgen::Family& f : generator::allFamilies()) {
         for (const int n : f.lengths) names.push_back(kernelgen::memberName(f.name, n));
     }
     return names;
