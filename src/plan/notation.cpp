@@ -98,8 +98,7 @@ struct Printer {
         };
         name("columns", join.columns);
         name("rows", join.rows);
-        if (join.twiddleLanes == TwiddleLanes::Columns)
-            choices.emplace_back("twiddles of columns");
+        if (join.twiddleLanes == TwiddleLanes::Columns) choices.emplace_back("twiddles of columns");
         if (join.conjugateRows) choices.emplace_back("conjugate rows");
         return stage(join.first) + " T" + inBraces(choices) + " " + stage(join.second);
     }
@@ -110,8 +109,8 @@ struct Printer {
     }
 
     std::string operator()(const InverseRealRader& rader) const {
-        std::string text = "inverse Rader " + length() + "(" + notation(*rader.even) + "; " +
-                           notation(*rader.odd);
+        std::string text =
+            "inverse Rader " + length() + "(" + notation(*rader.even) + "; " + notation(*rader.odd);
         for (const PlanPtr& part : {rader.cycle, rader.cycleEven, rader.cycleOdd})
             if (part) text += "; " + notation(*part);
         return text + ")" +
@@ -136,9 +135,9 @@ struct Printer {
     std::string operator()(const Alternating& odd) const { return notation(*odd.plan); }
 
     std::string operator()(const Renumbered& block) const {
-        return factorText(*block.plan) +
-               (block.what == Renumbered::What::Samples ? "{samples renumbered}"
-                                                        : "{bins renumbered}");
+        return factorText(*block.plan) + (block.what == Renumbered::What::Samples
+                                              ? "{samples renumbered}"
+                                              : "{bins renumbered}");
     }
 
     // A stage by the plan of its real rows, and whatever differs from that.
@@ -170,9 +169,9 @@ struct Printer {
         };
         std::vector<std::size_t> likeTheFirst, complex, odd;
         for (std::size_t i = 0; i < blocks.size(); ++i)
-            (blocks[i]->transform == Transform::Complex  ? complex
-             : blocks[i]->transform == first.transform ? likeTheFirst
-                                                       : odd)
+            (blocks[i]->transform == Transform::Complex ? complex
+             : blocks[i]->transform == first.transform  ? likeTheFirst
+                                                        : odd)
                 .push_back(i);
         tell("", likeTheFirst);
         tell("complex ", complex);

@@ -10,9 +10,11 @@
 //                                split by parity
 //   Rader 13(c)      on complex numbers: the cycle's transform, and back by its mirror
 //   Bluestein 47(f; b)           the transform of the padded sequence, and the way back
-//   lanes(p)         a complex transform as real ones, of real and of imaginary parts; (p | q) where
+//   lanes(p)         a complex transform as real ones, of real and of imaginary parts; (p | q)
+//   where
 //                    they differ
-//   [9; complex 3 T 3; odd 2 T 2; 4: 9]   a factor whose blocks differ: real rows, complex rows, the
+//   [9; complex 3 T 3; odd 2 T 2; 4: 9]   a factor whose blocks differ: real rows, complex rows,
+//   the
 //                    row at odd frequencies, block number 4. Complex rows that are not named run
 //                    the plan of the real ones in lanes; an odd length at odd frequencies runs the
 //                    same plan with alternating signs

@@ -24,13 +24,14 @@ PlanPtr mirrored(const PlanPtr& plan) {
         return make(plan->length, GoodThomas{.first = stageOf(join->second, join->first),
                                              .second = stageOf(join->first, join->second)});
     if (const auto* join = plan->as<CooleyTukey>())
-        return make(plan->length, CooleyTukey{.first = stageOf(join->second, join->first),
-                                              .second = stageOf(join->first, join->second),
-                                              .columns = join->rows,
-                                              .rows = join->columns,
-                                              .twiddleLanes = join->twiddleLanes == TwiddleLanes::Rows
-                                                                  ? TwiddleLanes::Columns
-                                                                  : TwiddleLanes::Rows});
+        return make(plan->length,
+                    CooleyTukey{.first = stageOf(join->second, join->first),
+                                .second = stageOf(join->first, join->second),
+                                .columns = join->rows,
+                                .rows = join->columns,
+                                .twiddleLanes = join->twiddleLanes == TwiddleLanes::Rows
+                                                    ? TwiddleLanes::Columns
+                                                    : TwiddleLanes::Rows});
     return plan;
 }
 

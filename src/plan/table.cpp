@@ -37,8 +37,7 @@ PlanPtr Table::plan(int length) const {
         const auto [known, isNew] = plans_.emplace(length, nullptr);
         if (isNew) known->second = row->second.resolve(transform_, *this);
         if (!known->second)
-            throw std::logic_error("the row of length " + std::to_string(length) +
-                                   " names itself");
+            throw std::logic_error("the row of length " + std::to_string(length) + " names itself");
         return known->second;
     }
     if (base_ != nullptr) return base_->plan(length);

@@ -179,8 +179,9 @@ Stage Factor::resolve(Transform join, const std::vector<Transform>& blocks,
     }
     for (const auto& [kind, plan] : byKind_)
         if (!used[kind])
-            refuse(length(), kind == Transform::Complex ? "the stage has no complex rows"
-                                                        : "the stage has no row at odd frequencies");
+            refuse(length(), kind == Transform::Complex
+                                 ? "the stage has no complex rows"
+                                 : "the stage has no row at odd frequencies");
     return stage;
 }
 
@@ -206,27 +207,26 @@ Term goodThomas(const Factor& first, const Factor& second) {
 
 Term cooleyTukey(const Factor& first, const Factor& second, const TwiddledJoin& choices) {
     const int R = first.length(), M = second.length(), N = R * M;
-    return {N, [=](Transform transform, const Table& table) {
-                const Stages kinds = cooleyTukeyStages(transform, R, M);
-                CooleyTukey join{.first = first.resolve(transform, kinds.first, table),
-                                 .second = second.resolve(transform, kinds.second, table)};
-                if (transform == Transform::Complex) {
-                    join.columns = representatives(choices.columns, M);
-                    join.rows = representatives(choices.rows, R);
-                } else if (!choices.columns.empty() || !choices.rows.empty()) {
-                    refuse(N, "joins of complex transforms have representatives");
-                }
-                if (transform != Transform::Complex &&
-                    choices.twiddleLanes != TwiddleLanes::Rows)
-                    refuse(N, "joins of complex transforms have lanes of twiddles");
-                if (choices.conjugateRows &&
-                    (!isInverse(transform) ||
-                     std::ranges::count(kinds.first, Transform::Complex) == 0))
-                    refuse(N, "the join has no row that could be its conjugate");
-                join.twiddleLanes = choices.twiddleLanes;
-                join.conjugateRows = choices.conjugateRows;
-                return make(transform, N, std::move(join));
-            }};
+    return {
+        N, [=](Transform transform, const Table& table) {
+            const Stages kinds = cooleyTukeyStages(transform, R, M);
+            CooleyTukey join{.first = first.resolve(transform, kinds.first, table),
+                             .second = second.resolve(transform, kinds.second, table)};
+            if (transform == Transform::Complex) {
+                join.columns = representatives(choices.columns, M);
+                join.rows = representatives(choices.rows, R);
+            } else if (!choices.columns.empty() || !choices.rows.empty()) {
+                refuse(N, "joins of complex transforms have representatives");
+            }
+            if (transform != Transform::Complex && choices.twiddleLanes != TwiddleLanes::Rows)
+                refuse(N, "joins of complex transforms have lanes of twiddles");
+            if (choices.conjugateRows &&
+                (!isInverse(transform) || std::ranges::count(kinds.first, Transform::Complex) == 0))
+                refuse(N, "the join has no row that could be its conjugate");
+            join.twiddleLanes = choices.twiddleLanes;
+            join.conjugateRows = choices.conjugateRows;
+            return make(transform, N, std::move(join));
+        }};
 }
 
 Term rader(const RaderParts& parts) {
@@ -247,12 +247,11 @@ Term inverseRader(const InverseRaderParts& parts) {
     if (2 * parts.even.length() != p - 1 || 2 * parts.odd.length() != p - 1)
         refuse(p, "the two halves of a cycle");
     return {p, [=](Transform transform, const Table& table) {
-                return raderHead(
-                    transform, p,
-                    {.even = parts.even.resolve(Transform::Real, table),
-                     .odd = parts.odd.resolve(Transform::Odd, table),
-                     .cycle = parts.cycle.resolve(Transform::InverseReal, table),
-                     .unrounded = parts.unrounded});
+                return raderHead(transform, p,
+                                 {.even = parts.even.resolve(Transform::Real, table),
+                                  .odd = parts.odd.resolve(Transform::Odd, table),
+                                  .cycle = parts.cycle.resolve(Transform::InverseReal, table),
+                                  .unrounded = parts.unrounded});
             }};
 }
 
@@ -276,7 +275,8 @@ Term complexRader(const Term& cycle) {
     return {p, [=](Transform transform, const Table& table) {
                 if (transform != Transform::Complex) refuse(p, "Rader's algorithm on complex data");
                 const PlanPtr forward = cycle.resolve(transform, table);
-                return make(transform, p, ComplexRader{.cycle = forward, .back = mirrored(forward)});
+                return make(transform, p,
+                            ComplexRader{.cycle = forward, .back = mirrored(forward)});
             }};
 }
 

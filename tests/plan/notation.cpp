@@ -28,10 +28,11 @@ TEST(PlanNotation, Joins) {
 }
 
 TEST(PlanNotation, Primes) {
-    EXPECT_EQ(printed(Real, rader({.cycle = goodThomas(4, 3),
-                                   .even = goodThomas(2, 3),
-                                   .odd = cooleyTukey(2, 3)})),
-              "Rader 13(4, 3; 2, 3; 2 T 3)");
+    EXPECT_EQ(
+        printed(
+            Real,
+            rader({.cycle = goodThomas(4, 3), .even = goodThomas(2, 3), .odd = cooleyTukey(2, 3)})),
+        "Rader 13(4, 3; 2, 3; 2 T 3)");
     EXPECT_EQ(printed(InverseReal, inverseRader({.even = 2, .odd = 2, .cycle = 4})),
               "inverse Rader 5(2; 2; 4)");
     EXPECT_EQ(printed(InverseReal, splitInverseRader({.even = 3,
@@ -57,8 +58,7 @@ TEST(PlanNotation, BlocksThatDiffer) {
     EXPECT_EQ(printed(Real, goodThomas(factor(3).at(1, three), 2)), "[3; 1: 3{head}], 2");
     EXPECT_EQ(printed(Real, cooleyTukey(3, factor(3).at(1, lanes(three, 3)))),
               "3 T [3; complex lanes(3{head} | 3)]");
-    EXPECT_EQ(printed(Real, cooleyTukey(5, factor(3).at(1, lanes(three)))),
-              "5 T [3; 1: 3{head}]");
+    EXPECT_EQ(printed(Real, cooleyTukey(5, factor(3).at(1, lanes(three)))), "5 T [3; 1: 3{head}]");
     // the middle row of an odd length has the plan of the others, with alternating signs
     EXPECT_EQ(printed(Real, cooleyTukey(4, 3)), "4 T 3");
     EXPECT_EQ(printed(Odd, cooleyTukey(2, factor(3).complexRows(3))), "2 T 3");
@@ -67,7 +67,8 @@ TEST(PlanNotation, BlocksThatDiffer) {
 TEST(PlanNotation, Choices) {
     EXPECT_EQ(printed(Real, renumbered(Renumbered::What::Bins, cooleyTukey(4, 3))),
               "(4 T 3){bins renumbered}");
-    EXPECT_EQ(printed(Real, renumbered(Renumbered::What::Samples, block(7))), "7{samples renumbered}");
+    EXPECT_EQ(printed(Real, renumbered(Renumbered::What::Samples, block(7))),
+              "7{samples renumbered}");
     const auto sevenPoints = [](const SumOrder& sums) {
         return printed(InverseReal, block(7, {.unrounded = Unrounded::Head, .sums = sums}));
     };

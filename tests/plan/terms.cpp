@@ -105,10 +105,9 @@ TEST(PlanTerms, ChoicesThatApplyToNothing) {
     refused(Real, block3(Unrounded::RealPart));
     refused(Real, block3(Unrounded::Both));
     refused(Real, block(2, {.unrounded = Unrounded::Head}));
-    refused(InverseReal, inverseRader({.even = 5,
-                                       .odd = 5,
-                                       .cycle = goodThomas(2, 5),
-                                       .unrounded = Unrounded::Both}));
+    refused(InverseReal,
+            inverseRader(
+                {.even = 5, .odd = 5, .cycle = goodThomas(2, 5), .unrounded = Unrounded::Both}));
     // an order of sums where there are none
     refused(Real, block(3, {.sums = SumOrder{}}));
     // blocks and rows that the stage does not have
