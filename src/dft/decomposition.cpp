@@ -10,10 +10,14 @@ std::size_t Decomposition::input(std::size_t t, std::size_t c) const {
     return (columns[c] + M() * t) % length;
 }
 
-std::size_t Decomposition::output(std::size_t k, std::size_t q) const {
-    if (join == Join::CooleyTukey) return (rows[k] + R() * q) % length;
+std::size_t Decomposition::output(std::size_t k, std::size_t p) const {
+    if (join == Join::CooleyTukey) {
+        std::size_t q = 0;
+        while (columns[1] * q % M() != p) ++q;
+        return (rows[k] + R() * q) % length;
+    }
     std::size_t index = k;
-    while (index % M() != q) index += R();
+    while (index % M() != p) index += R();
     return index;
 }
 
@@ -40,16 +44,23 @@ Part goodThomas(const Part& first, const Part& second) {
 
 namespace {
 
-// Representatives of the residues 0 .. n-1 in this order: 0 .. n-1 themselves if none are named.
+// Representatives of all residues modulo n, 0 .. n-1 themselves if none are named: number i is e i
+// modulo n, with e prime to n.
 std::vector<std::size_t> representatives(std::vector<std::size_t> named, std::size_t n) {
     if (named.empty()) {
         named.resize(n);
         std::iota(named.begin(), named.end(), std::size_t{0});
     }
-    if (named.size() != n) throw std::logic_error("one representative for each residue");
+    if (named.size() != n || std::gcd(named[1], n) != 1)
+        throw std::logic_error("one representative for each residue");
     for (std::size_t i = 0; i < n; ++i)
-        if (named[i] % n != i) throw std::logic_error("representatives stand in order of residue");
+        if (named[i] % n != named[1] * i % n)
+            throw std::logic_error("representatives stand in arithmetic order");
     return named;
+}
+
+bool areInOrderOfResidue(const std::vector<std::size_t>& representatives) {
+    return representatives[1] % representatives.size() == 1;
 }
 
 }  // namespace
@@ -58,9 +69,12 @@ Part cooleyTukey(const Part& first, const Part& second, std::vector<std::size_t>
                  std::vector<std::size_t> rows, TwiddleLanes twiddleLanes) {
     const std::size_t R = first->length;
     const std::size_t M = second->length;
-    return std::make_shared<const Decomposition>(Decomposition{
-        R * M, Join::CooleyTukey, first, second, representatives(std::move(columns), M),
-        representatives(std::move(rows), R), twiddleLanes});
+    columns = representatives(std::move(columns), M);
+    rows = representatives(std::move(rows), R);
+    if (!areInOrderOfResidue(rows)) throw std::logic_error("rows stand in order of residue");
+    return std::make_shared<const Decomposition>(Decomposition{R * M, Join::CooleyTukey, first,
+                                                               second, std::move(columns),
+                                                               std::move(rows), twiddleLanes});
 }
 
 Part mirrored(const Part& part) {

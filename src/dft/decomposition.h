@@ -6,10 +6,11 @@
 //   u[k1][n2] = sum over n1 of x[(M n1 + R n2) mod N] exp(-2 pi i n1 k1 / R)
 //   y[k]      = sum over n2 of u[k1][n2] exp(-2 pi i n2 k2 / M), k = k1 mod R and = k2 mod M.
 //
-// Cooley-Tukey, with representatives c of the residues modulo M and k of the residues modulo R:
-//   u[c][k]           = sum over t of x[(c + M t) mod N] exp(-2 pi i t k / R)
-//   v[c][k]           = u[c][k] exp(-2 pi i c k / N)
-//   y[(k + R q) mod N] = sum over c of v[c][k] exp(-2 pi i c q / M).
+// Cooley-Tukey, with column c represented by C[c] = e c mod M, e prime to M, and row k by
+// K[k] = k mod R:
+//   u[c][k] = sum over t of x[(C[c] + M t) mod N] exp(-2 pi i t k / R)
+//   v[c][k] = u[c][k] exp(-2 pi i C[c] K[k] / N)
+//   y[(K[k] + R q) mod N] = sum over c of v[c][k] exp(-2 pi i c p / M), p = e q mod M.
 // The representatives are 0, 1, 2 .. unless others are named.
 //
 // The twiddle vectors hold rows (the lanes of the second stage) unless they hold columns (the lanes
@@ -37,14 +38,14 @@ struct Decomposition {
     std::size_t length;
     Join join = Join::None;
     Part first, second;
-    std::vector<std::size_t> columns, rows;  // representatives c and k
+    std::vector<std::size_t> columns, rows;  // representatives C and K
     TwiddleLanes twiddleLanes = TwiddleLanes::Rows;
 
     std::size_t R() const { return first->length; }
     std::size_t M() const { return second->length; }
-    // x of the t-th input of the R-point transform number c, and y of its counterpart.
+    // Which x is input t of R-point transform c, and which y is output p of M-point transform k.
     std::size_t input(std::size_t t, std::size_t c) const;
-    std::size_t output(std::size_t k, std::size_t q) const;
+    std::size_t output(std::size_t k, std::size_t p) const;
     // The twiddle of column c and row k is exp(-+ 2 pi i twiddle(c, k) / length).
     std::size_t twiddle(std::size_t c, std::size_t k) const;
 

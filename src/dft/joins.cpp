@@ -22,9 +22,11 @@ std::vector<Points> slice(const std::vector<Points>& all, std::size_t first, std
             all.begin() + static_cast<std::ptrdiff_t>(first + count)};
 }
 
-// Columns stand in the order of the residues of their elements modulo M, which is the order in
-// which a mirrored transform leaves them.
-std::size_t place(const Decomposition& join, std::size_t c) { return join.input(0, c) % join.M(); }
+// The columns of a Good-Thomas join stand in the order of the residues of their elements modulo M,
+// which is the order in which a mirrored transform leaves them.
+std::size_t place(const Decomposition& join, std::size_t c) {
+    return join.join == Join::GoodThomas ? join.input(0, c) % join.M() : c;
+}
 
 std::string describe(std::size_t count, const Part& part) {
     const std::string points = std::to_string(part->length) + " points";

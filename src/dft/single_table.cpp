@@ -22,8 +22,8 @@ Part CT(const Term& first, const Term& second, std::vector<std::size_t> columns 
 }  // namespace
 
 // Which factor runs first is fixed for every length, for it decides the rounding. At 18, 50 and 54
-// the column representatives are even, so that the two-point stage stands inside the odd part and
-// the twiddles have the denominator 9, 25 and 27.
+// column c begins with x[2 c], so that the two-point stage stands inside the odd part and the
+// twiddles have the denominator 9, 25 and 27.
 Part singleDecomposition(std::size_t length) {
     switch (length) {
         case 6:
@@ -43,7 +43,7 @@ Part singleDecomposition(std::size_t length) {
         case 16:
             return CT(4, 4);
         case 18:
-            return CT(GT(3, 2), 3, {0, 4, 2});
+            return CT(GT(3, 2), 3, {0, 2, 4});
         case 20:
             return GT(4, 5);
         case 21:
@@ -91,13 +91,13 @@ Part singleDecomposition(std::size_t length) {
         case 49:
             return CT(7, 7);
         case 50:
-            return CT(10, 5, {0, 6, 2, 8, 4});
+            return CT(10, 5, {0, 2, 4, 6, 8});
         case 51:
             return GT(17, 3);
         case 52:
             return GT(4, 13);
         case 54:
-            return CT(GT(2, 9), 3, {0, 4, 2});
+            return CT(GT(2, 9), 3, {0, 2, 4});
         case 55:
             return GT(5, 11);
         case 56:

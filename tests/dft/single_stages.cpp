@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <random>
 #include <sstream>
@@ -12,93 +11,12 @@
 #include "dft/families.h"
 #include "kernelgen/evaluate.h"
 #include "support/data_table.h"
+#include "support/written_blocks.h"
 
 namespace orvgen {
 namespace {
 
-struct Number {
-    float re, im;
-};
-using Numbers = std::vector<Number>;
-
-Number operator+(Number a, Number b) { return {a.re + b.re, a.im + b.im}; }
-Number operator-(Number a, Number b) { return {a.re - b.re, a.im - b.im}; }
-Number operator*(float c, Number a) { return {c * a.re, c * a.im}; }
-Number plusTurned(Number m, Number p) { return {m.re + p.im, m.im - p.re}; }
-Number minusTurned(Number m, Number p) { return {m.re - p.im, m.im + p.re}; }
-
-float cosine(std::size_t num, std::size_t den) {
-    return static_cast<float>(
-        std::cos(2 * M_PIl * static_cast<long double>(num % den) / static_cast<long double>(den)));
-}
-float sine(std::size_t num, std::size_t den) {
-    return static_cast<float>(
-        std::sin(2 * M_PIl * static_cast<long double>(num % den) / static_cast<long double>(den)));
-}
-
-// The direct form: a sum of sines begins with its first positive term.
-float sumOfTerms(const std::vector<float>& c, const std::vector<float>& d) {
-    std::size_t first = 0;
-    while (first < c.size() && c[first] < 0) ++first;
-    if (first == c.size()) first = 0;
-    float sum = c[first] * d[first];
-    for (std::size_t j = 0; j < c.size(); ++j)
-        if (j != first) sum += c[j] * d[j];
-    return sum;
-}
-
-Numbers direct(const Numbers& z) {
-    const std::size_t p = z.size(), h = (p - 1) / 2;
-    Numbers s, d, y(p);
-    for (std::size_t j = 1; j <= h; ++j) {
-        s.push_back(z[j] + z[p - j]);
-        d.push_back(z[j] - z[p - j]);
-    }
-    Number sum = s[0];
-    for (std::size_t j = 1; j < h; ++j) sum = sum + s[j];
-    y[0] = sum + z[0];
-    for (std::size_t k = 1; k <= h; ++k) {
-        Number a = z[0];
-        std::vector<float> plus, minus, re, im;
-        for (std::size_t j = 1; j <= h; ++j) {
-            a = a + cosine(j * k, p) * s[j - 1];
-            plus.push_back(sine(j * k, p));
-            minus.push_back(-plus.back());
-            re.push_back(d[j - 1].re);
-            im.push_back(d[j - 1].im);
-        }
-        const Number q{sumOfTerms(plus, im), sumOfTerms(minus, re)};
-        y[k] = a + q;
-        y[p - k] = a - q;
-    }
-    return y;
-}
-
-Numbers butterfly(const Numbers& z) {
-    switch (z.size()) {
-        case 2:
-            return {z[0] + z[1], z[0] - z[1]};
-        case 3: {
-            const Number t = z[1] + z[2], d = z[1] - z[2];
-            const Number m = z[0] - 0.5F * t, p = sine(1, 6) * d;
-            return {z[0] + t, plusTurned(m, p), minusTurned(m, p)};
-        }
-        case 4: {
-            const Number a = z[0] + z[2], b = z[1] + z[3], c = z[0] - z[2], d = z[1] - z[3];
-            return {a + b, plusTurned(c, d), a - b, minusTurned(c, d)};
-        }
-        case 5: {
-            const float c1 = cosine(1, 5), c2 = -cosine(2, 5), s1 = sine(1, 5), s2 = sine(2, 5);
-            const Number a = z[1] + z[4], d = z[1] - z[4], b = z[3] + z[2], e = z[3] - z[2];
-            const Number A1 = (c1 * a + z[0]) - c2 * b, A2 = (z[0] - c2 * a) + c1 * b;
-            const Number P1 = s1 * d - s2 * e, P2 = s2 * d + s1 * e;
-            return {(a + b) + z[0], plusTurned(A1, P1), plusTurned(A2, P2), minusTurned(A2, P2),
-                    minusTurned(A1, P1)};
-        }
-        default:
-            return direct(z);
-    }
-}
+using namespace test::written;
 
 // The stages of a row: radices, and whether twiddles stand before each but the first.
 struct Stages {
@@ -136,45 +54,32 @@ Stages parse(const std::string& text) {
     return s;
 }
 
-// `first` is the length of the first factor. `step` spreads the columns: c is represented by the
-// multiple of it that leaves c modulo M.
+// `first` is the length of the first factor. Column c begins with x[step c].
 Numbers transform(const Stages& s, std::size_t first, std::size_t step, const Numbers& x) {
-    if (s.radices.size() == 1) return butterfly(x);
+    if (s.radices.size() == 1) return butterfly(Sign::Forward, x);
     std::size_t split = 1;
     while (s.part(0, split).length() != first) ++split;
     const Stages left = s.part(0, split), right = s.part(split, s.radices.size());
+    const auto runLeft = [&](const Numbers& z) { return transform(left, left.radices[0], 1, z); };
+    const auto runRight = [&](const Numbers& z) {
+        return transform(right, right.radices[0], 1, z);
+    };
     const std::size_t R = left.length(), M = right.length(), N = R * M;
-    Numbers y(N);
-    std::vector<Numbers> u;
+    if (!s.twiddled[split]) return goodThomas(R, M, x, runLeft, runRight);
+    std::vector<Numbers> v;
     for (std::size_t c = 0; c < M; ++c) {
-        std::size_t column = c;
-        while (column % step != 0) column += M;
         Numbers z;
-        for (std::size_t t = 0; t < R; ++t)
-            z.push_back(s.twiddled[split] ? x[(column + M * t) % N] : x[(M * t + R * c) % N]);
-        u.push_back(transform(left, left.radices[0], 1, z));
-        if (!s.twiddled[split]) continue;
-        for (std::size_t k = 0; k < R; ++k) {
-            const Number v = u.back()[k];
-            const float wr = cosine(column * k, N), wi = -sine(column * k, N);
-            if (4 * column * k % N == 0) {  // a quarter turn is exact either way
-                const std::size_t quarter = 4 * column * k / N % 4;
-                const Number turns[] = {v, {v.im, -v.re}, {-v.re, -v.im}, {-v.im, v.re}};
-                u.back()[k] = turns[quarter];
-            } else {
-                u.back()[k] = {v.re * wr - v.im * wi, v.re * wi + v.im * wr};
-            }
-        }
+        for (std::size_t t = 0; t < R; ++t) z.push_back(x[(step * c + M * t) % N]);
+        v.push_back(runLeft(z));
+        for (std::size_t k = 0; k < R; ++k)
+            v[c][k] = rotated(root(Sign::Forward, step * c * k, N), v[c][k]);
     }
-    for (std::size_t k1 = 0; k1 < R; ++k1) {
+    Numbers y(N);
+    for (std::size_t k = 0; k < R; ++k) {
         Numbers z;
-        for (std::size_t c = 0; c < M; ++c) z.push_back(u[c][k1]);
-        const Numbers out = transform(right, right.radices[0], 1, z);
-        for (std::size_t k2 = 0; k2 < M; ++k2) {
-            std::size_t k = s.twiddled[split] ? k1 + R * k2 : k1;
-            while (!s.twiddled[split] && k % M != k2) k += R;
-            y[k] = out[k2];
-        }
+        for (const Numbers& column : v) z.push_back(column[k]);
+        const Numbers out = runRight(z);
+        for (std::size_t q = 0; q < M; ++q) y[k + R * q] = out[step * q % M];
     }
     return y;
 }
