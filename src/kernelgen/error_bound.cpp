@@ -74,10 +74,14 @@ ErrorBound errorBound(const Graph& graph) {
                     break;
                 }
                 case Op::Add:
-                case Op::Sub:
-                    v = combine(of(n.a)[l], of(n.b)[l], n.op == Op::Add ? 1 : -1);
-                    v.error += unit(n.type) * v.magnitude();
+                case Op::Sub: {
+                    const LinearValue &a = of(n.a)[l], &b = of(n.b)[l];
+                    v = combine(a, b, n.op == Op::Add ? 1 : -1);
+                    // Nothing is rounded beside a zero, as in the sign steps 0 - b.
+                    if (a.magnitude() != 0 && b.magnitude() != 0)
+                        v.error += unit(n.type) * v.magnitude();
                     break;
+                }
                 case Op::Mul: {
                     v = of(n.a)[l];
                     const double c = graph.constant(n).lane(l).asDouble();

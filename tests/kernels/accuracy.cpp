@@ -51,7 +51,7 @@ void ErrorSum::add(Quad result, Quad exact) {
 Accuracy ErrorSum::inUnitsOf(Quad u) const {
     const Quad rms = sqrtf128(results_ / static_cast<Quad>(count_));
     return {static_cast<double>(sqrtf128(errors_ / results_) / u),
-            static_cast<double>(largest_ / rms / u)};
+            static_cast<double>(largest_ / rms / u), static_cast<double>(largest_ / u)};
 }
 
 Accuracy measureAccuracy(const ListedKernel& k) {

@@ -10,6 +10,7 @@ namespace orvgen::test {
 struct Accuracy {
     double relativeL2 = 0;  // |error| / |result| over all inputs together, L2 norms
     double largest = 0;     // largest error of a real over the root mean square of the results
+    double absolute = 0;    // largest error of a real
 };
 
 // Sums up the errors of results.

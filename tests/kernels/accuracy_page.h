@@ -3,7 +3,10 @@
 
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include "accuracy.h"
 
 namespace orvgen::test {
 
@@ -15,7 +18,11 @@ struct AccuracyColumn {
 };
 const std::vector<AccuracyColumn>& accuracyColumns();
 
-// The whole page, freshly measured. Families that do not exist yet have empty columns.
-std::string accuracyPage();
+// What the table says, by family and length.
+using AccuracyCells = std::map<std::pair<std::string, int>, std::string>;
+
+std::string accuracyCell(const Accuracy& measured);
+std::string accuracyPage(const AccuracyCells& cells);
+AccuracyCells readAccuracyPage(const std::string& page);
 
 }  // namespace orvgen::test

@@ -1,6 +1,7 @@
 #include "direct_transform.h"
 
 #include <cmath>
+#include <map>
 
 namespace orvgen::test {
 
@@ -26,18 +27,25 @@ struct Bin {
     Quad re = 0, im = 0;
 };
 
+const Circle& circleOf(std::size_t count) {
+    static std::map<std::size_t, Circle> circles;
+    return circles.try_emplace(count, count).first->second;
+}
+
 // sum x[j] exp(sign 2 pi i j k/N)
 std::vector<Bin> transform(const std::vector<Bin>& x, int sign) {
     const std::size_t n = x.size();
-    const Circle circle(n);
+    const Circle& circle = circleOf(n);
     std::vector<Bin> y(n);
-    for (std::size_t k = 0; k < n; ++k)
-        for (std::size_t j = 0; j < n; ++j) {
+    for (std::size_t j = 0; j < n; ++j) {
+        if (x[j].re == 0 && x[j].im == 0) continue;
+        for (std::size_t k = 0; k < n; ++k) {
             const Quad c = circle.cosine[j * k % n];
             const Quad s = sign * circle.sine[j * k % n];
             y[k].re += x[j].re * c - x[j].im * s;
             y[k].im += x[j].re * s + x[j].im * c;
         }
+    }
     return y;
 }
 
