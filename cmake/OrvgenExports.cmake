@@ -1,5 +1,6 @@
 # The names that the library exports, read from the lists of the public header, so that neither the version script nor
-# the kernel rules repeat them. Result: ORVGEN_EXPORTS (sorted), and the version script in ORVGEN_VERSION_SCRIPT.
+# the kernel rules repeat them. Results: ORVGEN_EXPORTS (sorted), the version script in ORVGEN_VERSION_SCRIPT, and in
+# ORVGEN_DISPATCHERS one line of src/frame/dispatch.h for each by-length function.
 
 set(header ${PROJECT_SOURCE_DIR}/include/orvgen.h)
 set(names ${PROJECT_SOURCE_DIR}/src/frame/exports.c)
@@ -11,6 +12,7 @@ execute_process(
 string(REGEX MATCHALL "EXPORTED [A-Za-z0-9_]+" rows "${text}")
 list(TRANSFORM rows REPLACE "EXPORTED " "" OUTPUT_VARIABLE ORVGEN_EXPORTS)
 list(SORT ORVGEN_EXPORTS)
+string(REGEX MATCHALL "ORVGEN_[A-Z]+_DISPATCHER\\([^)]+\\)" ORVGEN_DISPATCHERS "${text}")
 
 list(JOIN ORVGEN_EXPORTS ";\n    " rows)
 set(ORVGEN_VERSION_SCRIPT ${PROJECT_BINARY_DIR}/orvgen.map)

@@ -1,10 +1,13 @@
-# Installed: the library with its header, CMake package and pkg-config file (components `library` and `development`),
-# and the core library's stand-in (component `core`).
+# Installed: the library (component `library`); archive, header, CMake package and pkg-config file (`development`); and
+# only where it is named, `--component core`, the core library's stand-in.
 
 include(CMakePackageConfigHelpers)
+include(GNUInstallDirs)
 
-install(TARGETS orvgen EXPORT orvgen
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development)
+install(TARGETS orvgen orvgen_static EXPORT orvgen
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
+    INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(FILES ${PROJECT_SOURCE_DIR}/include/orvgen.h
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT library)
@@ -28,7 +31,7 @@ install(FILES ${PROJECT_BINARY_DIR}/orvgen.pc
 
 configure_file(${PROJECT_SOURCE_DIR}/cmake/InstallCore.cmake.in ${PROJECT_BINARY_DIR}/InstallCore.cmake.in @ONLY)
 file(GENERATE OUTPUT ${PROJECT_BINARY_DIR}/InstallCore-$<CONFIG>.cmake INPUT ${PROJECT_BINARY_DIR}/InstallCore.cmake.in)
-install(SCRIPT ${PROJECT_BINARY_DIR}/InstallCore-$<CONFIG>.cmake COMPONENT core)
+install(SCRIPT ${PROJECT_BINARY_DIR}/InstallCore-$<CONFIG>.cmake COMPONENT core EXCLUDE_FROM_ALL)
 
 if(PROJECT_IS_TOP_LEVEL)
     set(CPACK_PACKAGE_NAME orvgen)

@@ -1,5 +1,5 @@
 # How the product is made: every room hands in object files, one link step makes the shared library of them, and the
-# same objects make the static archive that white-box tests link.
+# same objects make the static archive.
 
 # The C++ of the product carries arithmetic and must need neither a C++ runtime nor writable data: no exceptions, no
 # type information, no guarded statics; rounding as written, no contraction, no vectors where scalars are written.
@@ -24,13 +24,10 @@ function(orvgen_add_objects name)
     set_property(GLOBAL APPEND PROPERTY ORVGEN_OBJECTS ${target})
 endfunction()
 
-# orvgen_add_product(): the targets orvgen (shared) and orvgen_static, made of all objects handed in so far.
+# orvgen_add_product(): the targets orvgen (shared) and orvgen_static (archive), made of all objects handed in so far.
 function(orvgen_add_product)
     get_property(rooms GLOBAL PROPERTY ORVGEN_OBJECTS)
-    set(objects "")
-    foreach(room IN LISTS rooms)
-        list(APPEND objects $<TARGET_OBJECTS:${room}>)
-    endforeach()
+    list(TRANSFORM rooms REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE objects)
 
     add_library(orvgen SHARED ${objects})
     add_library(orvgen::orvgen ALIAS orvgen)
@@ -56,10 +53,37 @@ function(orvgen_add_product)
     target_link_libraries(orvgen PRIVATE
         -Wl,--push-state,--no-as-needed $<BUILD_INTERFACE:$<TARGET_FILE:orvcorexwide>> m c -Wl,--pop-state)
     add_dependencies(orvgen orvcorexwide)
-    target_include_directories(orvgen INTERFACE
-        $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 
-    add_library(orvgen_static STATIC EXCLUDE_FROM_ALL ${objects})
-    target_include_directories(orvgen_static INTERFACE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
-    target_link_libraries(orvgen_static INTERFACE orvcorexwide m)
+    # In the archive a program finds what it calls and no more: each kernel with its twin is a member. The DCT-IV is one
+    # member, in which all names but the exported ones are local: some have no prefix of ours, such as EnvList_add.
+    set(plans ${rooms})
+    list(FILTER plans INCLUDE REGEX "^orvgen_dct4")
+    list(TRANSFORM plans REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>")
+    list(REMOVE_ITEM objects ${plans})
+    orvgen_localize(dct4 "^orvgDCT4" plan ${plans})
+    add_library(orvgen_static STATIC ${objects} ${plan} $<TARGET_OBJECTS:orvgen_core>)
+    add_library(orvgen::static ALIAS orvgen_static)
+    set_target_properties(orvgen_static PROPERTIES OUTPUT_NAME orvgenm7 EXPORT_NAME static LINKER_LANGUAGE C)
+    target_link_libraries(orvgen_static INTERFACE m)
+
+    foreach(library orvgen orvgen_static)
+        target_include_directories(${library} INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>)
+    endforeach()
+endfunction()
+
+# orvgen_localize(NAME REGEX OUT objects...): one object of these, in which the exported names that match stay global.
+function(orvgen_localize name regex out)
+    set(kept ${ORVGEN_EXPORTS})
+    list(FILTER kept INCLUDE REGEX "${regex}")
+    list(JOIN kept "\n" kept)
+    set(list ${PROJECT_BINARY_DIR}/${name}_exports.txt)
+    file(CONFIGURE OUTPUT ${list} CONTENT "${kept}\n")
+    set(object ${PROJECT_BINARY_DIR}/${name}.o)
+    add_custom_command(OUTPUT ${object}
+        # A group would keep its name, and the linker would take one of two such groups.
+        COMMAND ${CMAKE_LINKER} -r --force-group-allocation -o ${object} ${ARGN}
+        COMMAND ${CMAKE_OBJCOPY} --keep-global-symbols=${list} ${object}
+        DEPENDS ${ARGN} ${list} COMMENT "Joining ${name}.o" COMMAND_EXPAND_LISTS VERBATIM)
+    set_source_files_properties(${object} PROPERTIES EXTERNAL_OBJECT ON GENERATED ON)
+    set(${out} ${object} PARENT_SCOPE)
 endfunction()

@@ -1,8 +1,11 @@
-# What holds for every target: languages, output folders, warnings, options.
+# What holds for every target of this project: languages, output folders, warnings, options. Everything but the options
+# is set for this directory and those below it, so that a project which takes this one in keeps its own settings; and
+# what it may have set for all of its targets, but would break these, is taken back.
 
 option(ORVGEN_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL})
 option(ORVGEN_BENCH "Build the benchmarks" OFF)
 option(ORVGEN_EXAMPLES "Build the examples" ${PROJECT_IS_TOP_LEVEL})
+option(ORVGEN_INSTALL "Write install rules" ${PROJECT_IS_TOP_LEVEL})
 option(ORVGEN_WERROR "Treat warnings as errors" OFF)
 option(ORVGEN_SANITIZE "Build everything with the address and undefined behaviour sanitizers" OFF)
 
@@ -13,16 +16,24 @@ set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_UNITY_BUILD OFF)
+set(CMAKE_INTERPROCEDURAL_OPTIMIZATION OFF)
 
-if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
-    set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
+if(PROJECT_IS_TOP_LEVEL)
+    set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+    if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+        set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
+    endif()
+else()
+    set(CMAKE_COMPILE_WARNING_AS_ERROR OFF)
+    # Without a build type a parent's sources are not optimised; these are. And rounding is never left to the compiler.
+    add_compile_options($<$<AND:$<CONFIG:>,$<COMPILE_LANGUAGE:C,CXX>>:-O2>
+                        $<$<COMPILE_LANGUAGE:C,CXX>:-fno-fast-math>)
 endif()
 # No -DNDEBUG: the kernel compiler's assertions are part of how it is checked, and the product has none.
 set(CMAKE_C_FLAGS_RELEASE "-O2")
 set(CMAKE_CXX_FLAGS_RELEASE "-O2")
 
-include(GNUInstallDirs)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)

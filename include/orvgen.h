@@ -15,6 +15,16 @@
  * Link with -lorvgenm7 (CMake: find_package(orvgen), orvgen::orvgen; pkg-config: orvgen).
  * Any x86-64 processor with SSE3 runs it.
  *
+ * The libraries. m7 is the processor variant that these kernels are written for: 128-bit vectors,
+ * SSE3. liborvgenm7.so.6.1 holds every function of this header. It takes its memory, where it needs
+ * any, from the core library, liborvcorexwide.so.6.1, which programs need not name but which must
+ * be installed; a stand-in for it comes with this project. The archive liborvgenm7.a (CMake:
+ * orvgen::static; link -lm behind it) holds the same functions and needs no core library; its
+ * orvMalloc and orvFree are the stand-in's, unless the program brings both of its own.
+ *
+ * Beyond 64 points there are the Walsh-Hadamard transform (to 8192) and the DCT-IV (powers of two)
+ * here. For longer Fourier and Hartley transforms take a library that plans, such as FFTW.
+ *
  * What holds for every transform:
  *
  * Order of checks. A by-length function first tests the length (orvErrSize). Then src and dst are
@@ -43,6 +53,28 @@ extern "C" {
 #endif
 
 #define ORVGEN_API __attribute__((visibility("default")))
+
+/* Marks what returns a status, so that the compiler speaks up where it is dropped. Where that is
+ * not wanted, define it empty before this header. */
+#ifndef ORVGEN_NODISCARD
+#if defined(__cplusplus) && __cplusplus >= 201703L
+#define ORVGEN_NODISCARD [[nodiscard]]
+#else
+#define ORVGEN_NODISCARD __attribute__((warn_unused_result))
+#endif
+#endif
+
+/* ---- Release ---------------------------------------------------------------------------------
+ * Of this project, and what CMake and pkg-config call its version; ORVGEN_VERSION serves in #if.
+ * Not to be mixed up with 6.1, the version of the binary interface: that one is in the library's
+ * file name and in the record of orvgenGetLibVersion, and is fixed. */
+
+#define ORVGEN_VERSION_MAJOR 1
+#define ORVGEN_VERSION_MINOR 0
+#define ORVGEN_VERSION_PATCH 0
+#define ORVGEN_VERSION \
+    (ORVGEN_VERSION_MAJOR * 10000 + ORVGEN_VERSION_MINOR * 100 + ORVGEN_VERSION_PATCH)
+#define ORVGEN_VERSION_TEXT "1.0.0"
 
 /* ---- Element types ---------------------------------------------------------------------------
  * Their suffixes name them in the function names: _32f, _64f, _32fc, _64fc. */
@@ -90,9 +122,10 @@ enum {
 
 enum { orvScaleFwdByN = 1, orvScaleInvByN = 2, orvScaleBySqrtN = 4, orvScaleNone = 8 };
 
-/* ---- Version ---------------------------------------------------------------------------------*/
+/* ---- Version of the binary interface ---------------------------------------------------------*/
 
-/* A constant record of the library's; not to be changed or freed. */
+/* A constant record of the library's; not to be changed or freed. Its numbers are those of the
+ * binary interface, the same in every release of this project. */
 typedef struct {
     int32_t versionMajor;
     int32_t versionMinor;
@@ -213,12 +246,13 @@ ORVGEN_API const OrvLibraryVersion* orvgenGetLibVersion(void);
  * The _32f kernels of the real and Hartley transforms add in binary32 and multiply by a constant in
  * binary64; the _32fc kernels compute in binary32 throughout, lengths 3 and 5 excepted. */
 
-#define ORVGEN_DECLARE_LENGTH(NAME, N, T) \
-    ORVGEN_API OrvStatus orvg##NAME##_##N##_##T(const Orv##T* src, Orv##T* dst, int32_t flag);
-#define ORVGEN_DECLARE_LENGTH_FAMILY(NAME, T, LIST)                                    \
-    LIST(ORVGEN_DECLARE_LENGTH, NAME, T)                                               \
-    ORVGEN_API OrvStatus orvg##NAME##_##T(const Orv##T* src, Orv##T* dst, int32_t len, \
-                                          int32_t flag);
+#define ORVGEN_DECLARE_LENGTH(NAME, N, T)                                                        \
+    ORVGEN_NODISCARD ORVGEN_API OrvStatus orvg##NAME##_##N##_##T(const Orv##T* src, Orv##T* dst, \
+                                                                 int32_t flag);
+#define ORVGEN_DECLARE_LENGTH_FAMILY(NAME, T, LIST)                                        \
+    LIST(ORVGEN_DECLARE_LENGTH, NAME, T)                                                   \
+    ORVGEN_NODISCARD ORVGEN_API OrvStatus orvg##NAME##_##T(const Orv##T* src, Orv##T* dst, \
+                                                           int32_t len, int32_t flag);
 
 ORVGEN_LENGTH_FAMILIES(ORVGEN_DECLARE_LENGTH_FAMILY)
 
@@ -235,20 +269,23 @@ ORVGEN_LENGTH_FAMILIES(ORVGEN_DECLARE_LENGTH_FAMILY)
  *
  * buffer is scratch memory of the size in bytes that orvgWHTGetBufferSize_<T> stores (0 for orders
  * 1 to 7, which may be given any pointer), on a 16-byte boundary, which is not tested: off it the
- * call faults. Nothing in it needs to be set, and nothing in it is kept. It may not overlap src or
- * dst. Where it is null, orders 8 to 13 allocate the block for the time of the call; there is no
- * status for memory that runs out there, so that a caller who cannot accept that passes a buffer.
- * The size query refuses orders outside 1 to 13 with orvErrSize and leaves *size as it was; it does
- * not test the pointer for null. */
+ * call faults. aligned_alloc(16, size) gives such a block (all sizes are multiples of 16), so does
+ * malloc on x86-64, and for an array the attribute aligned(16), or alignas. Nothing in it needs to
+ * be set, and nothing in it is kept. It may not overlap src or dst. Where it is null, orders 8 to
+ * 13 allocate the block for the time of the call; there is no status for memory that runs out
+ * there, so that a caller who cannot accept that passes a buffer. The size query refuses orders
+ * outside 1 to 13 with orvErrSize and leaves *size as it was; it does not test the pointer for
+ * null. */
 
-#define ORVGEN_DECLARE_ORDER(NAME, K, T)                                                      \
-    ORVGEN_API OrvStatus orvg##NAME##_##K##_##T(const Orv##T* src, Orv##T* dst, int32_t flag, \
-                                                uint8_t* buffer);
-#define ORVGEN_DECLARE_ORDER_FAMILY(NAME, T, LIST)                                       \
-    LIST(ORVGEN_DECLARE_ORDER, NAME, T)                                                  \
-    ORVGEN_API OrvStatus orvg##NAME##_##T(const Orv##T* src, Orv##T* dst, int32_t order, \
-                                          int32_t flag, uint8_t* buffer);                \
-    ORVGEN_API OrvStatus orvg##NAME##GetBufferSize_##T(int32_t order, int32_t* size);
+#define ORVGEN_DECLARE_ORDER(NAME, K, T)                                                         \
+    ORVGEN_NODISCARD ORVGEN_API OrvStatus orvg##NAME##_##K##_##T(const Orv##T* src, Orv##T* dst, \
+                                                                 int32_t flag, uint8_t* buffer);
+#define ORVGEN_DECLARE_ORDER_FAMILY(NAME, T, LIST)                                     \
+    LIST(ORVGEN_DECLARE_ORDER, NAME, T)                                                \
+    ORVGEN_NODISCARD ORVGEN_API OrvStatus orvg##NAME##_##T(                            \
+        const Orv##T* src, Orv##T* dst, int32_t order, int32_t flag, uint8_t* buffer); \
+    ORVGEN_NODISCARD ORVGEN_API OrvStatus orvg##NAME##GetBufferSize_##T(int32_t order, \
+                                                                        int32_t* size);
 
 ORVGEN_ORDER_FAMILIES(ORVGEN_DECLARE_ORDER_FAMILY)
 
@@ -271,29 +308,38 @@ ORVGEN_ORDER_FAMILIES(ORVGEN_DECLARE_ORDER_FAMILY)
  * Such a plan is not handed to Free: its owner reuses or releases the block. A plan is a pointer
  * into the block and cannot be copied.
  *
- * Lengths: 2, 4, 8, 16, 32 and the powers of two from 64 up to 2^26 (_32f) and 2^25 (_64f). Others
- * give orvErrSize, but for 2^k + 1 from 33 on (_64f: from 9 on), which pass the test of lengths
- * although a run on them means nothing, and reads src[len] and writes dst[len], one element beyond
- * the end, and the largest powers of two, for which GetSize reports too small a size. Init does not
- * know how large the block is, and of a length that GetSize refuses it builds as far as it gets in
- * mem before it refuses too: ask GetSize first.
+ * Lengths: the powers of two from 2 to ORVGEN_DCT4_MAX_LENGTH_<T>. Others give orvErrSize, with
+ * two exceptions that a caller has to keep away from.
+ *     2^k + 1, from 33 on (_64f: from 9 on), is accepted although a run on it means nothing, and
+ *     reads src[len] and writes dst[len], one element beyond the end.
+ *     2^30 (_64f: also 2^29), and the same plus 1, is accepted although the true size does not fit
+ *     into an int32_t. GetSize reports far too few bytes, Init builds the plan beyond the end of
+ *     such a block, and InitAlloc allocates such a block and writes past it.
+ * Init does not know how large the block is, and of a length that GetSize refuses it builds as far
+ * as it gets in mem before it refuses too: ask GetSize first.
  * Status: orvErrNullPtr for a null spec, mem, src or dst, and where InitAlloc finds no memory;
  * orvErrSize for a length, leaving *spec and *size as they were; orvErrPlan from a run on a plan
- * that Init did not finish. The size pointer is not tested for null.
+ * that Init did not finish. The size pointer is not tested for null. The status of Free, which
+ * fails for a null plan only, may be dropped.
  * Threads: a plan of a length up to 32 is only read by a run. From 64 on a run writes scratch
  * memory inside the plan: one run at a time, or a plan for each thread. */
+
+/* The largest lengths; their plans take 1.4 GB. */
+#define ORVGEN_DCT4_MAX_LENGTH_32f (1 << 26)
+#define ORVGEN_DCT4_MAX_LENGTH_64f (1 << 25)
 
 typedef struct OrvDCT4Spec_32f OrvDCT4Spec_32f;
 typedef struct OrvDCT4Spec_64f OrvDCT4Spec_64f;
 
-#define ORVGEN_DECLARE_DCT4_FAMILY(NAME, T)                                                  \
-    ORVGEN_API OrvStatus orvg##NAME##GetSize_##T(int32_t len, int32_t* size);                \
-    ORVGEN_API OrvStatus orvg##NAME##Init_##T(Orv##NAME##Spec_##T** spec, int32_t len,       \
-                                              uint8_t* mem);                                 \
-    ORVGEN_API OrvStatus orvg##NAME##InitAlloc_##T(Orv##NAME##Spec_##T** spec, int32_t len); \
-    ORVGEN_API OrvStatus orvg##NAME##Free_##T(Orv##NAME##Spec_##T* spec);                    \
-    ORVGEN_API OrvStatus orvg##NAME##_##T(const Orv##T* src, Orv##T* dst,                    \
-                                          Orv##NAME##Spec_##T* spec);
+#define ORVGEN_DECLARE_DCT4_FAMILY(NAME, T)                                                     \
+    ORVGEN_NODISCARD ORVGEN_API OrvStatus orvg##NAME##GetSize_##T(int32_t len, int32_t* size);  \
+    ORVGEN_NODISCARD ORVGEN_API OrvStatus orvg##NAME##Init_##T(Orv##NAME##Spec_##T** spec,      \
+                                                               int32_t len, uint8_t* mem);      \
+    ORVGEN_NODISCARD ORVGEN_API OrvStatus orvg##NAME##InitAlloc_##T(Orv##NAME##Spec_##T** spec, \
+                                                                    int32_t len);               \
+    ORVGEN_API OrvStatus orvg##NAME##Free_##T(Orv##NAME##Spec_##T* spec);                       \
+    ORVGEN_NODISCARD ORVGEN_API OrvStatus orvg##NAME##_##T(const Orv##T* src, Orv##T* dst,      \
+                                                           Orv##NAME##Spec_##T* spec);
 
 ORVGEN_DCT4_FAMILIES(ORVGEN_DECLARE_DCT4_FAMILY)
 

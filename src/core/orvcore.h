@@ -8,7 +8,9 @@
 extern "C" {
 #endif
 
+#ifndef ORVCORE_API
 #define ORVCORE_API __attribute__((visibility("default")))
+#endif
 
 /* A block of `bytes` bytes on a 64-byte boundary; null when the count is negative or no memory is
  * left. A count of 0 gives a block that may be freed. */

@@ -178,5 +178,16 @@ TEST(Sizes, ExcessIsTheSlotsOfFirstElements) {
     EXPECT_EQ(Plan::reportedSize(131072) - Plan(131072).block.used(), 544U);
 }
 
+// The header's largest length: the true charge fits into the size; of twice that length it does
+// not.
+TEST(Sizes, LargestLengthOfTheHeader) {
+    const std::int32_t largest =
+        familyBits == 32 ? ORVGEN_DCT4_MAX_LENGTH_32f : ORVGEN_DCT4_MAX_LENGTH_64f;
+    EXPECT_EQ(static_cast<std::int64_t>(Plan::reportedSize(largest)), charge(largest) + 64);
+    EXPECT_GT(charge(largest), std::int64_t{5} * largest * elementWidth);
+    std::int32_t size = -1;
+    EXPECT_EQ(EXPORTED(DCT4GetSize)(2 * largest, &size), orvErrSize);
+}
+
 }  // namespace
 }  // namespace orvgen::test::dct4

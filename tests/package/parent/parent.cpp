@@ -1,0 +1,1 @@
+int parentOfAll() { return 0; }
