@@ -34,21 +34,12 @@ std::optional<Member> findMember(const std::vector<Family>& families, const std:
     return std::nullopt;
 }
 
-void emit(const Member& member, const std::string& file) {
-    const Family& family = *member.family;
-    if (family.assembly) {
-        writeKernelFile(file, "", [&] { return family.assembly(member.length); });
-        return;
-    }
-    const Kernel kernel = family.kernel(member.length);
+void emit(const Kernel& kernel, const std::string& file) {
     writeKernelFile(file, keyOf(kernel), [&] { return compileKernel(kernel).assembly; });
 }
 
-void show(const Kernel& kernel, const std::string& tables) {
-    const CompiledKernel compiled = compileKernel(kernel);
-    const KernelFigures& f = compiled.figures;
-    std::cout << kernel.name << "\n"
-              << "  computed as      " << kernel.method << "\n";
+// What there is to say of a flow: its operations, the rows of the tables, its error bound.
+void showFlow(const Kernel& kernel, const std::string& tables) {
     if (kernel.flow.arithmetic() == Arithmetic::SingleLanes) {
         const LaneCounts c = countLanes(kernel.flow);
         std::cout << "  additions        " << c.distinctAdditions << " distinct, "
@@ -76,6 +67,14 @@ void show(const Kernel& kernel, const std::string& tables) {
     std::printf(
         "  error bound      %.2f u for |x| <= 1 in the worst output (sum of |weights| %.2f)\n",
         e.absolute, e.magnitude);
+}
+
+void show(const Kernel& kernel, const std::string& tables) {
+    const CompiledKernel compiled = compileKernel(kernel);
+    const KernelFigures& f = compiled.figures;
+    std::cout << kernel.name << "\n"
+              << "  computed as      " << kernel.method << "\n";
+    if (!kernel.passes) showFlow(kernel, tables);
     std::printf("  instructions     %d in the body\n", f.instructions);
     std::printf("  frame            %d bytes, %d spills\n", f.frameBytes, f.spills);
     std::printf("  cycles           %.0f by the core model, port bound %.1f\n\n", f.modelCycles,
@@ -98,15 +97,11 @@ int runCommand(int argc, char** argv, const std::vector<Family>& families) {
             return fail("usage: list | emit NAME FILE | show NAME [FOLDER OF TABLES]");
         const std::optional<Member> member = findMember(families, argv[2]);
         if (!member) return fail("no such kernel: " + std::string(argv[2]));
-        if (command == "show") {
-            // A kernel that comes as assembly tells its figures in the head of it.
-            if (member->family->assembly)
-                std::cout << member->family->assembly(member->length);
-            else
-                show(member->family->kernel(member->length), argc == 4 ? argv[3] : "");
-            return 0;
-        }
-        emit(*member, argv[3]);
+        const Kernel kernel = member->family->kernel(member->length);
+        if (command == "show")
+            show(kernel, argc == 4 ? argv[3] : "");
+        else
+            emit(kernel, argv[3]);
         return 0;
     } catch (const std::exception& e) {
         return fail(e.what());

@@ -9,7 +9,6 @@ namespace orvgen::kernelgen {
 
 namespace {
 
-constexpr int kRegisters = 16;
 constexpr int kNever = std::numeric_limits<int>::max() / 2;
 // Values in memory are evicted as if their next use were this much further away.
 constexpr double kCleanPreference = 1.3;
@@ -20,13 +19,20 @@ constexpr int kKeepDistance = 24;
 // A conversion into a register that was written this recently clears it first.
 constexpr int kRecentWrite = 12;
 
+std::size_t at(int i) { return static_cast<std::size_t>(i); }
+
 class Allocator {
   public:
-    Allocator(const Code& code, const std::vector<int>& order, const AllocationOptions& options)
-        : code_(code), order_(order), options_(options) {
-        values_.resize(static_cast<std::size_t>(code.registers));
-        owner_.fill(kNoRegister);
-        lastWrite_.fill(-1000);
+    Allocator(const Code& code, const std::vector<int>& order, const Target& target,
+              const AllocationOptions& options)
+        : code_(code),
+          order_(order),
+          target_(target),
+          options_(options),
+          owner_(at(target.registers), kNoRegister),
+          lastWrite_(at(target.registers), -1000),
+          locked_(at(target.registers), false) {
+        values_.resize(at(code.registers));
         collectUses();
         findBarriers();
     }
@@ -38,10 +44,10 @@ class Allocator {
             if (isLoad(i.op)) continue;
             if (isStore(i.op))
                 store(i);
-            else if (i.op == Opcode::Widen || i.op == Opcode::Narrow)
+            else if (rowOf(i.op).form == Form::Unary)
                 convert(i);
             else
-                twoOperand(i);
+                combine(i);
         }
         return std::move(result_);
     }
@@ -57,13 +63,13 @@ class Allocator {
     };
 
     const Instruction& instructionAt(int position) const {
-        return code_
-            .instructions[static_cast<std::size_t>(order_[static_cast<std::size_t>(position)])];
+        return code_.instructions[at(order_[at(position)])];
     }
-    Value& value(Register r) { return values_[static_cast<std::size_t>(r)]; }
+    Value& value(Register r) { return values_[at(r)]; }
     const Instruction& definition(Register r) {
-        return code_.instructions[static_cast<std::size_t>(value(r).definition)];
+        return code_.instructions[at(value(r).definition)];
     }
+    int sizeOf(Register r) { return resultSize(definition(r).op, definition(r).width); }
 
     void collectUses() {
         for (std::size_t i = 0; i < code_.instructions.size(); ++i)
@@ -95,11 +101,11 @@ class Allocator {
                 continue;
             for (const int p : stores) {
                 const Instruction& s = instructionAt(p);
-                const int size = accessSize(load.op);
-                if (options_.storesEndAllOfSrc ||
-                    overlap(load.address, size, s.address, accessSize(s.op)) ||
+                const int size = accessSize(load.op, load.width);
+                const int stored = accessSize(s.op, s.width);
+                if (options_.storesEndAllOfSrc || overlap(load.address, size, s.address, stored) ||
                     (load.op == Opcode::LoadHalves &&
-                     overlap(load.high, size, s.address, accessSize(s.op)))) {
+                     overlap(load.high, size, s.address, stored))) {
                     v.barrier = p;
                     break;
                 }
@@ -124,21 +130,24 @@ class Allocator {
     // The value can be had from memory without having been stored by us.
     bool isClean(Register r) {
         const Instruction& d = definition(r);
-        return isLoad(d.op) && d.op != Opcode::SpreadSS && d.op != Opcode::SpreadSD &&
-               !isLoadedOnce(r);
+        const bool spread = d.op == Opcode::SpreadSS || d.op == Opcode::SpreadSD;
+        return isLoad(d.op) && !(spread && !target_.threeOperands()) && !isLoadedOnce(r);
     }
     bool isLoadedOnce(Register r) {
         const Instruction& d = definition(r);
         return options_.loadSrcOnce && isLoad(d.op) && d.address.base == Base::Src;
     }
+    // Whether an instruction may read in memory what the load reads.
+    bool isOperand(Opcode load) const {
+        if (load == Opcode::Load16 || load == Opcode::Load16Split) return target_.unalignedOperands;
+        return load == Opcode::LoadSS || load == Opcode::LoadSD || load == Opcode::LoadAligned;
+    }
     // The address from which an instruction can read the value, if it can.
     bool memoryOperand(Register r, Address& address) {
         Value& v = value(r);
         const Instruction& d = definition(r);
-        const bool scalar = d.op == Opcode::LoadSS || d.op == Opcode::LoadSD;
-        if (v.barrier >= position_ &&
-            ((scalar && (d.address.base != Base::Src || options_.foldSrc)) ||
-             d.op == Opcode::LoadAligned)) {
+        if (v.barrier >= position_ && isOperand(d.op) &&
+            (d.address.base != Base::Src || options_.foldSrc)) {
             address = d.address;
             return true;
         }
@@ -147,16 +156,15 @@ class Allocator {
         return true;
     }
 
-    MachineInstruction& emit(Opcode op) {
+    MachineInstruction& emit(Opcode op, int width) {
         MachineInstruction m{};
         m.op = op;
         m.stage = stage_;
+        m.width = width;
         result_.instructions.push_back(m);
         return result_.instructions.back();
     }
-    void wrote(int reg) {
-        lastWrite_[static_cast<std::size_t>(reg)] = static_cast<int>(result_.instructions.size());
-    }
+    void wrote(int reg) { lastWrite_[at(reg)] = static_cast<int>(result_.instructions.size()); }
 
     int newSlot(int size) {
         auto& free = freeSlots_[size];
@@ -170,39 +178,38 @@ class Allocator {
     }
 
     void evict(int reg) {
-        const Register r = owner_[static_cast<std::size_t>(reg)];
+        const Register r = owner_[at(reg)];
         Value& v = value(r);
         const bool reloadable = isClean(r) && nextUse(r) < v.barrier;
         if (v.slot < 0 && !reloadable) {
-            const int size = resultSize(definition(r).op);
+            const int size = sizeOf(r);
             v.slot = newSlot(size);
             MachineInstruction& m = emit(size == 4   ? Opcode::StoreSS
                                          : size == 8 ? Opcode::StoreSD
-                                                     : Opcode::StoreAligned);
+                                                     : Opcode::StoreAligned,
+                                         size);
             m.src = reg;
             m.hasAddress = true;
             m.address = {Base::Frame, v.slot};
             ++result_.spills;
         }
         v.reg = -1;
-        owner_[static_cast<std::size_t>(reg)] = kNoRegister;
+        owner_[at(reg)] = kNoRegister;
     }
 
     // A register for a new value: a free one, else that of the value needed last.
     int take(Register r, bool leastRecent = false) {
         int best = -1;
-        for (int reg = 0; reg < kRegisters; ++reg) {
-            const auto at = static_cast<std::size_t>(reg);
-            if (owner_[at] != kNoRegister || locked_[at]) continue;
-            if (best < 0 ||
-                (leastRecent && lastWrite_[at] < lastWrite_[static_cast<std::size_t>(best)]))
-                best = reg;
+        for (int reg = 0; reg < target_.registers; ++reg) {
+            const std::size_t i = at(reg);
+            if (owner_[i] != kNoRegister || locked_[i]) continue;
+            if (best < 0 || (leastRecent && lastWrite_[i] < lastWrite_[at(best)])) best = reg;
         }
         if (best < 0) {
             double furthest = -1;
-            for (int reg = 0; reg < kRegisters; ++reg) {
-                if (locked_[static_cast<std::size_t>(reg)]) continue;
-                const Register o = owner_[static_cast<std::size_t>(reg)];
+            for (int reg = 0; reg < target_.registers; ++reg) {
+                if (locked_[at(reg)]) continue;
+                const Register o = owner_[at(reg)];
                 const Value& v = value(o);
                 const int use = nextUse(o);
                 const bool clean = v.slot >= 0 || (isClean(o) && use < v.barrier);
@@ -216,31 +223,32 @@ class Allocator {
             evict(best);
         }
         if (r != kNoRegister) {
-            owner_[static_cast<std::size_t>(best)] = r;
+            owner_[at(best)] = r;
             value(r).reg = best;
         }
         return best;
     }
 
-    void lock(int reg) { locked_[static_cast<std::size_t>(reg)] = true; }
-    void unlockAll() { locked_.fill(false); }
+    void lock(int reg) { locked_[at(reg)] = true; }
+    void unlockAll() { locked_.assign(locked_.size(), false); }
 
     // Puts the value of r from memory into `reg`.
     void loadInto(Register r, int reg) {
         const Value& v = value(r);
         const Instruction& d = definition(r);
         if (v.slot >= 0 && !(isClean(r) && v.barrier >= position_)) {
-            const int size = resultSize(d.op);
+            const int size = sizeOf(r);
             MachineInstruction& m = emit(size == 4   ? Opcode::LoadSS
                                          : size == 8 ? Opcode::LoadSD
-                                                     : Opcode::LoadAligned);
+                                                     : Opcode::LoadAligned,
+                                         size);
             m.dst = reg;
             m.hasAddress = true;
             m.address = {Base::Frame, v.slot};
         } else {
             if (!isLoad(d.op) || v.barrier < position_)
                 throw std::logic_error("a value is neither in a register nor in memory");
-            MachineInstruction& m = emit(d.op);
+            MachineInstruction& m = emit(d.op, d.width);
             m.dst = reg;
             m.hasAddress = d.hasAddress;
             m.address = d.address;
@@ -262,30 +270,31 @@ class Allocator {
     void release(Register r) {
         if (r == kNoRegister || !dies(r)) return;
         Value& v = value(r);
-        if (v.reg >= 0) owner_[static_cast<std::size_t>(v.reg)] = kNoRegister;
+        if (v.reg >= 0) owner_[at(v.reg)] = kNoRegister;
         v.reg = -1;
         if (v.slot >= 0) {
-            freeSlots_[result_.slotSizes[static_cast<std::size_t>(v.slot)]].push_back(v.slot);
+            freeSlots_[result_.slotSizes[at(v.slot)]].push_back(v.slot);
             v.slot = -1;
         }
     }
 
-    static bool takesMemoryOperand(Opcode op) {
-        return op != Opcode::Movlhps && op != Opcode::Movhlps;
+    double costAsFirst(Register r) {
+        if (value(r).reg < 0) return 1.0;
+        return target_.threeOperands() || dies(r) ? 0.0 : 0.6;
     }
-
-    double costAsTied(Register r) { return value(r).reg >= 0 ? (dies(r) ? 0.0 : 0.6) : 1.0; }
-    double costAsOther(Register r, Opcode op) {
+    double costAsSecond(Register r, Opcode op) {
         if (value(r).reg >= 0) return 0.0;
         Address unused;
-        return takesMemoryOperand(op) && memoryOperand(r, unused) ? 0.2 : 1.0;
+        return rowOf(op).fromMemory && memoryOperand(r, unused) ? 0.2 : 1.0;
     }
 
-    void twoOperand(const Instruction& i) {
+    // An operation on two values, or on one and a constant in memory.
+    void combine(const Instruction& i) {
+        const OpcodeRow& row = rowOf(i.op);
         Register x = i.a;
         Register y = i.b;
-        if (y != kNoRegister && x != y && options_.commute && isCommutative(i.op) &&
-            costAsTied(y) + costAsOther(x, i.op) < costAsTied(x) + costAsOther(y, i.op))
+        if (y != kNoRegister && x != y && options_.commute && row.commutes &&
+            costAsFirst(y) + costAsSecond(x, i.op) < costAsFirst(x) + costAsSecond(y, i.op))
             std::swap(x, y);
 
         bool fromMemory = i.hasAddress;
@@ -293,43 +302,78 @@ class Allocator {
         if (value(x).reg < 0 && value(x).slot < 0 && (isLoadedOnce(x) || isWorthKeeping(x)))
             ensure(x);
         if (value(x).reg >= 0) lock(value(x).reg);
-        int other = -1;
+        int second = -1;
         if (y != kNoRegister && y != x) {
-            if (value(y).reg < 0 && takesMemoryOperand(i.op) && memoryOperand(y, address) &&
+            if (value(y).reg < 0 && row.fromMemory && memoryOperand(y, address) &&
                 !(useAfter(y) - position_ <= kReloadDistance && hasFree())) {
                 fromMemory = true;
             } else {
-                other = ensure(y);
-                lock(other);
+                second = ensure(y);
+                lock(second);
             }
         }
-        int target = value(x).reg;
-        if (target >= 0 && dies(x)) {
-            owner_[static_cast<std::size_t>(target)] = i.dst;
-            value(x).reg = -1;
-            value(i.dst).reg = target;
-        } else if (target >= 0) {
-            const int from = target;
-            target = take(i.dst);
-            MachineInstruction& m = emit(Opcode::Move);
-            m.dst = target;
-            m.src = from;
-            wrote(target);
-        } else {
-            target = take(i.dst);
-            loadInto(x, target);
-        }
-        if (y == x) other = target;
-        MachineInstruction& m = emit(i.op);
+        const auto [target, first] =
+            target_.threeOperands() ? anyTarget(i, x, y) : tiedTarget(i, x);
+        MachineInstruction& m = emit(i.op, i.width);
         m.dst = target;
-        m.src = other;
+        m.first = first;
+        m.src = y == x ? first : second;
         m.hasAddress = fromMemory;
         m.address = address;
         m.immediate = i.immediate;
+        m.broadcast = i.broadcast;
         wrote(target);
         unlockAll();
         release(x);
         if (y != x) release(y);
+    }
+
+    struct Places {
+        int target, first;
+    };
+    // Two operands: the first one is in the register of the result, and overwritten.
+    Places tiedTarget(const Instruction& i, Register x) {
+        const int from = value(x).reg;
+        if (from >= 0 && dies(x)) {
+            handOver(x, i.dst);
+            return {from, from};
+        }
+        const int target = take(i.dst);
+        if (from >= 0) {
+            MachineInstruction& m = emit(Opcode::Move, 16);
+            m.dst = target;
+            m.src = from;
+            wrote(target);
+        } else {
+            loadInto(x, target);
+        }
+        return {target, target};
+    }
+    // Three operands: the result may take the register of an operand that ends here, or any other.
+    Places anyTarget(const Instruction& i, Register x, Register y) {
+        int first = value(x).reg;
+        if (first < 0 && !dies(x) && hasFree()) lock(first = ensure(x));
+        if (first < 0) {
+            const int target = take(i.dst);
+            loadInto(x, target);
+            return {target, target};
+        }
+        for (const Register r : {x, y}) vacate(r);
+        return {take(i.dst), first};
+    }
+
+    // The register of a value whose last use this is becomes another value's, or free.
+    void handOver(Register from, Register to) {
+        const int reg = value(from).reg;
+        owner_[at(reg)] = to;
+        value(from).reg = -1;
+        value(to).reg = reg;
+    }
+    void vacate(Register r) {
+        if (r == kNoRegister || value(r).reg < 0 || !dies(r)) return;
+        owner_[at(value(r).reg)] = kNoRegister;
+        locked_[at(value(r).reg)] = false;
+        value(r).reg = -1;
     }
 
     // Two halves take two instructions to load, and a copy is one: if the vector is wanted again
@@ -343,35 +387,53 @@ class Allocator {
         return std::find(owner_.begin(), owner_.end(), kNoRegister) != owner_.end();
     }
 
+    // Half of a vector is converted out of memory where it stands there: the upper half would have
+    // to be moved down first.
     void convert(const Instruction& i) {
         const Register x = i.a;
-        const int from = value(x).reg;
-        int target = -1;
-        bool fromMemory = false;
+        int from = value(x).reg;
         Address address;
-        if (from >= 0 && dies(x)) {
+        const bool wantsMemory = from < 0 || i.op == Opcode::WidenUpperPS;
+        const bool fromMemory = wantsMemory && memoryOperand(x, address);
+        if (fromMemory) from = -1;
+        int target = -1;
+        if (!target_.threeOperands() && from >= 0 && dies(x)) {
             target = from;
-            owner_[static_cast<std::size_t>(target)] = i.dst;
-            value(x).reg = -1;
-            value(i.dst).reg = target;
+            handOver(x, i.dst);
         } else {
+            if (from < 0 && !fromMemory) from = ensure(x);
             if (from >= 0) lock(from);
-            fromMemory = from < 0 && memoryOperand(x, address);
-            if (from < 0 && !fromMemory) lock(ensure(x));
+            if (target_.threeOperands()) vacate(x);
             target = take(i.dst, true);
         }
-        const bool recent = static_cast<int>(result_.instructions.size()) -
-                                lastWrite_[static_cast<std::size_t>(target)] <
-                            kRecentWrite;
-        MachineInstruction& m = emit(i.op);
+        MachineInstruction m{};
+        m.op = i.op;
+        m.stage = stage_;
+        m.width = i.width;
         m.dst = target;
-        m.src = fromMemory ? -1 : (value(x).reg >= 0 ? value(x).reg : target);
+        m.src = from;
         m.hasAddress = fromMemory;
         m.address = address;
-        m.clearsFirst = m.src != target && recent;
+        if (i.op == Opcode::Widen || i.op == Opcode::Narrow) keepRest(m);
+        result_.instructions.push_back(m);
         wrote(target);
         unlockAll();
         release(x);
+    }
+
+    // A scalar conversion leaves the rest of its register as it was, or takes it from another one;
+    // that must not make it wait for a result that has nothing to do with it.
+    void keepRest(MachineInstruction& m) {
+        if (target_.threeOperands()) {
+            m.first = m.src;
+            if (m.src >= 0) return;
+            m.first = static_cast<int>(std::ranges::min_element(lastWrite_) - lastWrite_.begin());
+            return;
+        }
+        if (m.src == m.dst) return;
+        const int age = static_cast<int>(result_.instructions.size()) - lastWrite_[at(m.dst)];
+        m.clearsFirst = age < kRecentWrite;
+        if (!m.clearsFirst) m.first = m.dst;
     }
 
     void store(const Instruction& i) {
@@ -382,7 +444,7 @@ class Allocator {
                 if (value(r).reg < 0 && value(r).slot < 0) ensure(r);
             }
         }
-        MachineInstruction& m = emit(i.op);
+        MachineInstruction& m = emit(i.op, i.width);
         m.src = i.a == kNoRegister ? -1 : value(i.a).reg;
         m.hasAddress = true;
         m.address = i.address;
@@ -392,11 +454,12 @@ class Allocator {
 
     const Code& code_;
     const std::vector<int>& order_;
+    const Target& target_;
     AllocationOptions options_;
     std::vector<Value> values_;
-    std::array<Register, kRegisters> owner_;
-    std::array<int, kRegisters> lastWrite_;
-    std::array<bool, kRegisters> locked_{};
+    std::vector<Register> owner_;
+    std::vector<int> lastWrite_;
+    std::vector<bool> locked_;
     std::map<int, std::vector<Register>> barriers_;
     std::map<int, std::vector<int>> freeSlots_;
     Allocation result_;
@@ -406,9 +469,9 @@ class Allocator {
 
 }  // namespace
 
-Allocation allocate(const Code& code, const std::vector<int>& order,
+Allocation allocate(const Code& code, const std::vector<int>& order, const Target& target,
                     const AllocationOptions& options) {
-    return Allocator(code, order, options).run();
+    return Allocator(code, order, target, options).run();
 }
 
 }  // namespace orvgen::kernelgen

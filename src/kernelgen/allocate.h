@@ -7,17 +7,16 @@
 #pragma once
 
 #include "code.h"
+#include "target.h"
 
 namespace orvgen::kernelgen {
 
 struct AllocationOptions {
-    // src elements may be memory operands of arithmetic (kernels that have no twin).
+    // src elements may be memory operands of arithmetic (kernels without a twin).
     bool foldSrc = false;
     // A store to dst ends the life of all of src (any overlap is harmless), or only of the bytes
     // that it covers (src equal to dst is harmless).
     bool storesEndAllOfSrc = true;
-    // The largest frame in bytes; negative: any. Orders that need more are passed over.
-    int frameLimit = -1;
     // Sums and products may take their operands in either order. It shows in one thing only: of two
     // NaN the first operand's comes out.
     bool commute = true;
@@ -31,7 +30,7 @@ struct Allocation {
     int spills = 0;              // stores to the frame
 };
 
-Allocation allocate(const Code& code, const std::vector<int>& order,
+Allocation allocate(const Code& code, const std::vector<int>& order, const Target& target,
                     const AllocationOptions& options);
 
 }  // namespace orvgen::kernelgen

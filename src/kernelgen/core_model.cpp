@@ -11,98 +11,60 @@ namespace orvgen::kernelgen {
 namespace {
 
 constexpr int kGateInstructions = 12;
+constexpr int kWideBytes = 64;
 
-// What an instruction asks of the vector unit.
-enum class Unit : std::uint8_t { None, Add, Mul, Shuffle, Interleave, Logic, Convert, Count };
-
-struct UnitModel {
-    unsigned ports;
-    int latency;
-};
-
-struct CoreModel {
-    int width;              // instructions a cycle
-    std::size_t scheduler;  // instructions that wait for operands
-    int loadPorts, storePorts;
-    int loadLatency, forwardLatency;
-    std::array<UnitModel, static_cast<std::size_t>(Unit::Count)> units;
-
-    const UnitModel& of(Unit u) const { return units[static_cast<std::size_t>(u)]; }
-};
-
-// Ports are bits; the order of the units is that of the enumeration.
-constexpr CoreModel kThreePipe{
-    6, 97, 3, 2, 5, 5, {{{0, 0}, {6, 3}, {3, 4}, {6, 1}, {4, 1}, {7, 1}, {4, 5}}}};
-constexpr CoreModel kFourPipe{
-    8, 160, 2, 2, 7, 8, {{{0, 0}, {12, 3}, {3, 3}, {6, 1}, {6, 1}, {15, 1}, {12, 4}}}};
-
-const CoreModel& modelOf(CoreKind kind) {
-    return kind == CoreKind::ThreePipe ? kThreePipe : kFourPipe;
-}
-
+// What an instruction asks of a core.
 struct Work {
     Unit unit = Unit::None;
     int operations = 0;
     int loads = 0;
     int stores = 0;
+    int instructions = 1;  // that are dispatched
+    bool crosses = false;  // a movement between the parts of a vector goes before
 };
 
-Work workOf(const MachineInstruction& m) {
-    Work w;
-    switch (m.op) {
-        case Opcode::AddSS:
-        case Opcode::SubSS:
-        case Opcode::AddSD:
-        case Opcode::SubSD:
-        case Opcode::AddPS:
-        case Opcode::SubPS:
-        case Opcode::AddPD:
-        case Opcode::SubPD:
-            w = {Unit::Add, 1};
-            break;
-        case Opcode::MulSS:
-        case Opcode::MulSD:
-        case Opcode::MulPS:
-        case Opcode::MulPD:
-            w = {Unit::Mul, 1};
-            break;
-        case Opcode::XorPS:
-            w = {Unit::Logic, 1};
-            break;
-        case Opcode::Widen:
-        case Opcode::Narrow:
-            w = {Unit::Convert, 1};
-            break;
-        case Opcode::Shufps:
-        case Opcode::Shufpd:
-            w = {Unit::Shuffle, 1};
-            break;
-        case Opcode::Unpcklps:
-        case Opcode::Unpckhps:
-        case Opcode::Unpcklpd:
-        case Opcode::Unpckhpd:
-        case Opcode::Movlhps:
-        case Opcode::Movhlps:
-            w = {Unit::Interleave, 1};
-            break;
-        case Opcode::LoadHalves:
-            return {Unit::Interleave, 1, 2};
-        case Opcode::SpreadSS:
-            return {Unit::Interleave, 2, 1};
-        case Opcode::Zero:
-        case Opcode::Move:
-            return w;
-        default:
-            if (isStore(m.op)) return {Unit::None, 0, 0, 1};
-            return {Unit::None, 0, 1};
-    }
-    if (m.hasAddress) w.loads = 1;
+Work workOf(const MachineInstruction& m, const Target& target) {
+    const OpcodeRow& row = rowOf(m.op);
+    Work w{.unit = row.unit, .operations = row.operations};
+    if (row.form == Form::Store)
+        w.stores = 1;
+    else if (m.op == Opcode::LoadHalves)
+        w.loads = 2;
+    else if (m.hasAddress)
+        w.loads = 1;
+    if (m.op == Opcode::SpreadSS && target.threeOperands()) w.operations = 0;
+    w.crosses = m.op == Opcode::WidenUpperPS && !m.hasAddress;
+    if (m.clearsFirst || m.op == Opcode::LoadHalves || w.crosses) w.instructions = 2;
     return w;
+}
+
+const UnitModel& unitOf(const CoreModel& core, Unit unit, int width) {
+    const Units& units = width == kWideBytes ? core.wideUnits : core.units;
+    switch (unit) {
+        case Unit::Add:
+            return units.add;
+        case Unit::Mul:
+            return units.mul;
+        case Unit::Shuffle:
+            return units.shuffle;
+        case Unit::Interleave:
+            return units.interleave;
+        case Unit::Logic:
+            return units.logic;
+        case Unit::Convert:
+            return units.convert;
+        case Unit::Cross:
+            return units.cross;
+        default: {
+            static constexpr UnitModel kNothing{};
+            return kNothing;
+        }
+    }
 }
 
 class Core {
   public:
-    explicit Core(const CoreModel& model) : model_(model) {}
+    Core(const CoreModel& model, const Target& target) : model_(model), target_(target) {}
 
     void run(const std::vector<MachineInstruction>& block) {
         registers_.fill(0);
@@ -155,13 +117,13 @@ class Core {
     }
 
     void step(const MachineInstruction& m) {
-        if (m.clearsFirst || m.op == Opcode::LoadHalves) dispatch();  // two instructions
-        const int start = dispatch();
-        const Work w = workOf(m);
+        const Work w = workOf(m, target_);
+        int start = 0;
+        for (int i = 0; i < w.instructions; ++i) start = dispatch();
         int ready = start;
-        if (m.src >= 0) ready = std::max(ready, registers_[static_cast<std::size_t>(m.src)]);
-        const bool readsDst = m.dst >= 0 && !isLoad(m.op) && m.op != Opcode::Move && !m.clearsFirst;
-        if (readsDst) ready = std::max(ready, registers_[static_cast<std::size_t>(m.dst)]);
+        for (const int operand : {m.src, m.first})
+            if (operand >= 0)
+                ready = std::max(ready, registers_[static_cast<std::size_t>(operand)]);
         const bool inFrame = m.hasAddress && m.address.base == Base::Frame;
         if (w.stores > 0) {
             const int c = takeSlot(stores_, model_.storePorts, ready);
@@ -175,7 +137,11 @@ class Core {
             if (inFrame) from = std::max(from, slots_[m.address.offset] - model_.loadLatency);
             ready = std::max(ready, takeSlot(loads_, model_.loadPorts, from) + model_.loadLatency);
         }
-        const UnitModel& unit = model_.of(w.unit);
+        if (w.crosses) {
+            const UnitModel& cross = unitOf(model_, Unit::Cross, m.width);
+            ready = takePort(cross.ports, ready) + cross.latency;
+        }
+        const UnitModel& unit = unitOf(model_, w.unit, m.width);
         int issue = ready;
         for (int u = 0; u < w.operations; ++u) issue = takePort(unit.ports, issue);
         if (w.operations > 0 || w.loads > 0) waiting_.insert(issue);
@@ -185,7 +151,8 @@ class Core {
     }
 
     const CoreModel& model_;
-    std::array<int, 16> registers_{};
+    const Target& target_;
+    std::array<int, kMostRegisters> registers_{};
     std::map<int, int> slots_;
     std::vector<unsigned> vector_;  // ports taken, by cycle
     std::vector<int> loads_, stores_;
@@ -197,25 +164,27 @@ class Core {
 
 }  // namespace
 
-double modelCycles(const std::vector<MachineInstruction>& block, CoreKind kind) {
-    Core core(modelOf(kind));
+double modelCycles(const std::vector<MachineInstruction>& block, const CoreModel& model,
+                   const Target& target) {
+    Core core(model, target);
     core.run(block);
     const int first = core.finish();
     core.run(block);
     return core.finish() - first;
 }
 
-double portBound(const std::vector<MachineInstruction>& block, CoreKind kind) {
-    const CoreModel& model = modelOf(kind);
+double portBound(const std::vector<MachineInstruction>& block, const CoreModel& model,
+                 const Target& target) {
     // Operations by the set of ports that can do them: any group of ports must do at least the work
     // that nobody else can.
     std::map<unsigned, int> work;
     int loads = 0, stores = 0;
     for (const MachineInstruction& m : block) {
-        const Work w = workOf(m);
+        const Work w = workOf(m, target);
         loads += w.loads;
         stores += w.stores;
-        if (w.operations > 0) work[model.of(w.unit).ports] += w.operations;
+        if (w.operations > 0) work[unitOf(model, w.unit, m.width).ports] += w.operations;
+        if (w.crosses) ++work[unitOf(model, Unit::Cross, m.width).ports];
     }
     double bound = std::max(static_cast<double>(loads) / model.loadPorts,
                             static_cast<double>(stores) / model.storePorts);
@@ -227,5 +196,7 @@ double portBound(const std::vector<MachineInstruction>& block, CoreKind kind) {
     }
     return bound;
 }
+
+int orderLatency(Opcode op) { return std::max(1, unitOf(kThreePipe, rowOf(op).unit, 16).latency); }
 
 }  // namespace orvgen::kernelgen

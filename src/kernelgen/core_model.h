@@ -2,19 +2,83 @@
 // They choose between orders of one kernel; figures to publish are measured.
 #pragma once
 
-#include "allocate.h"
+#include "code.h"
+#include "target.h"
 
 namespace orvgen::kernelgen {
 
-// The wide server cores that kernels are ordered for; none of the two is preferred.
-enum class CoreKind : std::uint8_t {
-    ThreePipe,  // add and shuffle on two ports, mul on two, three in all
-    FourPipe,   // add on two ports, mul on two others, shuffle on one of each
+struct UnitModel {
+    unsigned ports = 0;  // a bit for each that can do it
+    int latency = 0;
 };
 
-double modelCycles(const std::vector<MachineInstruction>& block, CoreKind kind);
+struct Units {
+    UnitModel add, mul, shuffle, interleave, logic, convert, cross;
+};
+
+struct CoreModel {
+    int width;              // instructions a cycle
+    std::size_t scheduler;  // instructions that wait for operands
+    int loadPorts, storePorts;
+    int loadLatency, forwardLatency;
+    Units units;
+    Units wideUnits;  // for vectors of 64 bytes
+};
+
+// The wide server cores that kernels are ordered for; none of the two is preferred.
+
+// Add and shuffle on two ports, mul on two, three in all; two of them do wide vectors.
+inline constexpr CoreModel kThreePipe{.width = 6,
+                                      .scheduler = 97,
+                                      .loadPorts = 3,
+                                      .storePorts = 2,
+                                      .loadLatency = 5,
+                                      .forwardLatency = 5,
+                                      .units = {.add = {.ports = 0b110, .latency = 3},
+                                                .mul = {.ports = 0b011, .latency = 4},
+                                                .shuffle = {.ports = 0b110, .latency = 1},
+                                                .interleave = {.ports = 0b100, .latency = 1},
+                                                .logic = {.ports = 0b111, .latency = 1},
+                                                .convert = {.ports = 0b100, .latency = 5},
+                                                .cross = {.ports = 0b100, .latency = 3}},
+                                      .wideUnits = {.add = {.ports = 0b101, .latency = 4},
+                                                    .mul = {.ports = 0b101, .latency = 4},
+                                                    .shuffle = {.ports = 0b100, .latency = 1},
+                                                    .interleave = {.ports = 0b100, .latency = 1},
+                                                    .logic = {.ports = 0b101, .latency = 1},
+                                                    .convert = {.ports = 0b100, .latency = 7},
+                                                    .cross = {.ports = 0b100, .latency = 3}}};
+
+// Add on two ports, mul on two others, shuffle on one of each.
+inline constexpr CoreModel kFourPipe{.width = 8,
+                                     .scheduler = 160,
+                                     .loadPorts = 2,
+                                     .storePorts = 2,
+                                     .loadLatency = 7,
+                                     .forwardLatency = 8,
+                                     .units = {.add = {.ports = 0b1100, .latency = 3},
+                                               .mul = {.ports = 0b0011, .latency = 3},
+                                               .shuffle = {.ports = 0b0110, .latency = 1},
+                                               .interleave = {.ports = 0b0110, .latency = 1},
+                                               .logic = {.ports = 0b1111, .latency = 1},
+                                               .convert = {.ports = 0b1100, .latency = 4},
+                                               .cross = {.ports = 0b0110, .latency = 4}},
+                                     .wideUnits = {.add = {.ports = 0b1100, .latency = 3},
+                                                   .mul = {.ports = 0b0011, .latency = 3},
+                                                   .shuffle = {.ports = 0b0110, .latency = 1},
+                                                   .interleave = {.ports = 0b0110, .latency = 1},
+                                                   .logic = {.ports = 0b1111, .latency = 1},
+                                                   .convert = {.ports = 0b1100, .latency = 4},
+                                                   .cross = {.ports = 0b0110, .latency = 4}}};
+
+double modelCycles(const std::vector<MachineInstruction>& block, const CoreModel& model,
+                   const Target& target);
 
 // The least number of cycles that the ports allow for the block's own operations.
-double portBound(const std::vector<MachineInstruction>& block, CoreKind kind);
+double portBound(const std::vector<MachineInstruction>& block, const CoreModel& model,
+                 const Target& target);
+
+// How long a result takes, for the making of orders.
+int orderLatency(Opcode op);
 
 }  // namespace orvgen::kernelgen

@@ -1,239 +1,223 @@
 #include "emit.h"
 
-#include <algorithm>
 #include <bit>
 #include <cstdio>
-#include <numeric>
 #include <stdexcept>
 
 namespace orvgen::kernelgen {
 
 namespace {
 
-std::string xmm(int reg) { return "xmm" + std::to_string(reg); }
+constexpr int kOldRegisters = 16;  // that every encoding has names for
 
-const char* mnemonic(Opcode op) {
-    switch (op) {
-        case Opcode::AddSS:
-            return "addss";
-        case Opcode::SubSS:
-            return "subss";
-        case Opcode::MulSS:
-            return "mulss";
-        case Opcode::AddSD:
-            return "addsd";
-        case Opcode::SubSD:
-            return "subsd";
-        case Opcode::MulSD:
-            return "mulsd";
-        case Opcode::AddPS:
-            return "addps";
-        case Opcode::SubPS:
-            return "subps";
-        case Opcode::MulPS:
-            return "mulps";
-        case Opcode::AddPD:
-            return "addpd";
-        case Opcode::SubPD:
-            return "subpd";
-        case Opcode::MulPD:
-            return "mulpd";
-        case Opcode::XorPS:
-            return "xorps";
-        case Opcode::Widen:
-            return "cvtss2sd";
-        case Opcode::Narrow:
-            return "cvtsd2ss";
-        case Opcode::Shufps:
-            return "shufps";
-        case Opcode::Unpcklps:
-            return "unpcklps";
-        case Opcode::Unpckhps:
-            return "unpckhps";
-        case Opcode::Movlhps:
-            return "movlhps";
-        case Opcode::Movhlps:
-            return "movhlps";
-        case Opcode::Shufpd:
-            return "shufpd";
-        case Opcode::Unpcklpd:
-            return "unpcklpd";
-        case Opcode::Unpckhpd:
-            return "unpckhpd";
-        default:
-            throw std::logic_error("no single mnemonic");
-    }
-}
-
-std::string address(const Address& a, const Addressing& addressing, int size, int shift = 0) {
-    const Binding& b = addressing.at(a.base).nearest(a.offset + shift);
-    const int displacement = a.offset + shift - b.bias;
-    std::string text = size == 4 ? "dword ptr [" : size == 8 ? "qword ptr [" : "xmmword ptr [";
-    text += b.reg;
-    if (displacement > 0) text += " + " + std::to_string(displacement);
-    if (displacement < 0) text += " - " + std::to_string(-displacement);
-    return text + "]";
+// The bytes that the instruction's memory operand is in the instruction's own eyes.
+int operandSize(const MachineInstruction& m) {
+    return m.broadcast ? rowOf(m.op).lane : accessSize(m.op, m.width);
 }
 
 std::string line(const std::string& op, const std::string& first, const std::string& second = "",
-                 const std::string& third = "") {
+                 const std::string& third = "", const std::string& fourth = "") {
     std::string text = "\t" + op + "\t" + first;
-    if (!second.empty()) text += ", " + second;
-    if (!third.empty()) text += ", " + third;
+    for (const std::string& operand : {second, third, fourth})
+        if (!operand.empty()) text += ", " + operand;
     return text;
 }
 
+// The register as an operand of so many bytes.
+std::string vectorName(int reg, int bytes) {
+    if (reg < 0) return "";
+    return (bytes <= 16 ? "xmm" : bytes == 32 ? "ymm" : "zmm") + std::to_string(reg);
+}
+
+class InstructionPrinter {
+  public:
+    InstructionPrinter(const MachineInstruction& m, const Addressing& addressing,
+                       const Target& target, Variant variant)
+        : m_(m), row_(rowOf(m.op)), addressing_(addressing), target_(target), variant_(variant) {}
+
+    std::vector<std::string> run() {
+        switch (m_.op) {
+            case Opcode::LoadHalves:
+                return {line(name("movsd"), d(), at(8)), loadUpper(at(m_.high, 8, 0))};
+            case Opcode::Load16Split:
+                if (target_.threeOperands()) return {line("vmovups", d(), at(m_.width))};
+                if (variant_ == Variant::Aligned) return {line("movaps", d(), at(16))};
+                return {line("movsd", d(), at(8)), loadUpper(at(8, 8))};
+            case Opcode::Store16Split:
+                if (target_.threeOperands()) return {line("vmovups", at(m_.width), s())};
+                if (variant_ == Variant::Aligned) return {line("movaps", at(16), s())};
+                return {line("movlps", at(8), s()), line("movhps", at(8, 8), s())};
+            case Opcode::SpreadSS:
+                if (target_.threeOperands()) return {line("vbroadcastss", d(), at(4))};
+                return {line("movss", d(), at(4)), line("unpcklps", d(), d()),
+                        line("unpcklps", d(), d())};
+            case Opcode::SpreadSD:
+                return {line(m_.width == 16 ? name("movddup") : "vbroadcastsd", d(), at(8))};
+            case Opcode::Zero:
+                return {clear()};
+            case Opcode::StoreZero4:
+                return {line("mov", at(4), "0")};
+            case Opcode::StoreZero8:
+                return {line("mov", at(8), "0")};
+            default:
+                break;
+        }
+        switch (row_.form) {
+            case Form::Load:
+                return {load()};
+            case Form::Store:
+                return {store()};
+            case Form::Move:
+                return {line(name("movaps"), d(), vectorName(m_.src, m_.width))};
+            case Form::Unary:
+                return convert();
+            case Form::Binary:
+                return {combine()};
+        }
+        throw std::logic_error("an instruction without a form");
+    }
+
+  private:
+    // ---- operands
+
+    int resultBytes() const { return resultSize(m_.op, m_.width); }
+    std::string d() const { return vectorName(m_.dst, resultBytes()); }
+    std::string s() const { return vectorName(m_.src, accessSize(m_.op, m_.width)); }
+    std::string secondOperand() const { return m_.hasAddress ? at(operandSize(m_)) : s(); }
+    std::string immediate() const {
+        if (m_.op == Opcode::JoinHalves) return "1";
+        return row_.selects ? std::to_string(m_.immediate) : "";
+    }
+
+    std::string at(int size, int shift = 0) const { return at(m_.address, size, shift); }
+    std::string at(Address a, int size, int shift) const {
+        const int offset = a.offset + shift;
+        const Binding& b =
+            addressing_.at(a.base).nearest(offset, placesOf(m_, target_).front().unit);
+        const int displacement = offset - b.bias;
+        static const std::map<int, std::string> kSizes = {
+            {4, "dword"}, {8, "qword"}, {16, "xmmword"}, {32, "ymmword"}, {64, "zmmword"}};
+        std::string text = kSizes.at(size) + " ptr [" + b.reg;
+        if (displacement > 0) text += " + " + std::to_string(displacement);
+        if (displacement < 0) text += " - " + std::to_string(-displacement);
+        text += "]";
+        if (m_.broadcast) text += "{1to" + std::to_string(m_.width / size) + "}";
+        return text;
+    }
+
+    // ---- instructions
+
+    std::string name(const char* mnemonic) const {
+        return (target_.threeOperands() ? "v" : "") + std::string(mnemonic);
+    }
+    std::string name() const {
+        if (target_.encoding == Encoding::Evex && row_.evex) return row_.evex;
+        return name(row_.mnemonic);
+    }
+    // Without alignment to mind, unaligned moves do for all memory but the kernel's own.
+    std::string moveName() const {
+        const bool any = variant_ == Variant::AnyAlignment || target_.threeOperands();
+        return name(any && row_.unaligned ? row_.unaligned : row_.mnemonic);
+    }
+
+    // AVX512F encodes vectors of 64 bytes only; what is shorter and stands in a register that the
+    // older encodings do not know is moved as a part of one.
+    bool isPart(int reg, int bytes) const { return reg >= kOldRegisters && bytes == 32; }
+
+    std::string load() const {
+        if (isPart(m_.dst, resultBytes()))
+            return line("vbroadcastf64x4", vectorName(m_.dst, 64), at(32));
+        return line(moveName(), d(), at(accessSize(m_.op, m_.width)));
+    }
+    std::string store() const {
+        const int bytes = accessSize(m_.op, m_.width);
+        if (isPart(m_.src, bytes))
+            return line("vextractf64x4", at(32), vectorName(m_.src, 64), "0");
+        return line(moveName(), at(bytes), s());
+    }
+
+    std::string loadUpper(const std::string& memory) const {
+        return target_.threeOperands() ? line("vmovhps", d(), d(), memory)
+                                       : line("movhps", d(), memory);
+    }
+
+    std::string clear() const {
+        if (!target_.threeOperands()) return line("xorps", d(), d());
+        const bool old = m_.dst < kOldRegisters;  // there, clearing a part clears the whole
+        const std::string reg = vectorName(m_.dst, old ? 16 : 64);
+        return line(old ? "vxorps" : "vpxord", reg, reg, reg);
+    }
+
+    std::vector<std::string> convert() const {
+        const bool scalar = m_.op == Opcode::Widen || m_.op == Opcode::Narrow;
+        if (scalar && target_.threeOperands())
+            return {line(name(), d(), vectorName(m_.first, 16), secondOperand())};
+        if (m_.op == Opcode::WidenUpperPS) {
+            const int half = m_.width / 2;
+            if (m_.hasAddress) return {line(name(), d(), at(half, half))};
+            const std::string lower = vectorName(m_.dst, half);
+            return {line(half == 32 ? "vextractf64x4" : "vextractf128", lower,
+                         vectorName(m_.src, m_.width), "1"),
+                    line(name(), d(), lower)};
+        }
+        std::vector<std::string> lines;
+        if (m_.clearsFirst) lines.push_back(clear());
+        lines.push_back(line(name(), d(), secondOperand()));
+        return lines;
+    }
+
+    std::string combine() const {
+        if (!target_.threeOperands()) return line(name(), d(), secondOperand(), immediate());
+        return line(name(), d(), vectorName(m_.first, m_.width), secondOperand(), immediate());
+    }
+
+    const MachineInstruction& m_;
+    const OpcodeRow& row_;
+    const Addressing& addressing_;
+    const Target& target_;
+    Variant variant_;
+};
+
 }  // namespace
 
-const Binding& Binding::nearest(int offset) const {
-    if (reaches(offset)) return *this;
+bool Binding::reaches(int offset, int unit) const {
+    const int displacement = offset - bias;
+    return displacement % unit == 0 && displacement / unit >= -128 && displacement / unit <= 127;
+}
+
+const Binding& Binding::nearest(int offset, int unit) const {
+    if (reaches(offset, unit)) return *this;
     for (const Binding& b : further)
-        if (b.reaches(offset)) return b;
+        if (b.reaches(offset, unit)) return b;
     return *this;
 }
 
-std::string twinName(const std::string& kernel) { return "owng" + kernel.substr(4) + "_unaligned"; }
-
-void renumberRegisters(std::vector<MachineInstruction>& block) {
-    std::array<int, 16> uses{};
-    for (const MachineInstruction& m : block)
-        for (const int r : {m.dst, m.src})
-            if (r >= 0) ++uses[static_cast<std::size_t>(r)];
-    std::array<int, 16> byUse;
-    std::iota(byUse.begin(), byUse.end(), 0);
-    std::stable_sort(byUse.begin(), byUse.end(), [&](int a, int b) {
-        return uses[static_cast<std::size_t>(a)] > uses[static_cast<std::size_t>(b)];
-    });
-    std::array<int, 16> number;
-    for (int i = 0; i < 16; ++i)
-        number[static_cast<std::size_t>(byUse[static_cast<std::size_t>(i)])] = i;
-    for (MachineInstruction& m : block)
-        for (int* r : {&m.dst, &m.src})
-            if (*r >= 0) *r = number[static_cast<std::size_t>(*r)];
-}
-
-int layOutFrame(Allocation& allocation) {
-    const std::size_t n = allocation.slotSizes.size();
-    std::vector<int> uses(n, 0), offset(n, 0);
-    for (const MachineInstruction& m : allocation.instructions)
-        if (m.hasAddress && m.address.base == Base::Frame)
-            ++uses[static_cast<std::size_t>(m.address.offset)];
-    std::vector<std::size_t> order(n);
-    std::iota(order.begin(), order.end(), std::size_t{0});
-    std::stable_sort(order.begin(), order.end(),
-                     [&](std::size_t a, std::size_t b) { return uses[a] > uses[b]; });
-    int end = 0;
-    int gap = -1;  // a free 4-byte hole
-    for (const std::size_t s : order) {
-        const int size = allocation.slotSizes[s];
-        if (size == 4 && gap >= 0) {
-            offset[s] = gap;
-            gap = -1;
-            continue;
-        }
-        if (end % size != 0) {
-            gap = end;
-            end += size - end % size;
-        }
-        offset[s] = end;
-        end += size;
-    }
-    for (MachineInstruction& m : allocation.instructions)
-        if (m.hasAddress && m.address.base == Base::Frame)
-            m.address.offset = offset[static_cast<std::size_t>(m.address.offset)];
-    return (end + 15) / 16 * 16;
-}
-
-PoolLayout layOutPool(const std::vector<PoolEntry>& pool, std::vector<MachineInstruction>& block,
-                      int firstOffset) {
-    PoolLayout layout;
-    std::vector<int> uses(pool.size(), 0);
-    for (const MachineInstruction& m : block)
-        if (m.hasAddress && m.address.base == Base::Pool)
-            ++uses[static_cast<std::size_t>(m.address.offset)];
-    layout.order.resize(pool.size());
-    layout.offset.resize(pool.size());
-    std::iota(layout.order.begin(), layout.order.end(), std::size_t{0});
-    std::stable_sort(layout.order.begin(), layout.order.end(),
-                     [&](std::size_t a, std::size_t b) { return uses[a] > uses[b]; });
-    int end = firstOffset;
-    for (const std::size_t i : layout.order) {
-        layout.offset[i] = end;
-        end += pool[i].type == Type::F32 ? 4 : pool[i].type == Type::F64 ? 8 : 16;
-    }
-    layout.size = end;
-    for (MachineInstruction& m : block)
-        if (m.hasAddress && m.address.base == Base::Pool)
-            m.address.offset = layout.offset[static_cast<std::size_t>(m.address.offset)];
-    return layout;
+std::vector<Place> placesOf(const MachineInstruction& m, const Target& target) {
+    if (!m.hasAddress) return {};
+    // The EVEX encoding counts displacements in whole operands.
+    const int unit = target.encoding == Encoding::Evex ? operandSize(m) : 1;
+    std::vector<Place> places = {{m.address, unit}};
+    if (m.op == Opcode::LoadHalves) places.push_back({m.high, unit});
+    return places;
 }
 
 std::vector<std::string> printInstruction(const MachineInstruction& m, const Addressing& addressing,
-                                          Variant variant) {
-    const bool aligned = variant == Variant::Aligned;
-    const auto at = [&](int size, int shift = 0) {
-        return address(m.address, addressing, size, shift);
-    };
-    const std::string d = m.dst >= 0 ? xmm(m.dst) : "";
-    const std::string s = m.src >= 0 ? xmm(m.src) : "";
-    const std::string full = aligned ? "movaps" : "movups";
-    switch (m.op) {
-        case Opcode::LoadSS:
-            return {line("movss", d, at(4))};
-        case Opcode::LoadSD:
-        case Opcode::LoadHalf:
-            return {line("movsd", d, at(8))};
-        case Opcode::LoadHalves:
-            return {line("movsd", d, at(8)), line("movhps", d, address(m.high, addressing, 8))};
-        case Opcode::Load16:
-            return {line(full, d, at(16))};
-        case Opcode::Load16Split:
-            if (aligned) return {line("movaps", d, at(16))};
-            return {line("movsd", d, at(8)), line("movhps", d, at(8, 8))};
-        case Opcode::LoadAligned:
-            return {line("movaps", d, at(16))};
-        case Opcode::SpreadSS:
-            return {line("movss", d, at(4)), line("unpcklps", d, d), line("unpcklps", d, d)};
-        case Opcode::SpreadSD:
-            return {line("movddup", d, at(8))};
-        case Opcode::Zero:
-            return {line("xorps", d, d)};
-        case Opcode::Move:
-            return {line("movaps", d, s)};
-        case Opcode::StoreSS:
-            return {line("movss", at(4), s)};
-        case Opcode::StoreSD:
-            return {line("movsd", at(8), s)};
-        case Opcode::StoreLow:
-            return {line("movlps", at(8), s)};
-        case Opcode::StoreHigh:
-            return {line("movhps", at(8), s)};
-        case Opcode::Store16:
-            return {line(full, at(16), s)};
-        case Opcode::Store16At8:
-            return {line("movups", at(16), s)};
-        case Opcode::Store16Split:
-            if (aligned) return {line("movaps", at(16), s)};
-            return {line("movlps", at(8), s), line("movhps", at(8, 8), s)};
-        case Opcode::StoreAligned:
-            return {line("movaps", at(16), s)};
-        case Opcode::StoreZero4:
-            return {line("mov", at(4), "0")};
-        case Opcode::StoreZero8:
-            return {line("mov", at(8), "0")};
-        default:
-            break;
-    }
-    std::vector<std::string> lines;
-    if (m.clearsFirst) lines.push_back(line("xorps", d, d));
-    const std::string operand = m.hasAddress ? at(accessSize(m.op)) : s;
-    const bool selects = m.op == Opcode::Shufps || m.op == Opcode::Shufpd;
-    lines.push_back(line(mnemonic(m.op), d, operand, selects ? std::to_string(m.immediate) : ""));
-    return lines;
+                                          const Target& target, Variant variant) {
+    return InstructionPrinter(m, addressing, target, variant).run();
+}
+
+int instructionCount(const std::vector<MachineInstruction>& block, const Target& target) {
+    Addressing anywhere;
+    for (int b = 0; b < static_cast<int>(Base::Count); ++b)
+        anywhere[static_cast<Base>(b)] = {"", 0};
+    std::size_t count = 0;
+    for (const MachineInstruction& m : block)
+        count += printInstruction(m, anywhere, target, Variant::Aligned).size();
+    return static_cast<int>(count);
 }
 
 std::string printPoolEntry(const PoolEntry& entry) {
-    const bool single = entry.type == Type::F32 || entry.type == Type::F32x4;
+    const bool single = isSingle(entry.type);
     std::string text = single ? "\t.long\t" : "\t.quad\t";
     for (std::size_t l = 0; l < entry.lanes.size(); ++l) {
         char digits[32];

@@ -5,7 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "allocate.h"
+#include "code.h"
+#include "target.h"
 
 namespace orvgen::kernelgen {
 
@@ -13,41 +14,32 @@ namespace orvgen::kernelgen {
 enum class Variant : std::uint8_t { Aligned, AnyAlignment };
 
 // The general register that an address base lives in, and what has been added to it; further
-// registers with which one-byte displacements reach more of the same memory.
+// registers with which short displacements reach more of the same memory.
 struct Binding {
     std::string reg;
     int bias = 0;
     std::vector<Binding> further = {};
 
-    // Whether a one-byte displacement will do.
-    bool reaches(int offset) const { return offset - bias >= -128 && offset - bias <= 127; }
+    // Whether a one-byte displacement will do. It counts bytes, or whole operands of `unit` bytes.
+    bool reaches(int offset, int unit) const;
     // The first of the registers that reaches the offset; this one if none does.
-    const Binding& nearest(int offset) const;
+    const Binding& nearest(int offset, int unit) const;
 };
 using Addressing = std::map<Base, Binding>;
 
-// The name of a twin: owng for orvg in front, _unaligned behind.
-std::string twinName(const std::string& kernel);
-
-// Gives the sixteen registers new numbers so that those used most have the short encodings.
-void renumberRegisters(std::vector<MachineInstruction>& block);
-
-// Places the spill slots, most used ones first; rewrites the addresses to byte offsets. Returns the
-// size in bytes, a multiple of 16.
-int layOutFrame(Allocation& allocation);
-
-// Byte offsets of the pool's entries, most used ones first; rewrites the addresses.
-struct PoolLayout {
-    std::vector<int> offset;  // by entry
-    std::vector<std::size_t> order;
-    int size = 0;
+// A place in memory that an instruction touches.
+struct Place {
+    Address address;
+    int unit = 1;  // of its displacement
 };
-PoolLayout layOutPool(const std::vector<PoolEntry>& pool, std::vector<MachineInstruction>& block,
-                      int firstOffset);
+std::vector<Place> placesOf(const MachineInstruction& m, const Target& target);
 
 // The lines of one instruction (a pseudo instruction has several).
 std::vector<std::string> printInstruction(const MachineInstruction& m, const Addressing& addressing,
-                                          Variant variant);
+                                          const Target& target, Variant variant);
+
+// How many instructions a block is when it is assembled for aligned buffers.
+int instructionCount(const std::vector<MachineInstruction>& block, const Target& target);
 
 // The directive and comment of one pool entry.
 std::string printPoolEntry(const PoolEntry& entry);

@@ -11,20 +11,6 @@ namespace {
 
 std::size_t at(NodeId id) { return static_cast<std::size_t>(id); }
 
-int lanesOf(Type type) {
-    switch (type) {
-        case Type::F32:
-        case Type::F64:
-            return 1;
-        case Type::F32Pair:
-        case Type::F64x2:
-            return 2;
-        case Type::F32x4:
-            return 4;
-    }
-    throw std::logic_error("unknown type");
-}
-
 // One value of any type in the arithmetic of the kernel. A binary32 lane is kept as a double of the
 // same value; every operation on it is done in float.
 struct NativeArithmetic {

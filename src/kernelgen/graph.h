@@ -24,6 +24,14 @@ enum class Type : std::uint8_t {
     F64x2,    // one complex element of binary64: low lane real, high lane imaginary
 };
 
+inline bool isSingle(Type type) {
+    return type == Type::F32 || type == Type::F32Pair || type == Type::F32x4;
+}
+inline int lanesOf(Type type) {
+    return type == Type::F32x4 ? 4 : type == Type::F32Pair || type == Type::F64x2 ? 2 : 1;
+}
+inline int bytesOf(Type type) { return lanesOf(type) * (isSingle(type) ? 4 : 8); }
+
 enum class Op : std::uint8_t {
     Input,     // element `index` of src
     Zero,      // +0.0 in every lane

@@ -2,10 +2,12 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "graph.h"
+#include "passes.h"
 
 namespace orvgen::kernelgen {
 
@@ -35,6 +37,9 @@ struct Kernel {
     bool readsAllFirst = false;
     Graph flow;
     bool registersOnly = false;  // nothing is stored to the stack
+    // Instead of the flow, where a kernel runs over memory in passes. It has a buffer among its
+    // arguments; the flow only names the arithmetic.
+    std::optional<Passes> passes = {};
 };
 
 // All kernels of one family. The flow of a length is built when asked for.
@@ -42,8 +47,6 @@ struct Family {
     std::string name;  // orvgDFTFwd_CToC_32fc: the by-length dispatcher
     std::vector<int> lengths;
     std::function<Kernel(int length)> kernel;
-    // Instead of `kernel`, where a kernel is more than one flow: its assembly, as a whole file.
-    std::function<std::string(int length)> assembly = {};
 };
 
 // The member's name: orvgDFTFwd_CToC_32fc with 16 is orvgDFTFwd_CToC_16_32fc.

@@ -34,6 +34,42 @@ void describe(std::ostream& out, const Graph& flow) {
     for (const std::string& stage : flow.stages()) out << '\n' << stage;
 }
 
+void describe(std::ostream& out, const Address& a) {
+    out << ' ' << static_cast<int>(a.base) << ' ' << a.offset;
+}
+
+void describe(std::ostream& out, const Pass& pass) {
+    const auto& [forms, allocation, frameLimit, from, to, trips, advance, name, what] = pass;
+    const auto& [foldSrc, storesEndAllOfSrc, commute, loadSrcOnce] = allocation;
+    out << '\n'
+        << foldSrc << storesEndAllOfSrc << commute << loadSrcOnce << ' ' << frameLimit << ' '
+        << static_cast<int>(from) << ' ' << static_cast<int>(to) << ' ' << trips << ' ' << advance
+        << ' ' << name << ' ' << what;
+    for (const Code& code : forms) {
+        for (const Instruction& i : code.instructions) {
+            out << '\n'
+                << static_cast<int>(i.op) << ' ' << i.dst << ' ' << i.a << ' ' << i.b << ' '
+                << i.hasAddress << i.broadcast << ' ' << i.immediate << ' ' << i.stage << ' '
+                << i.width;
+            describe(out, i.address);
+            describe(out, i.high);
+        }
+        for (const PoolEntry& entry : code.pool) {
+            out << '\n' << static_cast<int>(entry.type) << ' ' << entry.text;
+            for (const double lane : entry.lanes) out << ' ' << lane;
+        }
+        for (const std::string& stage : code.stages) out << '\n' << stage;
+        out << '\n' << static_cast<int>(code.scale.type) << code.scale.widened;
+    }
+}
+
+void describe(std::ostream& out, const Passes& passes) {
+    const auto& [tiles, tile, tileBytes, last, bufferBytes, scratchAt] = passes;
+    out << '\n' << tiles << ' ' << tileBytes << ' ' << bufferBytes << ' ' << scratchAt;
+    for (const Pass& pass : tile) describe(out, pass);
+    describe(out, last);
+}
+
 // The whole file, or nothing where it cannot be read.
 std::string contents(const std::string& file) {
     std::ifstream in(file, std::ios::binary);
@@ -51,7 +87,7 @@ void write(const std::string& file, const std::string& text) {
 std::string keyOf(const Kernel& kernel) {
     // Names every member, so that a new one is not forgotten here.
     const auto& [name, length, method, scale, alignment, halvesOnly, readsAllFirst, flow,
-                 registersOnly] = kernel;
+                 registersOnly, passes] = kernel;
     std::ostringstream all;
     all << std::hexfloat << compilerDigest << '\n'
         << name << '\n'
@@ -59,6 +95,7 @@ std::string keyOf(const Kernel& kernel) {
         << length << ' ' << static_cast<int>(scale) << ' ' << static_cast<int>(alignment) << ' '
         << halvesOnly << ' ' << readsAllFirst << ' ' << registersOnly << ' ';
     describe(all, flow);
+    if (passes) describe(all, *passes);
     return std::to_string(std::hash<std::string>()(all.str()));
 }
 
@@ -66,9 +103,9 @@ void writeKernelFile(const std::string& file, const std::string& key,
                      const std::function<std::string()>& text) {
     const std::string keyFile = file + ".key";
     const std::string before = contents(file);
-    if (!key.empty() && !before.empty() && contents(keyFile) == key) return;
+    if (!before.empty() && contents(keyFile) == key) return;
     if (const std::string now = text(); now != before) write(file, now);
-    if (!key.empty()) write(keyFile, key);
+    write(keyFile, key);
 }
 
 }  // namespace orvgen::kernelgen

@@ -17,9 +17,8 @@ namespace orvgen::kernelgen {
 // short word.
 std::string keyOf(const Kernel& kernel);
 
-// Writes what `text` returns to the file, unless the file holds it already. With a key: does not
-// even ask for it where FILE.key says that the file was made by this key. Throws if the file cannot
-// be written.
+// Writes what `text` returns to the file, unless the file holds it already; does not even ask for
+// it where FILE.key says that the file was made by this key. Throws if the file cannot be written.
 void writeKernelFile(const std::string& file, const std::string& key,
                      const std::function<std::string()>& text);
 

@@ -23,10 +23,8 @@ Address PoolBuilder::entry(const PoolEntry& entry) {
 }
 
 Address PoolBuilder::entry(const StoredConstant& constant) {
-    const bool single = constant.type == Type::F32 || constant.type == Type::F32x4;
-    const std::size_t lanes = constant.type == Type::F32x4   ? 4
-                              : constant.type == Type::F64x2 ? 2
-                                                             : 1;
+    const bool single = isSingle(constant.type);
+    const auto lanes = static_cast<std::size_t>(lanesOf(constant.type));
     PoolEntry e{constant.type, {}, {}};
     for (std::size_t l = 0; l < lanes; ++l) {
         const Constant& c = constant.lane(l);
@@ -65,23 +63,13 @@ Opcode arithmetic(Op op, Type type) {
     }
 }
 
-int sizeOf(Type type) {
-    switch (type) {
-        case Type::F32:
-            return 4;
-        case Type::F64:
-            return 8;
-        default:
-            return 16;
-    }
-}
-
 }  // namespace
 
 Code lowerNodes(const Graph& graph) {
     Code code;
     PoolBuilder pool(code);
     code.stages = graph.stages();
+    code.scale.type = graph.elementType();
     std::vector<Register> reg(graph.nodes().size(), kNoRegister);
     const auto of = [&](NodeId id) { return reg[static_cast<std::size_t>(id)]; };
     for (std::size_t i = 0; i < graph.nodes().size(); ++i) {
@@ -97,7 +85,7 @@ Code lowerNodes(const Graph& graph) {
                 instruction.op = n.type == Type::F32   ? Opcode::LoadSS
                                  : n.type == Type::F64 ? Opcode::LoadSD
                                                        : Opcode::Load16Split;
-                inMemory({Base::Src, n.index * sizeOf(n.type)});
+                inMemory({Base::Src, n.index * bytesOf(n.type)});
                 break;
             case Op::Zero:
                 instruction.op = Opcode::Zero;
@@ -115,14 +103,14 @@ Code lowerNodes(const Graph& graph) {
                 break;
             case Op::Scale:
                 continue;  // stands in memory, see MulScale
-            case Op::MulScale:
-                // The pool holds the scale as the kernel needs it: behind a binary32 scale stands
-                // the same value as binary64 for the outputs that are scaled in double.
+            case Op::MulScale: {
                 instruction.op = arithmetic(n.op, n.type);
                 instruction.a = of(n.a);
-                inMemory({Base::Scale,
-                          graph.arithmetic() == Arithmetic::Single && n.type == Type::F64 ? 8 : 0});
+                const bool widened = n.type != code.scale.type;
+                if (widened) code.scale.widened = true;
+                inMemory({widened ? Base::WidenedScale : Base::Scale, 0});
                 break;
+            }
             case Op::Widen:
                 if (graph.node(n.a).op == Op::Scale) continue;
                 instruction.op = Opcode::Widen;
@@ -155,7 +143,7 @@ Code lowerNodes(const Graph& graph) {
                 else
                     instruction.op = Opcode::Store16Split;
                 if (!isZero) instruction.a = of(n.a);
-                inMemory({Base::Dst, n.index * sizeOf(n.type)});
+                inMemory({Base::Dst, n.index * bytesOf(n.type)});
                 code.instructions.push_back(instruction);
                 continue;
             }

@@ -1,4 +1,4 @@
-// Lowering: from the value graph to SSE instructions on virtual registers.
+// Lowering: from the value graph to instructions on virtual registers.
 #pragma once
 
 #include "code.h"

@@ -2,13 +2,13 @@
 
 #include <algorithm>
 
+#include "core_model.h"
+
 namespace orvgen::kernelgen {
 
 namespace {
 
 using Order = std::vector<int>;
-
-constexpr int kRegisters = 16;
 
 std::size_t at(int i) { return static_cast<std::size_t>(i); }
 
@@ -19,7 +19,6 @@ class Dependences {
         const std::size_t n = code.instructions.size();
         operands.resize(n);
         users.resize(n);
-        height.assign(n, 0);
         std::vector<int> definition(at(code.registers), -1);
         for (std::size_t i = 0; i < n; ++i) {
             const Instruction& x = code.instructions[i];
@@ -41,41 +40,13 @@ class Dependences {
                 users[at(d)].push_back(static_cast<int>(i));
             }
         }
-        for (std::size_t k = body.size(); k-- > 0;) {
-            const auto i = at(body[k]);
-            for (const int u : users[i])
-                height[i] = std::max(height[i], height[at(u)] + latency(u));
-        }
     }
 
-    int latency(int i) const {
-        switch (code_.instructions[at(i)].op) {
-            case Opcode::AddSS:
-            case Opcode::SubSS:
-            case Opcode::AddSD:
-            case Opcode::SubSD:
-            case Opcode::AddPS:
-            case Opcode::SubPS:
-            case Opcode::AddPD:
-            case Opcode::SubPD:
-                return 3;
-            case Opcode::MulSS:
-            case Opcode::MulSD:
-            case Opcode::MulPS:
-            case Opcode::MulPD:
-                return 4;
-            case Opcode::Widen:
-            case Opcode::Narrow:
-                return 5;
-            default:
-                return 1;
-        }
-    }
+    int latency(int i) const { return orderLatency(code_.instructions[at(i)].op); }
     bool defines(int i) const { return code_.instructions[at(i)].dst != kNoRegister; }
 
     const Code& code_;
     std::vector<Order> operands, users;
-    std::vector<int> height;  // latency from an instruction's result to the end of the block
     Order loads, body;
 };
 
@@ -256,7 +227,7 @@ Order windowed(const Dependences& d, const Order& base, std::size_t window, int 
 
 }  // namespace
 
-std::vector<std::vector<int>> candidateOrders(const Code& code) {
+std::vector<std::vector<int>> candidateOrders(const Code& code, const Target& target) {
     const Dependences d(code);
     const std::size_t n = code.instructions.size();
     const std::vector<Order> bases = {
@@ -269,7 +240,7 @@ std::vector<std::vector<int>> candidateOrders(const Code& code) {
     std::vector<Order> orders;
     for (const Order& base : bases) {
         orders.push_back(base);
-        for (const int live : {kRegisters - 4, kRegisters - 2, kRegisters})
+        for (const int live : {target.registers - 4, target.registers - 2, target.registers})
             for (const std::size_t window : {8U, 16U, 32U, 64U})
                 orders.push_back(windowed(d, base, window, live));
     }

@@ -9,10 +9,11 @@
 #include <vector>
 
 #include "code.h"
+#include "target.h"
 
 namespace orvgen::kernelgen {
 
 // Each order lists all instructions (as indices), operands before users.
-std::vector<std::vector<int>> candidateOrders(const Code& code);
+std::vector<std::vector<int>> candidateOrders(const Code& code, const Target& target);
 
 }  // namespace orvgen::kernelgen

@@ -39,7 +39,11 @@ int log2Lanes(Element element) { return element == Element::F32 ? 2 : 1; }
 class PassBuilder {
   public:
     PassBuilder(const Pass& pass, int split)
-        : pass_(pass), operations_(operationsOf(pass)), split_(split) {}
+        : pass_(pass), operations_(operationsOf(pass)), split_(split) {
+        code_.scale.type =
+            pass.element == Element::F32 ? kernelgen::Type::F32 : kernelgen::Type::F64;
+        code_.stages = {""};
+    }
 
     Code run() {
         const int rows = 1 << pass_.rows;
@@ -170,7 +174,7 @@ class PassBuilder {
     const Pass& pass_;
     const Operations& operations_;
     int split_;
-    Code code_{{}, 0, {}, {""}};
+    Code code_;
     Register scale_ = kernelgen::kNoRegister;
 };
 
@@ -205,22 +209,17 @@ Pass scalarPass(Element element, int layers) {
     return pass;
 }
 
-Code passCode(const Pass& pass, int split) { return PassBuilder(pass, split).run(); }
-
-CompiledPass compilePass(const Pass& pass) {
-    kernelgen::AllocationOptions options;
-    options.foldSrc = pass.scalar;
-    options.commute = false;  // a[p] is the first operand, as in the formula
+kernelgen::Pass inForms(const Pass& pass) {
+    kernelgen::Pass result;
     // Groups that a few registers hold; a group holds whole transposes.
     const int least = pass.block && !pass.scalar ? log2Lanes(pass.element) : 1;
-    CompiledPass best;
-    for (int split = least; split <= pass.rows; ++split) {
-        const Code code = passCode(pass, split);
-        kernelgen::Block block = kernelgen::compileBlock(code, options);
-        if (split > least && block.cost >= best.block.cost) continue;
-        best = {std::move(block), code.stages};
-    }
-    return best;
+    for (int split = least; split <= pass.rows; ++split)
+        result.forms.push_back(PassBuilder(pass, split).run());
+    result.allocation.foldSrc = pass.scalar;
+    result.allocation.commute = false;  // a[p] is the first operand, as in the formula
+    result.from = pass.from;
+    result.to = pass.to;
+    return result;
 }
 
 }  // namespace orvgen::wht

@@ -1,8 +1,7 @@
 // The instructions of one pass: one block of neighbouring elements, or one step of a column pass.
 #pragma once
 
-#include "kernelgen/code.h"
-#include "kernelgen/compile.h"
+#include "kernelgen/passes.h"
 #include "wht/arrangement.h"
 
 namespace orvgen::wht {
@@ -38,16 +37,9 @@ Pass columnPass(Element element, int layers, int firstLayer);
 // 2^layers elements one by one.
 Pass scalarPass(Element element, int layers);
 
-// The pass's instructions. The rows are done in two stages: groups of 2^`split` rows that follow
-// one another, then what is left of the layers across the groups. The split changes the order of
-// instructions and nothing else.
-kernelgen::Code passCode(const Pass& pass, int split);
-
-// The pass in the order that the core model finds best.
-struct CompiledPass {
-    kernelgen::Block block;
-    std::vector<std::string> stages;  // names of the parts, for comments
-};
-CompiledPass compilePass(const Pass& pass);
+// The pass as code, in one form for each way to part its rows: they are done in two stages, groups
+// of 2^split rows that follow one another, then what is left of the layers across the groups. The
+// split changes the order of instructions and nothing else.
+kernelgen::Pass inForms(const Pass& pass);
 
 }  // namespace orvgen::wht

@@ -1,0 +1,65 @@
+#include "block.h"
+
+#include <optional>
+#include <stdexcept>
+
+#include "core_model.h"
+#include "layout.h"
+#include "order.h"
+
+namespace orvgen::kernelgen {
+
+namespace {
+
+constexpr double kSpillWeight = 0.1;
+constexpr double kInstructionWeight = 0.02;
+
+}  // namespace
+
+Block compileBlock(const Code& code, const Target& target, const AllocationOptions& options,
+                   int frameLimit) {
+    std::optional<Allocation> best;
+    Block block;
+    for (const std::vector<int>& order : candidateOrders(code, target)) {
+        Allocation allocation = allocate(code, order, target, options);
+        const int frame = frameBytes(allocation.slotSizes);
+        if (frameLimit >= 0 && frame > frameLimit) continue;
+        const auto mean = [&](auto figure) {
+            return (figure(allocation.instructions, kThreePipe, target) +
+                    figure(allocation.instructions, kFourPipe, target)) /
+                   2;
+        };
+        const double cycles = mean(modelCycles);
+        const double cost =
+            cycles + kSpillWeight * allocation.spills +
+            kInstructionWeight * static_cast<double>(allocation.instructions.size());
+        if (best && cost >= block.cost) continue;
+        block.frameBytes = frame;
+        block.spills = allocation.spills;
+        block.modelCycles = cycles;
+        block.portBound = mean(portBound);
+        block.cost = cost;
+        best = std::move(allocation);
+    }
+    if (!best) throw std::runtime_error("no order of the kernel keeps within its frame");
+    layOutFrame(*best);
+    block.instructions = std::move(best->instructions);
+    renumberRegisters(block.instructions, target);
+    block.stages = code.stages;
+    block.pool = code.pool;
+    block.scale = code.scale;
+    return block;
+}
+
+Block compileForms(const std::vector<Code>& forms, const Target& target,
+                   const AllocationOptions& options, int frameLimit) {
+    std::optional<Block> best;
+    for (const Code& form : forms) {
+        Block block = compileBlock(form, target, options, frameLimit);
+        if (!best || block.cost < best->cost) best = std::move(block);
+    }
+    if (!best) throw std::logic_error("a pass without code");
+    return *std::move(best);
+}
+
+}  // namespace orvgen::kernelgen
