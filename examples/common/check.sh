@@ -43,6 +43,31 @@ wav() {
     } >"$1"
 }
 
+# pictures ARGUMENTS...: the program writes its picture, named behind the arguments, in the format of the extension, and
+# says before its work or after it why it cannot.
+pictures() {
+    local name
+    for name in a.svg a.pdf a.PNG; do
+        "$program" "$@" "$folder/$name" >/dev/null 2>"$folder/err" || fail "$*: $(cat "$folder/err")"
+    done
+    [[ $(head -c 5 "$folder/a.svg") == "<?xml" ]] || fail "$*: no SVG"
+    grep -q '</svg>' "$folder/a.svg" || fail "$*: half an SVG"
+    [[ $(head -c 5 "$folder/a.pdf") == "%PDF-" ]] || fail "$*: no PDF"
+    for name in a.jpg a none.png.gif; do
+        refused "is written as .png, .svg or .pdf" "$@" "$folder/$name"
+        [[ ! -e $folder/$name ]] || fail "wrote $name"
+    done
+    mkdir "$folder/folder.png"
+    refused "is a folder, not a picture" "$@" "$folder/folder.png"
+    refused "there is no folder" "$@" "$folder/absent/a.png"
+    ln -s /dev/full "$folder/full.png"
+    one_line 1 "No space left on device" "$@" "$folder/full.png"
+    # Beside the caller's other files, and nothing else.
+    mkdir "$folder/here"
+    (cd "$folder/here" && "$program" "$@" a.png >/dev/null 2>&1) || fail "$*: in its folder"
+    [[ $(ls "$folder/here") == a.png ]] || fail "$*: not in the caller's folder"
+}
+
 finish() {
     [[ $failures == 0 ]] && echo "all as it should be"
     exit $((failures > 0))

@@ -1,14 +1,26 @@
 #include "painter.h"
 
-#include <array>
-#include <cstdio>
+#include <cmath>
 #include <numbers>
-#include <stdexcept>
+
+#include "picture_file.h"
+
+namespace {
+
+cairo_surface_t* recordingSurface(int width, int height) {
+    const cairo_rectangle_t extents = {0, 0, static_cast<double>(width),
+                                       static_cast<double>(height)};
+    return cairo_recording_surface_create(CAIRO_CONTENT_COLOR, &extents);
+}
+
+}  // namespace
 
 Painter::Painter(int width, int height, const Colour& background, const Colour& line,
                  const Colour& text)
-    : surface_(cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height)),
-      context_(cairo_create(surface_.get())),
+    : width_(width),
+      height_(height),
+      recorded_(recordingSurface(width, height)),
+      context_(cairo_create(recorded_.get())),
       line_(line),
       text_(text) {
     colour(background);
@@ -44,16 +56,26 @@ void Painter::frame(const Box& box, const std::string& caption) {
     text(caption, box.x, box.y - 16, 16, 0, text_);
 }
 
+double Painter::widthOf(const std::string& s) const {
+    cairo_text_extents_t extents;
+    cairo_text_extents(get(), s.c_str(), &extents);
+    return extents.x_advance;
+}
+
 void Painter::text(const std::string& s, double x, double y, double size, double anchor,
-                   const Colour& k, bool bold) {
+                   const Colour& k, bool bold, double room) {
     cairo_select_font_face(get(), "sans-serif", CAIRO_FONT_SLANT_NORMAL,
                            bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
     cairo_set_font_size(get(), size);
-    cairo_text_extents_t extents;
-    cairo_text_extents(get(), s.c_str(), &extents);
+    std::string shown = s;
+    for (std::string left = s; !left.empty() && widthOf(shown) > room; shown = left + "\u2026") {
+        while ((left.back() & 0xC0) == 0x80) left.pop_back();  // a whole character of UTF-8
+        left.pop_back();
+    }
     colour(k);
-    cairo_move_to(get(), x - anchor * extents.x_advance, y + 0.36 * size);
-    cairo_show_text(get(), s.c_str());
+    cairo_move_to(get(), x - anchor * widthOf(shown), y + 0.36 * size);
+    cairo_show_text(get(), shown.c_str());
+    cairo_new_path(get());  // a path that follows does not begin at the text
 }
 
 void Painter::textUpwards(const std::string& s, double x, double y, double size, const Colour& k) {
@@ -64,15 +86,34 @@ void Painter::textUpwards(const std::string& s, double x, double y, double size,
     cairo_restore(get());
 }
 
-void Painter::write(const std::string& path) {
-    const cairo_status_t status = cairo_surface_write_to_png(surface_.get(), path.c_str());
-    if (status != CAIRO_STATUS_SUCCESS) {
-        throw std::runtime_error(path + ": " + cairo_status_to_string(status));
+void Painter::map(const Box& clip, const Box& place, int columns, int rows,
+                  const CellColour& colourOf) {
+    const Surface image(cairo_image_surface_create(CAIRO_FORMAT_RGB24, columns, rows));
+    unsigned char* bytes = cairo_image_surface_get_data(image.get());
+    const int stride = cairo_image_surface_get_stride(image.get());
+    const auto byte = [](double v) { return static_cast<unsigned char>(std::lround(255 * v)); };
+    for (int row = 0; row < rows; ++row) {
+        for (int column = 0; column < columns; ++column) {
+            const Colour k = colourOf(column, row);
+            unsigned char* p = bytes + (rows - 1 - row) * stride + 4 * column;
+            p[0] = byte(k.b);
+            p[1] = byte(k.g);
+            p[2] = byte(k.r);
+        }
     }
+    cairo_surface_mark_dirty(image.get());
+
+    cairo_save(get());
+    cairo_rectangle(get(), clip.x, clip.y, clip.w, clip.h);
+    cairo_clip(get());
+    cairo_translate(get(), place.x, place.y);
+    cairo_scale(get(), place.w / columns, place.h / rows);
+    cairo_set_source_surface(get(), image.get(), 0, 0);
+    cairo_pattern_set_filter(cairo_get_source(get()), CAIRO_FILTER_BILINEAR);
+    cairo_paint(get());
+    cairo_restore(get());
 }
 
-std::string formatted(const char* format, double value) {
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), format, value);
-    return text.data();
+void Painter::write(const std::string& path) {
+    writePictureFile(recorded_.get(), width_, height_, path);
 }

@@ -1,26 +1,23 @@
-// Drawing of the examples' pictures: boxes, lines, dots and text on a PNG, by cairo.
+// Drawing of the examples' pictures: boxes, lines, dots, text and maps of colours, by cairo.
 
 #ifndef EXAMPLES_PAINTER_H
 #define EXAMPLES_PAINTER_H
 
 #include <cairo.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 
 struct Box {
     double x, y, w, h;
+    double right() const { return x + w; }
+    double bottom() const { return y + h; }
 };
 
 struct Colour {
     double r, g, b;
 };
-
-struct CairoRelease {
-    void operator()(cairo_t* c) const { cairo_destroy(c); }
-    void operator()(cairo_surface_t* s) const { cairo_surface_destroy(s); }
-};
-using Surface = std::unique_ptr<cairo_surface_t, CairoRelease>;
 
 class Painter {
   public:
@@ -37,21 +34,34 @@ class Painter {
     void frame(const Box& box);
     void frame(const Box& box, const std::string& caption);
 
-    // Anchored at its left (0), middle (0.5) or right (1); y is the middle of its height.
+    // Anchored at its left (0), middle (0.5) or right (1); y is the middle of its height. Text
+    // wider than `room` ends in an ellipsis.
     void text(const std::string& s, double x, double y, double size, double anchor, const Colour& k,
-              bool bold = false);
+              bool bold = false, double room = 1e9);
     void textUpwards(const std::string& s, double x, double y, double size, const Colour& k);
 
-    // Writes a PNG; throws std::runtime_error where the file cannot be written.
+    // Cells of colour that fill `place`, row 0 at its bottom, blended into each other where they
+    // are larger than a pixel; shown inside `clip`.
+    using CellColour = std::function<Colour(int column, int row)>;
+    void map(const Box& clip, const Box& place, int columns, int rows, const CellColour& colourOf);
+
+    // The format is that of the extension; throws std::runtime_error where the file cannot be
+    // written.
     void write(const std::string& path);
 
   private:
-    Surface surface_;
-    std::unique_ptr<cairo_t, CairoRelease> context_;
+    struct Release {
+        void operator()(cairo_t* c) const { cairo_destroy(c); }
+        void operator()(cairo_surface_t* s) const { cairo_surface_destroy(s); }
+    };
+    using Surface = std::unique_ptr<cairo_surface_t, Release>;
+
+    double widthOf(const std::string& s) const;
+
+    int width_, height_;
+    Surface recorded_;  // what was drawn, for any format
+    std::unique_ptr<cairo_t, Release> context_;
     Colour line_, text_;
 };
-
-// A number by a format of printf for one double.
-std::string formatted(const char* format, double value);
 
 #endif

@@ -1,96 +1,156 @@
 #include "recording.h"
 
-#include <samplerate.h>
 #include <sndfile.h>
 
+#include <algorithm>
+#include <array>
+#include <cerrno>
 #include <cmath>
+#include <cstdio>
+#include <cstring>
 #include <filesystem>
+#include <memory>
 #include <sstream>
 
 #include "program.h"
 
 namespace {
 
-constexpr std::size_t framesPerBlock = 1 << 14;
+namespace fs = std::filesystem;
 
 std::string tag(SNDFILE* file, int what) {
     const char* text = sf_get_string(file, what);
     return text ? text : "";
 }
 
+// The bytes of the character of UTF-8 that begins there; 0 where none does.
+std::size_t characterAt(const std::string& text, std::size_t i) {
+    const auto byte = [&](std::size_t k) {
+        return i + k < text.size() ? static_cast<unsigned char>(text[i + k]) : 0U;
+    };
+    const unsigned lead = byte(0);
+    const std::size_t length = lead < 0x80   ? 1
+                               : lead < 0xC0 ? 0
+                               : lead < 0xE0 ? 2
+                               : lead < 0xF0 ? 3
+                                             : 4;
+    unsigned code = length == 1 ? lead : lead & (0x7FU >> length);
+    for (std::size_t k = 1; k < length; ++k) {
+        if ((byte(k) & 0xC0) != 0x80) return 0;
+        code = code << 6 | (byte(k) & 0x3F);
+    }
+    constexpr std::array<unsigned, 5> least = {0, 0, 0x80, 0x800, 0x10000};
+    const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
+    return code < least[length] || code > 0x10FFFF || surrogate ? 0 : length;
+}
+
+// For a picture: in UTF-8, without control characters.
+std::string printable(const std::string& text) {
+    std::string result;
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t length = characterAt(text, i);
+        const auto c = static_cast<unsigned char>(text[i]);
+        result += length == 0 ? "?" : c < 0x20 || c == 0x7F ? " " : text.substr(i, length);
+        i += std::max<std::size_t>(length, 1);
+    }
+    return result;
+}
+
 std::string titleOf(SNDFILE* file, const std::string& path) {
+    if (path == defaultRecording)
+        return "Jane Austen, Sense and Sensibility, chapter 1, read for LibriVox";
     const std::string title = tag(file, SF_STR_TITLE);
     const std::string artist = tag(file, SF_STR_ARTIST);
-    if (title.empty()) return std::filesystem::path(path).stem().string();
-    return artist.empty() ? title : artist + ": " + title;
+    if (title.empty()) return printable(fs::path(path).stem().string());
+    return printable(artist.empty() ? title : artist + ": " + title);
+}
+
+std::string durationText(double seconds) {
+    std::ostringstream text;
+    text.precision(3);
+    if (seconds < 0.1) {
+        text << 1000 * seconds << " ms";
+    } else if (seconds < 60) {
+        text << seconds << " s";
+    } else {
+        text << std::lround(seconds) / 60 << " min " << std::lround(seconds) % 60 << " s";
+    }
+    return text.str();
+}
+
+// Why there is no recording at that place; nothing where one may be.
+void checkPlace(const std::string& path) {
+    std::error_code none;
+    if (fs::is_directory(path, none)) throw BadInput(path + ": is a folder, not a recording");
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
+                                                               std::fclose);
+    if (file) return;
+    const std::string reason = errno == ENOENT ? "no such file" : std::strerror(errno);
+    throw BadInput(path + ": " + reason +
+                   (path == defaultRecording
+                        ? " (Debian's package pocketsphinx-testdata has it; or "
+                          "name a recording of your own)"
+                        : ""));
 }
 
 }  // namespace
 
-Recording::Recording(const std::string& path, double band) {
-    if (!std::filesystem::exists(path)) throw BadInput(path + ": no such file");
+Recording::Recording(const std::string& path) {
+    checkPlace(path);
     SF_INFO info{};
     file_ = sf_open(path.c_str(), SFM_READ, &info);
     if (!file_)
         throw BadInput(path + ": not a recording that can be read (" + sf_strerror(nullptr) + ")");
-    channels_ = info.channels;
-    seconds_ = static_cast<double>(info.frames) / info.samplerate;
-    ratio_ = std::min(1.0, 2 * band / info.samplerate);
-    rate_ = info.samplerate * ratio_;
-    length_ = static_cast<std::int64_t>(static_cast<double>(info.frames) * ratio_);
+    channels_ = static_cast<std::size_t>(info.channels);
+    rate_ = info.samplerate;
+    constexpr std::int64_t unknown = std::int64_t{1} << 50;  // what libsndfile gives is beyond it
+    announced_ = info.frames < unknown ? info.frames : 0;
     title_ = titleOf(file_, path);
+}
 
+Recording::~Recording() { sf_close(file_); }
+
+double Recording::part() const {
+    return announced_ == 0
+               ? 0
+               : std::min(1.0, static_cast<double>(frames_) / static_cast<double>(announced_));
+}
+
+std::string Recording::origin() const {
     std::ostringstream text;
-    text << info.samplerate / 1000.0 << " kHz, "
+    text << rate_ / 1000 << " kHz, "
          << (channels_ == 1   ? "mono"
              : channels_ == 2 ? "stereo"
                               : std::to_string(channels_) + " channels");
-    origin_ = text.str();
+    if (announced_ > 0) text << ", " << durationText(static_cast<double>(announced_) / rate_);
+    return text.str();
+}
 
-    if (ratio_ < 1) {
-        int error = 0;
-        converter_ = src_new(SRC_SINC_FASTEST, 1, &error);
-        if (!converter_) {
-            sf_close(file_);
-            throw std::runtime_error(src_strerror(error));
+std::vector<std::string> Recording::remarks() const {
+    std::vector<std::string> sentences;
+    if (notNumbers_ > 0)
+        sentences.push_back(std::to_string(notNumbers_) +
+                            " samples are no finite numbers and were taken as 0");
+    if (frames_ < announced_)
+        sentences.push_back("the file breaks off after " +
+                            durationText(static_cast<double>(frames_) / rate_));
+    return sentences;
+}
+
+bool Recording::read(std::size_t frames, Block& block) {
+    interleaved_.resize(frames * channels_);
+    const sf_count_t got =
+        sf_readf_float(file_, interleaved_.data(), static_cast<sf_count_t>(frames));
+    const auto count = static_cast<std::size_t>(std::max<sf_count_t>(got, 0));
+    block.resize(channels_);
+    for (std::size_t c = 0; c < channels_; ++c) {
+        block[c].resize(count);
+        for (std::size_t i = 0; i < count; ++i) {
+            const float sample = interleaved_[i * channels_ + c];
+            if (!std::isfinite(sample)) ++notNumbers_;
+            block[c][i] = std::isfinite(sample) ? sample : 0.0F;
         }
     }
-}
-
-Recording::~Recording() {
-    if (converter_) src_delete(converter_);
-    sf_close(file_);
-}
-
-bool Recording::read(std::vector<float>& block) {
-    block.clear();
-    if (ended_) return false;
-
-    const auto channels = static_cast<std::size_t>(channels_);
-    frames_.resize(framesPerBlock * channels);
-    const sf_count_t got = sf_readf_float(file_, frames_.data(), framesPerBlock);
-    ended_ = got < static_cast<sf_count_t>(framesPerBlock);
-    mono_.assign(static_cast<std::size_t>(got), 0.0F);
-    for (std::size_t i = 0; i < mono_.size(); ++i) {
-        for (std::size_t c = 0; c < channels; ++c) mono_[i] += frames_[i * channels + c];
-        mono_[i] /= static_cast<float>(channels);
-    }
-    if (!converter_) {
-        block = mono_;
-        return !block.empty();
-    }
-
-    // The converter holds some samples back until it is told that the input ends.
-    block.resize(mono_.size() + framesPerBlock);
-    SRC_DATA data{};
-    data.data_in = mono_.data();
-    data.input_frames = static_cast<long>(mono_.size());
-    data.data_out = block.data();
-    data.output_frames = static_cast<long>(block.size());
-    data.end_of_input = ended_;
-    data.src_ratio = ratio_;
-    if (const int error = src_process(converter_, &data))
-        throw std::runtime_error(src_strerror(error));
-    block.resize(static_cast<std::size_t>(data.output_frames_gen));
-    return !block.empty() || !ended_;
+    frames_ += static_cast<std::int64_t>(count);
+    return count > 0;
 }

@@ -1,4 +1,4 @@
-// A recording, read block by block as one channel at a chosen rate.
+// A recording, read block by block, each channel by itself.
 
 #ifndef EXAMPLES_RECORDING_H
 #define EXAMPLES_RECORDING_H
@@ -8,7 +8,6 @@
 #include <vector>
 
 struct sf_private_tag;
-struct SRC_STATE_tag;
 
 // A reader's voice, from the LibriVox recordings in Debian's package pocketsphinx-testdata.
 constexpr const char* defaultRecording =
@@ -16,35 +15,35 @@ constexpr const char* defaultRecording =
 
 class Recording {
   public:
-    // Opens the file, BadInput where that fails; samples come at a rate of twice the band, at most
-    // at the file's own.
-    Recording(const std::string& path, double band);
+    // Samples by channel, as many in each.
+    using Block = std::vector<std::vector<float>>;
+
+    // Opens the file; BadInput where that fails.
+    explicit Recording(const std::string& path);
     ~Recording();
     Recording(const Recording&) = delete;
     Recording& operator=(const Recording&) = delete;
 
-    double rate() const { return rate_; }            // samples a second, as read() gives them
-    std::int64_t length() const { return length_; }  // about how many samples will come
-    double seconds() const { return seconds_; }
+    double rate() const { return rate_; }  // frames a second
+    std::size_t channels() const { return channels_; }
+    std::int64_t announced() const { return announced_; }  // frames by the file's head; 0: unknown
+    std::int64_t frames() const { return frames_; }        // read so far
+    double part() const;                                   // read so far, between 0 and 1
     const std::string& title() const { return title_; }
-    const std::string& origin() const { return origin_; }  // rate and channels of the file
+    std::string origin() const;  // rate, channels and duration
+    // What is not as it should be with what was read, a sentence each.
+    std::vector<std::string> remarks() const;
 
-    // The next samples, the channels averaged; false at the end.
-    bool read(std::vector<float>& block);
+    // The next `frames` frames, fewer at the end; false where there are none.
+    bool read(std::size_t frames, Block& block);
 
   private:
     sf_private_tag* file_ = nullptr;
-    SRC_STATE_tag* converter_ = nullptr;
-    int channels_ = 1;
-    double ratio_ = 1;
+    std::size_t channels_ = 1;
     double rate_ = 0;
-    double seconds_ = 0;
-    std::int64_t length_ = 0;
-    bool ended_ = false;
+    std::int64_t announced_ = 0, frames_ = 0, notNumbers_ = 0;
     std::string title_;
-    std::string origin_;
-    std::vector<float> frames_;
-    std::vector<float> mono_;
+    std::vector<float> interleaved_;
 };
 
 #endif

@@ -4,6 +4,7 @@
 source "$(dirname "$0")/../common/check.sh"
 
 refused "no such file" "$folder/absent.wav" "$folder/none.png"
+refused "is a folder, not a recording" "$folder" "$folder/none.png"
 echo "words, not sound" >"$folder/text.wav"
 refused "not a recording" "$folder/text.wav" "$folder/none.png"
 wav "$folder/empty.wav" 0 </dev/null
@@ -19,4 +20,8 @@ for size in 4 8 32 64 1024 16384; do
     grep -q '^binary32: largest error [0-9.]*e-0[678],' "$folder/out" || fail "size $size: $(cat "$folder/out")"
     grep -q '^binary64: largest error [0-9.]*e-1[567],' "$folder/out" || fail "size $size: $(cat "$folder/out")"
 done
+pictures "$folder/noise.wav"
+wav "$folder/silence.wav" 1000 </dev/zero
+runs "$folder/silence.wav"
+grep -q '^binary64: largest error 0, exact$' "$folder/out" || fail "silence: $(cat "$folder/out")"
 finish

@@ -1,4 +1,4 @@
-// mdct [--size M] [RECORDING [PICTURE.png]]
+// mdct [--size M] [RECORDING [PICTURE]]
 //
 // Takes a recording apart into MDCT coefficients and puts it together again, by the DCT-IV in both
 // element types, and shows how exactly it comes back.
@@ -7,12 +7,13 @@
 #include <cstdlib>
 #include <iostream>
 #include <string>
-#include <vector>
 
-#include "../common/program.h"
+#include "../common/picture_file.h"
+#include "../common/progress.h"
 #include "../common/recording.h"
-#include "mdct.h"
 #include "picture.h"
+#include "program.h"
+#include "round_trip.h"
 
 namespace {
 
@@ -34,39 +35,44 @@ void declare(CLI::App& app, Arguments& a) {
     app.add_option("RECORDING", a.recording,
                    "WAV, FLAC, OGG or what else libsndfile reads (a voice out of Debian)")
         ->type_name("");
-    app.add_option("PICTURE", a.picture, "the PNG to write (mdct.png)")->type_name("");
+    app.add_option("PICTURE", a.picture, "the .png, .svg or .pdf to write (mdct.png)")
+        ->type_name("");
+}
+
+void report(const char* type, const Quality& quality) {
+    std::cout << type << ": largest error " << quality.largest << ", ";
+    if (quality.exact()) {
+        std::cout << "exact\n";
+    } else {
+        std::cout << "signal to noise " << quality.decibels() << " dB\n";
+    }
 }
 
 int run(const Arguments& arguments) {
-    constexpr double everything = 1e9;  // no band to cut down to
-    Recording recording(arguments.recording, everything);
-    std::vector<float> samples, block;
-    while (recording.read(block)) samples.insert(samples.end(), block.begin(), block.end());
-    if (samples.empty()) throw BadInput(arguments.recording + ": no samples");
+    checkPictureFile(arguments.picture);
+    Recording recording(arguments.recording);
+    std::cout << "recording: " << recording.title() << " (" << recording.origin() << ")"
+              << std::endl;
+    const RoundTrip trip = roundTrip(recording, arguments.size, ProgressLine("transforming"));
+    if (recording.frames() == 0) throw BadInput(arguments.recording + ": no samples");
+    for (const std::string& remark : recording.remarks()) std::cerr << "mdct: " << remark << "\n";
 
-    const Reconstruction single = reconstruct<Orv32f, OrvDCT4Spec_32f>(samples, arguments.size);
-    const Reconstruction twice = reconstruct<Orv64f, OrvDCT4Spec_64f>(samples, arguments.size);
-    const auto report = [](const char* type, const Reconstruction& r) {
-        std::cout << type << ": largest error " << r.largest << ", signal to noise "
-                  << r.signalToNoise << " dB\n";
-    };
-    std::cout << "recording: " << recording.title() << " (" << recording.origin() << ", "
-              << samples.size() << " samples)\n"
-              << "transform: " << single.coefficients.size() << " blocks of " << arguments.size
-              << " coefficients, there and back\n";
-    report("binary32", single);
-    report("binary64", twice);
-
-    const std::string subtitle = std::to_string(single.coefficients.size()) +
-                                 " overlapping blocks, each " + std::to_string(arguments.size) +
-                                 " coefficients of twice as many samples by one DCT-IV (sine "
-                                 "window); synthesis gives the samples back";
-    writePicture({"MDCT analysis and synthesis: " + recording.title(), subtitle, samples,
-                  recording.rate(), single, twice},
-                 arguments.picture);
+    const std::string channels = recording.channels() > 1 ? ", each channel by itself" : "";
+    std::cout << "transform: " << trip.blocks << " blocks of " << arguments.size
+              << " coefficients, there and back" << channels << "\n";
+    report("binary32", trip.single);
+    report("binary64", trip.twice);
+    const std::string subtitle =
+        recording.origin() + channels + "; " + std::to_string(trip.blocks) + " blocks of " +
+        std::to_string(arguments.size) + " coefficients, each by one DCT-IV out of " +
+        std::to_string(2 * arguments.size) + " samples (sine window)";
+    writePicture(
+        {"MDCT analysis and synthesis: " + recording.title(), subtitle, recording.rate(), trip},
+        arguments.picture);
     std::cout << "picture: " << arguments.picture << "\n";
-    // Samples lie in [-1, 1]: what is left is rounding.
-    const bool perfect = single.largest < 1e-5 && twice.largest < 1e-13;
+    // What is left is rounding.
+    const bool perfect =
+        trip.single.largest <= 1e-5 * trip.peak && trip.twice.largest <= 1e-13 * trip.peak;
     if (!perfect) std::cerr << "mdct: the recording did not come back\n";
     return perfect ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -79,40 +79,4 @@ class Mdct {
     std::vector<Real> window_, folded_;
 };
 
-// What analysis and synthesis of a recording give. Sample i of the recording is sample m + i of
-// the padded one, so that every sample lies in two blocks.
-struct Reconstruction {
-    std::vector<std::vector<float>> coefficients;  // by block
-    std::vector<double> error;                     // reconstructed less original
-    double largest = 0;                            // of the errors
-    double signalToNoise = 0;                      // in decibels
-};
-
-template <class Real, class Spec>
-Reconstruction reconstruct(const std::vector<float>& samples, std::size_t m) {
-    Mdct<Real, Spec> mdct(m);
-    const std::size_t blocks = (samples.size() + m - 1) / m + 1;
-    std::vector<Real> x((blocks + 1) * m), y(x.size());
-    for (std::size_t i = 0; i < samples.size(); ++i) x[m + i] = static_cast<Real>(samples[i]);
-
-    Reconstruction result;
-    for (std::size_t block = 0; block < blocks; ++block) {
-        const std::vector<Real> coefficients = mdct.analyse(x.data() + block * m);
-        result.coefficients.emplace_back(coefficients.begin(), coefficients.end());
-        mdct.synthesise(coefficients, y.data() + block * m);
-    }
-
-    double signal = 0, noise = 0;
-    for (std::size_t i = 0; i < samples.size(); ++i) {
-        const double original = static_cast<double>(x[m + i]);
-        const double error = static_cast<double>(y[m + i]) - original;
-        result.error.push_back(error);
-        result.largest = std::max(result.largest, std::abs(error));
-        signal += original * original;
-        noise += error * error;
-    }
-    result.signalToNoise = 10 * std::log10(signal / noise);
-    return result;
-}
-
 #endif

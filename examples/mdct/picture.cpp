@@ -2,18 +2,17 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 
-#include "../common/painter.h"
+#include "../common/axis.h"
 
 namespace {
 
+using layout::errors;
+using layout::levels;
+using layout::wave;
+
 constexpr int width = 1600, height = 1000;
 constexpr double decibels = 80;  // from the darkest level to the brightest
-
-constexpr Box wave = {110, 116, 1450, 150};
-constexpr Box levels = {110, 310, 1450, 330};
-constexpr Box errors = {110, 700, 1450, 220};
 
 constexpr Colour background = {1, 1, 1};
 constexpr Colour ink = {0.10, 0.11, 0.13};
@@ -23,139 +22,135 @@ constexpr Colour original = {0.16, 0.36, 0.62};
 constexpr Colour single = {0.80, 0.33, 0.13};
 constexpr Colour twice = {0.12, 0.47, 0.40};
 
-// One vertical stroke for each pixel column, from the least to the greatest value that falls in it.
-template <class Value, class Height>
-void strokes(Painter& painter, const Box& box, const std::vector<Value>& values,
-             const Colour& colour, const Height& heightOf) {
-    const auto columns = static_cast<std::size_t>(box.w);
-    for (std::size_t column = 0; column < columns; ++column) {
-        const std::size_t from = column * values.size() / columns;
-        const std::size_t to = std::max(from + 1, (column + 1) * values.size() / columns);
-        if (to > values.size()) break;
-        const auto [least, most] =
-            std::minmax_element(values.begin() + static_cast<std::ptrdiff_t>(from),
-                                values.begin() + static_cast<std::ptrdiff_t>(to));
-        const double x = box.x + static_cast<double>(column) + 0.5;
-        painter.segment(x, heightOf(*least) + 0.5, x, heightOf(*most) - 0.5, colour);
+// The figures of the samples under each pixel.
+std::vector<Samples> stretches(const RoundTrip& trip) {
+    std::vector<Samples> all;
+    const double step = static_cast<double>(trip.samples.count()) / RoundTrip::columns;
+    for (std::size_t x = 0; x < RoundTrip::columns; ++x) {
+        const auto first = static_cast<double>(x);
+        all.push_back(trip.samples.over(first * step, (first + 1) * step));
     }
+    return all;
 }
 
-void drawWave(Painter& painter, const Picture& picture) {
-    painter.frame(wave, "samples");
-    double peak = 1e-9;
-    for (const float sample : picture.samples) {
-        peak = std::max(peak, static_cast<double>(std::abs(sample)));
+void drawTicks(Painter& painter, const Box& box, double seconds, bool labels) {
+    const TimeAxis axis(seconds, 10);
+    for (int i = 0; i * axis.step() <= seconds * 1.0001; ++i) {
+        const double x = std::floor(box.x + i * axis.step() / seconds * box.w) + 0.5;
+        painter.segment(x, box.bottom() + 1, x, box.bottom() + 6, faint);
+        if (labels) painter.text(axis.label(i * axis.step()), x, box.bottom() + 18, 13, 0.5, faint);
     }
+    if (labels)
+        painter.text(std::string("time (") + axis.unit() + ")", box.x + box.w / 2,
+                     box.bottom() + 42, 14, 0.5, faint);
+}
+
+std::string largestOf(const RoundTrip& trip) {
+    return trip.channels > 1 ? ", the largest of all channels" : "";
+}
+
+// From the least to the greatest value under each pixel, joined to the one before.
+void drawWave(Painter& painter, const RoundTrip& trip, const std::vector<Samples>& columns) {
+    painter.frame(wave, trip.channels > 1 ? "samples of all channels" : "samples");
+    const double peak = trip.peak > 0 ? trip.peak : 1;
     const double middle = wave.y + wave.h / 2;
-    strokes(painter, wave, picture.samples, original,
-            [&](float v) { return middle - static_cast<double>(v) / peak * wave.h * 0.48; });
+    const auto heightOf = [&](double v) { return middle - v / peak * wave.h * 0.48; };
+    for (std::size_t x = 0; x < columns.size(); ++x) {
+        const double at = wave.x + static_cast<double>(x) + 0.5;
+        const Samples& before = columns[x == 0 ? 0 : x - 1];
+        const double top = heightOf(static_cast<double>(std::max(columns[x].most, before.least)));
+        const double bottom =
+            heightOf(static_cast<double>(std::min(columns[x].least, before.most)));
+        painter.segment(at, top - 0.75, at, bottom + 0.75, original);
+    }
     for (const double v : {-peak, 0.0, peak}) {
-        painter.text(formatted("%.2f", v), wave.x - 10, middle - v / peak * wave.h * 0.48, 13, 1,
-                     faint);
+        painter.text(v == 0 ? "0" : formatted("%+.3g", v), wave.x - 10, heightOf(v), 13, 1, faint);
     }
 }
 
 void drawLevels(Painter& painter, const Picture& picture) {
-    const auto& blocks = picture.single.coefficients;
-    painter.frame(levels, "levels of the MDCT coefficients, 80 dB from white to dark");
-    float peak = 1e-9F;
-    for (const auto& block : blocks) {
-        for (const float c : block) peak = std::max(peak, std::abs(c));
+    const RoundTrip& trip = picture.trip;
+    painter.frame(levels, "levels of the MDCT coefficients, " + formatted("%.0f", decibels) +
+                              " dB from white to dark" + largestOf(trip));
+    const double step = static_cast<double>(trip.samples.count()) / RoundTrip::columns;
+    const auto blockAt = [&](double column) {
+        return column * step / static_cast<double>(trip.size) + 0.5;
+    };
+    std::vector<Magnitudes> columns;
+    float peak = 0;
+    for (std::size_t x = 0; x < RoundTrip::columns; ++x) {
+        const auto first = static_cast<double>(x);
+        columns.push_back(trip.magnitudes.over(blockAt(first), blockAt(first + 1)));
+        for (const float m : columns.back().rows) peak = std::max(peak, m);
     }
-    const auto w = static_cast<int>(levels.w), h = static_cast<int>(levels.h);
-    const Surface image(cairo_image_surface_create(CAIRO_FORMAT_RGB24, w, h));
-    cairo_surface_flush(image.get());
-    unsigned char* pixels = cairo_image_surface_get_data(image.get());
-    const int stride = cairo_image_surface_get_stride(image.get());
-    // Which coefficients a row shows, and which block a column.
-    const std::size_t m = blocks[0].size();
-    const auto rows = static_cast<std::size_t>(h), columns = static_cast<std::size_t>(w);
-    for (std::size_t row = 0; row < rows; ++row) {
-        auto* out = reinterpret_cast<std::uint32_t*>(pixels + static_cast<int>(row) * stride);
-        const std::size_t first = (rows - 1 - row) * m / rows;
-        const std::size_t last = std::max(first + 1, (rows - row) * m / rows);
-        for (std::size_t column = 0; column < columns; ++column) {
-            const auto& block = blocks[column * blocks.size() / columns];
-            float most = 0;
-            for (std::size_t k = first; k < last; ++k) {
-                most = std::max(most, std::abs(block[k]));
-            }
-            const double level =
-                20 * std::log10(static_cast<double>(most) / static_cast<double>(peak) + 1e-12);
-            const double t = std::clamp(1 + level / decibels, 0.0, 1.0);
-            const auto shade = [&](double dark) {
-                return static_cast<std::uint32_t>(255 * (1 - t * (1 - dark)));
-            };
-            out[column] = shade(0.06) << 16 | shade(0.12) << 8 | shade(0.35);
-        }
-    }
-    cairo_surface_mark_dirty(image.get());
-    cairo_set_source_surface(painter.get(), image.get(), levels.x, levels.y);
-    cairo_paint(painter.get());
-    for (int part = 0; part <= 4; ++part) {
-        painter.text(formatted("%.1f kHz", picture.rate / 2000 * part / 4), levels.x - 10,
-                     levels.y + levels.h * (1 - part / 4.0), 13, 1, faint);
+    const auto colourOf = [&](int x, int row) -> Colour {
+        const std::vector<float>& rows = columns[static_cast<std::size_t>(x)].rows;
+        const float m = rows[static_cast<std::size_t>(row) * rows.size() / RoundTrip::rows];
+        const double level = 20 * std::log10(static_cast<double>(m / peak) + 1e-12);
+        const double t = peak > 0 ? std::clamp(1 + level / decibels, 0.0, 1.0) : 0;
+        return {1 - 0.94 * t, 1 - 0.88 * t, 1 - 0.65 * t};
+    };
+    painter.map(levels, levels, RoundTrip::columns, RoundTrip::rows, colourOf);
+    const double kHz = picture.rate / 2000;
+    const double tick = roundStep(kHz, 5);
+    for (int i = 0; i * tick <= kHz * 1.0001; ++i) {
+        const double y = levels.bottom() - levels.h * i * tick / kHz;
+        painter.segment(levels.x - 6, y, levels.x - 1, y, faint);
+        painter.text(stepLabel(i * tick, tick) + " kHz", levels.x - 10, y, 13, 1, faint);
     }
 }
 
 // On a logarithmic scale: both errors lie below the last bit of the recording's 16.
-void drawErrors(Painter& painter, const Picture& picture) {
-    painter.frame(errors, "error of the reconstruction, |output - input|: the largest of a column");
+void drawErrors(Painter& painter, const RoundTrip& trip, const std::vector<Samples>& columns) {
+    painter.frame(errors, "error of the reconstruction, |output - input|" + largestOf(trip) +
+                              " (on the lower edge: none)");
     constexpr double top = -3, bottom = -19;
-    const auto heightOf = [&](double logarithm) {
-        return errors.y + errors.h * (top - std::clamp(logarithm, bottom, top)) / (top - bottom);
+    const auto heightOf = [&](double value) {
+        const double power = std::log10(std::max(value, 1e-30));
+        return errors.y + errors.h * (top - std::clamp(power, bottom, top)) / (top - bottom);
     };
-    for (int step = 0; step <= 4; ++step) {
-        const double power = top - 4 * step;
-        painter.segment(errors.x, heightOf(power), errors.x + errors.w, heightOf(power), line);
-        painter.text(formatted("1e%.0f", power), errors.x - 10, heightOf(power), 13, 1, faint);
+    for (double power = top; power >= bottom; power -= 4) {
+        const double y = heightOf(std::pow(10, power));
+        painter.segment(errors.x, y, errors.right(), y, line);
+        painter.text(formatted("1e%.0f", power), errors.x - 10, y, 13, 1, faint);
     }
-    const auto draw = [&](const Reconstruction& r, const Colour& colour, const std::string& name) {
-        const auto columns = static_cast<std::size_t>(errors.w);
+    const double halfStep = heightOf(1.0 / 65536);
+    painter.segment(errors.x, halfStep, errors.right(), halfStep, faint);
+    painter.text("half a step of 16-bit samples", errors.x + 10, halfStep - 11, 13, 0, faint);
+
+    double right = errors.right();  // of the legend, which stands beside the caption
+    const auto draw = [&](double Samples::*error, const Quality& quality, const Colour& colour,
+                          const std::string& name) {
         painter.colour(colour);
-        for (std::size_t column = 0; column < columns; ++column) {
-            const std::size_t from = column * r.error.size() / columns;
-            const std::size_t to = std::min(
-                r.error.size(), std::max(from + 1, (column + 1) * r.error.size() / columns));
-            double most = 0;
-            for (std::size_t i = from; i < to; ++i) most = std::max(most, std::abs(r.error[i]));
-            const double y = heightOf(std::log10(std::max(most, 1e-30)));
-            const double x = errors.x + static_cast<double>(column) + 0.5;
-            if (column == 0) {
-                cairo_move_to(painter.get(), x, y);
-            } else {
-                cairo_line_to(painter.get(), x, y);
-            }
+        for (std::size_t x = 0; x < columns.size(); ++x) {
+            cairo_line_to(painter.get(), errors.x + static_cast<double>(x) + 0.5,
+                          heightOf(columns[x].*error));
         }
         cairo_stroke(painter.get());
-        painter.text(name, errors.x + errors.w - 10, heightOf(std::log10(r.largest)) - 16, 14, 1,
-                     colour);
+        painter.text(
+            name + (quality.exact() ? ": exact"
+                                    : formatted(": %.0f dB below the signal", quality.decibels())),
+            right, errors.y - 16, 14, 1, colour);
+        right -= 270;
     };
-    const double lastBit = std::log10(1.0 / 65536);
-    painter.segment(errors.x, heightOf(lastBit), errors.x + errors.w, heightOf(lastBit), faint);
-    painter.text("half a step of 16-bit samples", errors.x + 10, heightOf(lastBit) - 11, 13, 0,
-                 faint);
-    draw(picture.single, single, "binary32" + formatted(", %.0f dB", picture.single.signalToNoise));
-    draw(picture.twice, twice, "binary64" + formatted(", %.0f dB", picture.twice.signalToNoise));
-    const double seconds = static_cast<double>(picture.samples.size()) / picture.rate;
-    for (int part = 0; part <= 8; ++part) {
-        painter.text(formatted("%.1f s", seconds * part / 8), errors.x + errors.w * part / 8,
-                     errors.y + errors.h + 18, 13,
-                     part == 0   ? 0
-                     : part == 8 ? 1
-                                 : 0.5,
-                     faint);
-    }
+    draw(&Samples::doubleError, trip.twice, twice, "binary64");
+    draw(&Samples::singleError, trip.single, single, "binary32");
 }
 
 }  // namespace
 
 void writePicture(const Picture& picture, const std::string& path) {
     Painter painter(width, height, background, line, ink);
-    painter.text(picture.title, wave.x, 36, 24, 0, ink);
-    painter.text(picture.subtitle, wave.x, 68, 16, 0, faint);
-    drawWave(painter, picture);
+    constexpr double room = width - wave.x - 40;
+    painter.text(picture.title, wave.x, 36, 24, 0, ink, false, room);
+    painter.text(picture.subtitle, wave.x, 68, 16, 0, faint, false, room);
+    const std::vector<Samples> columns = stretches(picture.trip);
+    const double seconds = static_cast<double>(picture.trip.samples.count()) / picture.rate;
+    drawWave(painter, picture.trip, columns);
+    drawTicks(painter, wave, seconds, false);
     drawLevels(painter, picture);
-    drawErrors(painter, picture);
+    drawTicks(painter, levels, seconds, false);
+    drawErrors(painter, picture.trip, columns);
+    drawTicks(painter, errors, seconds, true);
     painter.write(path);
 }

@@ -4,19 +4,23 @@
 #define MDCT_PICTURE_H
 
 #include <string>
-#include <vector>
 
-#include "mdct.h"
+#include "../common/painter.h"
+#include "round_trip.h"
+
+namespace layout {
+constexpr Box wave = {110, 116, RoundTrip::columns, 150};
+constexpr Box levels = {110, 310, RoundTrip::columns, RoundTrip::rows};
+constexpr Box errors = {110, 700, RoundTrip::columns, 220};
+}  // namespace layout
 
 struct Picture {
     std::string title, subtitle;
-    const std::vector<float>& samples;
     double rate;  // samples a second
-    const Reconstruction& single;
-    const Reconstruction& twice;  // in binary64
+    const RoundTrip& trip;
 };
 
-// Writes a PNG; throws std::runtime_error where the file cannot be written.
+// Throws std::runtime_error where the file cannot be written.
 void writePicture(const Picture& picture, const std::string& path);
 
 #endif

@@ -4,13 +4,18 @@
 source "$(dirname "$0")/../common/check.sh"
 
 for value in loud 61 -21 20dB nan inf ""; do
-    refused "--snr" "$folder/none.png" --snr "$value"
+    refused "--snr: takes a number of decibels from -20 to 60, or the word none" "$folder/none.png" --snr "$value"
 done
-for value in 0 -1 100001 many 1.5 ""; do
-    refused "--symbols" "$folder/none.png" --symbols "$value"
+for option in --snr --symbols --seed; do
+    refused "$option: its value is missing" "$folder/none.png" $option
 done
-refused "--seed" "$folder/none.png" --seed
-refused "--seed" "$folder/none.png" --seed -1
+for value in 0 -1 100001 many 1.5 1e3 ""; do
+    refused "--symbols: takes a whole number from 1 to 100000" "$folder/none.png" --symbols "$value"
+done
+for value in -1 x 0.5; do
+    refused "--seed: takes a whole number" "$folder/none.png" --seed "$value"
+done
+refused "--qpsk: takes no value" "$folder/none.png" --qpsk=3
 refused "not expected: --loud" "$folder/none.png" --loud
 refused "not expected" "$folder/none.png" "$folder/other.png"
 
@@ -34,6 +39,8 @@ for arguments in "--snr 10" "--snr 15" "--snr 20" "--qpsk --snr 5" "--qpsk --snr
          END { exit !(wrong > 2000 && rate > 0.9 * theory && rate < 1.1 * theory) }' "$folder/out" ||
         fail "$arguments: $(cat "$folder/out")"
 done
+
+pictures --symbols 10
 
 # The same seed gives the same link, another seed another.
 first=$("$program" --symbols 200 "$folder/picture.png")

@@ -3,17 +3,17 @@
 #include <algorithm>
 #include <cmath>
 
-#include "../common/painter.h"
+#include "../common/axis.h"
 
 namespace {
 
-constexpr int width = 1600, height = 960;
-constexpr std::size_t shown = 12000;  // points of a constellation: more would only fill it up
+using layout::after;
+using layout::before;
+using layout::channel;
+using layout::errors;
+using layout::reach;
 
-constexpr Box before = {100, 130, 430, 430};
-constexpr Box after = {620, 130, 430, 430};
-constexpr Box channel = {1150, 130, 410, 430};
-constexpr Box errors = {100, 670, 1460, 210};
+constexpr int width = 1600, height = 960;
 
 constexpr Colour background = {1, 1, 1};
 constexpr Colour ink = {0.10, 0.11, 0.13};
@@ -24,7 +24,6 @@ constexpr Colour measured = {0.80, 0.33, 0.13};
 
 void drawConstellation(Painter& painter, const Box& box, const std::string& caption,
                        const std::vector<Complex>& values, const Colour& colour) {
-    constexpr double reach = 2;  // of the axes, in root mean square points
     painter.frame(box, caption);
     const auto xOf = [&](double re) { return box.x + box.w * (re + reach) / (2 * reach); };
     const auto yOf = [&](double im) { return box.y + box.h * (reach - im) / (2 * reach); };
@@ -36,12 +35,12 @@ void drawConstellation(Painter& painter, const Box& box, const std::string& capt
         painter.text(formatted("%.0f", tick), box.x - 10, yOf(tick), 13, 1, faint);
     }
     painter.text("real part", box.x + box.w / 2, box.y + box.h + 38, 14, 0.5, faint);
-    painter.text("imag.", box.x - 10, yOf(0.5), 14, 1, faint);
+    painter.textUpwards("imaginary part", box.x - 44, box.y + box.h / 2, 14, faint);
 
     cairo_save(painter.get());
     cairo_rectangle(painter.get(), box.x, box.y, box.w, box.h);
     cairo_clip(painter.get());
-    for (std::size_t i = 0; i < std::min(shown, values.size()); ++i) {
+    for (std::size_t i = 0; i < std::min(pointsShown, values.size()); ++i) {
         painter.dot(xOf(static_cast<double>(values[i].real())),
                     yOf(static_cast<double>(values[i].imag())), 1.3, colour, 0.4);
     }
@@ -136,8 +135,9 @@ void drawErrors(Painter& painter, const Picture& picture) {
 void writePicture(const Picture& picture, const std::string& path) {
     Painter painter(width, height, background, line, ink);
     const Outcome& outcome = picture.outcome;
-    painter.text(picture.title, before.x, 36, 24, 0, ink);
-    painter.text(picture.subtitle, before.x, 68, 16, 0, faint);
+    constexpr double room = width - before.x - 40;
+    painter.text(picture.title, before.x, 36, 24, 0, ink, false, room);
+    painter.text(picture.subtitle, before.x, 68, 16, 0, faint, false, room);
     drawConstellation(painter, before, "received, before the equaliser", outcome.before, measured);
     drawConstellation(painter, after,
                       "after it, error vector " + formatted("%.3g %%", 100 * outcome.errorVector),

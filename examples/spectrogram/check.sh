@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# check.sh PROGRAM: bad input gives one line and exit status 2; a recording gives a picture.
+# check.sh PROGRAM: bad input gives one line and exit status 2; a recording gives a picture, and what was done to it is
+# said.
 source "$(dirname "$0")/../common/check.sh"
 
 # tone FILE SAMPLES: a square wave.
@@ -12,14 +13,14 @@ tone() {
 refused "no such file" "$folder/absent.wav" "$folder/none.png"
 echo "words, not sound" >"$folder/text.wav"
 refused "not a recording" "$folder/text.wav" "$folder/none.png"
-refused "not a recording" "$folder" "$folder/none.png"
+refused "is a folder, not a recording" "$folder" "$folder/none.png"
 tone "$folder/short.wav" 63
 refused "too short" "$folder/short.wav" "$folder/none.png"
 tone "$folder/empty.wav" 0
 refused "too short" "$folder/empty.wav" "$folder/none.png"
 refused "not expected: --colour" "$folder/short.wav" "$folder/none.png" --colour
 refused "not expected: third" "$folder/short.wav" "$folder/none.png" third
-for band in loud 99 nan ""; do
+for band in loud 99 nan inf ""; do
     refused "--band" --band "$band" "$folder/short.wav" "$folder/none.png"
 done
 
@@ -28,5 +29,19 @@ for samples in 64 65 4000; do
     runs "$folder/tone.wav"
     [[ $(od -An -tx1 -j16 -N8 "$folder/picture.png" | tr -d ' \n') == 0000064000000384 ]] || fail "$samples samples: size"
 done
-one_line 1 "absent/tone.png" "$folder/tone.wav" "$folder/absent/tone.png"
+pictures "$folder/tone.wav"
+
+# What was done to the recording.
+says() { grep -q -e "$1" "$folder/out" || fail "no '$1': $(cat "$folder/out")"; }
+runs "$folder/tone.wav"
+says "^recording: tone (8 kHz, mono, 0.5 s)$"
+says "^shown: the whole band of 4 kHz, not resampled$"
+says "^transforms: [0-9 ]* of 64 samples (Hann window, hop 2, 125 Hz a row)"
+says "^levels: .* at most -[0-9.]* dB, at 1 kHz and "
+says "^picture: $folder/picture.png$"
+runs --band 1000 "$folder/tone.wav"
+says "^shown: 0 to 1 kHz of 4, resampled to 2.222 kHz$"
+wav "$folder/silence.wav" 1000 </dev/zero
+runs "$folder/silence.wav"
+says "^levels: silence$"
 finish

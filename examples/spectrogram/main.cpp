@@ -1,65 +1,41 @@
-// spectrogram [--band HZ] [RECORDING [PICTURE.png]]
+// spectrogram [--band HZ] [RECORDING [PICTURE]]
 //
 // Draws a recording's levels over time and frequency, by thousands of windowed 64-point transforms.
 
-#include <unistd.h>
-
-#include <chrono>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <iostream>
+#include <optional>
 #include <sstream>
 #include <string>
-#include <vector>
 
-#include "../common/program.h"
+#include "../common/picture_file.h"
+#include "../common/progress.h"
 #include "../common/recording.h"
 #include "picture.h"
+#include "program.h"
 #include "spectrum.h"
 
 namespace {
 
-constexpr const char* defaultTitle =
-    "Jane Austen, Sense and Sensibility, chapter 1, read for LibriVox";
 struct Arguments {
-    double band = 5500;
+    std::optional<double> band;
     std::string recording = defaultRecording;
     std::string picture = "spectrogram.png";
 };
 
 void declare(CLI::App& app, Arguments& a) {
-    app.add_option("--band", a.band, "the highest frequency shown, 100 Hz and more (5500)")
+    app.add_option("--band", a.band,
+                   "the highest frequency shown, 100 Hz and more, for closer rows (all of the "
+                   "recording's)")
         ->type_name("HZ")
         ->check(within(100, 1e6));
     app.add_option("RECORDING", a.recording,
                    "WAV, FLAC, OGG or what else libsndfile reads (a voice out of Debian)")
         ->type_name("");
-    app.add_option("PICTURE", a.picture, "the PNG to write (spectrogram.png)")->type_name("");
+    app.add_option("PICTURE", a.picture, "the .png, .svg or .pdf to write (spectrogram.png)")
+        ->type_name("");
 }
-
-// Shown once the work has taken a while: one line that counts on a terminal, a line for every tenth
-// part elsewhere.
-class ProgressLine {
-  public:
-    void operator()(double part) {
-        const int percent = static_cast<int>(100 * part);
-        const int step = terminal_ ? 1 : 10;
-        if (percent / step == shown_ / step || Clock::now() - begin_ < patience) return;
-        shown_ = percent;
-        std::fprintf(stderr, "%stransforming: %3d %%", terminal_ ? "\r" : "", percent);
-        if (!terminal_ || percent == 100) std::fputc('\n', stderr);
-        std::fflush(stderr);
-    }
-
-  private:
-    using Clock = std::chrono::steady_clock;
-    static constexpr auto patience = std::chrono::milliseconds(500);
-
-    Clock::time_point begin_ = Clock::now();
-    bool terminal_ = isatty(STDERR_FILENO) != 0;
-    int shown_ = 0;
-};
 
 // 1234567 as 1 234 567.
 std::string grouped(std::int64_t n) {
@@ -72,26 +48,60 @@ std::string grouped(std::int64_t n) {
     return text;
 }
 
-std::string subtitleOf(const Recording& recording, const Spectrogram& s) {
+template <class... Parts>
+std::string joined(const Parts&... parts) {
     std::ostringstream text;
-    text << recording.origin() << "; " << grouped(s.transforms) << " transforms of "
-         << Spectrogram::points << " samples at " << s.rate / 1000 << " kHz (Hann window, hop "
-         << s.hop << ")";
+    text.precision(4);
+    (text << ... << parts);
     return text.str();
 }
 
+// What was done to the recording before it was transformed.
+std::string treatment(const Recording& recording, const Spectrogram& s) {
+    const double whole = recording.rate() / 2;
+    std::string text = s.top < whole ? joined("0 to ", s.top / 1000, " kHz of ", whole / 1000)
+                                     : joined("the whole band of ", whole / 1000, " kHz");
+    text += s.resampled ? joined(", resampled to ", s.rate / 1000, " kHz") : ", not resampled";
+    if (s.joined) {
+        text += ", channels joined: mean power, largest peak";
+    } else if (recording.channels() > 1) {
+        text += ", each channel by itself";
+    }
+    return text;
+}
+
+std::string transformation(const Spectrogram& s) {
+    return joined(" of ", Spectrogram::points, " samples (Hann window, hop ", s.hop, ", ",
+                  s.binWidth(), " Hz a row)");
+}
+
+std::string levelsOf(const Spectrogram& s) {
+    const Spectrogram::Loudest most = s.loudest();
+    const LevelRange range = levelRange(s);
+    if (most.db < range.bottom) return "silence";
+    return joined(range.bottom, " to ", range.top, " dB shown, at most ",
+                  std::round(10 * most.db) / 10 + 0.0, " dB, at ", most.frequency / 1000,
+                  " kHz and ", most.seconds, " s (0 dB: a sine of full scale)");
+}
+
 int run(const Arguments& arguments) {
-    Recording recording(arguments.recording, arguments.band);
-    const std::string title =
-        arguments.recording == defaultRecording ? defaultTitle : recording.title();
-    std::cout << "recording: " << title << " (" << recording.origin() << ", "
-              << std::lround(recording.seconds()) << " s)\n";
-    const Spectrogram s = analyse(recording, plotColumns, ProgressLine());
-    writePicture(s, title, subtitleOf(recording, s), arguments.picture);
+    checkPictureFile(arguments.picture);
+    Recording recording(arguments.recording);
+    std::cout << "recording: " << recording.title() << " (" << recording.origin() << ")"
+              << std::endl;
+    const Spectrogram s = analyse(recording, arguments.band, ProgressLine("transforming"));
+    for (const std::string& remark : recording.remarks())
+        std::cerr << "spectrogram: " << remark << "\n";
     const double each = 1e9 * s.transformSeconds / static_cast<double>(s.transforms);
-    std::cout << "transforms: " << grouped(s.transforms) << " of length " << Spectrogram::points
-              << ", " << std::lround(each) << " ns each with the clock's own time\n"
-              << "picture: " << arguments.picture << "\n";
+    std::cout << "shown: " << treatment(recording, s) << "\n"
+              << "transforms: " << grouped(s.transforms) << transformation(s) << ", "
+              << std::lround(each) << " ns each with the clock's own time\n"
+              << "levels: " << levelsOf(s) << "\n";
+    writePicture(s, recording.title(),
+                 recording.origin() + "; " + treatment(recording, s) + "; " +
+                     grouped(s.transforms) + " transforms" + transformation(s),
+                 arguments.picture);
+    std::cout << "picture: " << arguments.picture << "\n";
     return EXIT_SUCCESS;
 }
 

@@ -3,25 +3,18 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
 
-#include "../common/painter.h"
+#include "../common/axis.h"
 
 namespace {
-
-constexpr int width = 1600;
-constexpr int height = 900;
-
-constexpr Box plot = {96, 206, plotColumns, 600};
-constexpr Box wave = {plot.x, 112, plot.w, 80};
-constexpr Box bar = {plot.x + plot.w + 40, plot.y, 22, plot.h};
-constexpr int decibels = 70;  // from the bottom of the level scale to its top
 
 constexpr Colour background = {0.055, 0.06, 0.08};
 constexpr Colour ink = {0.92, 0.93, 0.95};
 constexpr Colour faint = {0.60, 0.63, 0.68};
 constexpr Colour line = {0.32, 0.35, 0.40};
-constexpr Colour envelope = {0.96, 0.66, 0.30};
+constexpr Colour wave = {0.96, 0.66, 0.30};
+
+constexpr double silent = -190;  // below it there is nothing but what keeps the logarithm finite
 
 // From dark to bright with steadily growing lightness, so that level reads also without hue.
 Colour levelColour(double t) {
@@ -47,152 +40,153 @@ void tick(Painter& p, double x0, double y0, double x1, double y1) {
               std::floor(y1) + 0.5, faint);
 }
 
-// A round step (1, 2 or 5 times a power of ten) that cuts the range into about `parts` parts.
-double roundStep(double range, double parts) {
-    const double raw = range / parts;
-    const double power = std::pow(10, std::floor(std::log10(raw)));
-    for (const double m : {1.0, 2.0, 5.0}) {
-        if (m * power >= raw) return m * power;
-    }
-    return 10 * power;
+void paintLevels(Painter& p, const Box& box, const std::vector<Spectrogram::Column>& columns,
+                 const Spectrogram& s, const LevelRange& range) {
+    // Bin k stands at the height of its frequency; so half of the lowest bin lies below the box,
+    // and what the recording has above the highest frequency shown lies above it.
+    const double row = box.h * s.binWidth() / s.top;
+    const Box place = {box.x, box.bottom() + row / 2 - row * Spectrogram::bins, box.w,
+                       row * Spectrogram::bins};
+    p.map(box, place, static_cast<int>(columns.size()), Spectrogram::bins,
+          [&](int column, int bin) {
+              const double db =
+                  columns[static_cast<std::size_t>(column)].db[static_cast<std::size_t>(bin)];
+              return levelColour((db - range.bottom) / (range.top - range.bottom));
+          });
+    p.frame(box);
 }
 
-// The same in seconds: above one second steps that divide a minute or an hour.
-double timeStep(double seconds, double parts) {
-    for (const double s : {1.0, 2.0, 5.0, 10.0, 15.0, 30.0, 60.0, 120.0, 300.0, 600.0, 1800.0}) {
-        if (seconds > parts && s >= seconds / parts) return s;
-    }
-    return seconds > parts ? 3600.0 : roundStep(seconds, parts);
-}
-
-std::string number(double v, int decimals) {
-    std::array<char, 48> text{};
-    std::snprintf(text.data(), text.size(), "%.*f", decimals, v);
-    return text.data();
-}
-
-int decimalsOf(double step) {
-    return step >= 1 ? 0 : static_cast<int>(std::ceil(-std::log10(step) - 1e-9));
-}
-
-std::string timeLabel(double seconds, double step) {
-    if (step < 1) return number(seconds, decimalsOf(step));
-    const auto s = std::lround(seconds);
-    std::array<char, 64> text{};
-    if (s >= 3600) {
-        std::snprintf(text.data(), text.size(), "%ld:%02ld:%02ld", s / 3600, s / 60 % 60, s % 60);
-    } else {
-        std::snprintf(text.data(), text.size(), "%ld:%02ld", s / 60, s % 60);
-    }
-    return text.data();
-}
-
-// One pixel for each column and bin, row 0 being the highest bin.
-Surface levelImage(const Spectrogram& s, double top) {
-    const int columns = static_cast<int>(s.db.size());
-    Surface image(cairo_image_surface_create(CAIRO_FORMAT_RGB24, columns, Spectrogram::bins));
-    cairo_surface_flush(image.get());
-    unsigned char* bytes = cairo_image_surface_get_data(image.get());
-    const int stride = cairo_image_surface_get_stride(image.get());
-    const auto byte = [](double v) { return static_cast<unsigned char>(std::lround(255 * v)); };
-    for (int x = 0; x < columns; ++x) {
-        const auto& column = s.db[static_cast<std::size_t>(x)];
-        for (int k = 0; k < Spectrogram::bins; ++k) {
-            const double level = column[static_cast<std::size_t>(k)];
-            const Colour c = levelColour((level - top + decibels) / decibels);
-            unsigned char* p = bytes + (Spectrogram::bins - 1 - k) * stride + 4 * x;
-            p[0] = byte(c.b);
-            p[1] = byte(c.g);
-            p[2] = byte(c.r);
-        }
-    }
-    cairo_surface_mark_dirty(image.get());
-    return image;
-}
-
-void paintLevels(Painter& p, const Spectrogram& s, double top) {
-    // Bin k stands at the height of its frequency; so the lowest and the highest bin, which lie on
-    // the edges, show half of their pixels.
-    const Surface image = levelImage(s, top);
-    cairo_t* c = p.get();
-    cairo_save(c);
-    cairo_rectangle(c, plot.x, plot.y, plot.w, plot.h);
-    cairo_clip(c);
-    const double row = plot.h / (Spectrogram::bins - 1);
-    cairo_translate(c, plot.x, plot.y - row / 2);
-    cairo_scale(c, plot.w / static_cast<double>(s.db.size()), row);
-    cairo_set_source_surface(c, image.get(), 0, 0);
-    cairo_pattern_set_filter(cairo_get_source(c), CAIRO_FILTER_BILINEAR);
-    cairo_pattern_set_extend(cairo_get_source(c), CAIRO_EXTEND_PAD);
-    cairo_paint(c);
-    cairo_restore(c);
-    p.frame(plot);
-}
-
-void paintWave(Painter& p, const Spectrogram& s) {
-    const float loudest = std::max(1e-6F, *std::max_element(s.peak.begin(), s.peak.end()));
-    const double middle = wave.y + wave.h / 2;
-    p.colour(envelope, 0.9);
-    for (std::size_t x = 0; x < s.peak.size(); ++x) {
-        const double half = std::max(0.5, s.peak[x] / loudest * wave.h / 2);
-        cairo_rectangle(p.get(), wave.x + static_cast<double>(x), middle - half, 1, 2 * half);
+void paintEnvelope(Painter& p, const Box& box, const std::vector<Spectrogram::Column>& columns,
+                   float loudest) {
+    const double middle = box.y + box.h / 2;
+    p.colour(wave, 0.9);
+    for (std::size_t x = 0; x < columns.size(); ++x) {
+        const double share = loudest > 0 ? static_cast<double>(columns[x].peak / loudest) : 0;
+        const double half = std::max(0.5, share * box.h / 2);
+        cairo_rectangle(p.get(), box.x + static_cast<double>(x), middle - half, 1, 2 * half);
     }
     cairo_fill(p.get());
-    p.frame(wave);
+    p.frame(box);
+    const std::string reach = formatted("%.3g", static_cast<double>(loudest));
+    if (loudest > 0) {
+        p.text("+" + reach, box.x - 12, box.y + 6, 14, 1, ink);
+        p.text("-" + reach, box.x - 12, box.bottom() - 6, 14, 1, ink);
+    }
+    p.textUpwards("envelope", 34, middle, std::min(15.0, box.h / 4.5), faint);
 }
 
-void paintAxes(Painter& p, const Spectrogram& s) {
-    const double step = timeStep(s.seconds, 12);
-    for (int i = 0; i * step <= s.seconds; ++i) {
-        const double x = plot.x + i * step / s.seconds * plot.w;
-        tick(p, x, plot.y + plot.h, x, plot.y + plot.h + 6);
-        p.text(timeLabel(i * step, step), x, plot.y + plot.h + 18, 14, 0.5, ink);
+void paintFrequencies(Painter& p, const Box& box, double top) {
+    const double kHz = top / 1000;
+    const double step = roundStep(kHz, std::max(2.0, box.h / 60));
+    for (int i = 0; i * step <= kHz * 1.0001; ++i) {
+        const double y = box.y + box.h * (1 - i * step / kHz);
+        tick(p, box.x - 7, y, box.x - 1, y);
+        p.text(stepLabel(i * step, step), box.x - 12, y, 14, 1, ink);
     }
-    p.text(step < 1 ? "time (s)" : "time (min:s)", plot.x + plot.w / 2, height - 48, 15, 0.5,
+    p.textUpwards("frequency (kHz)", 34, box.y + box.h / 2, 15, faint);
+}
+
+void paintTimes(Painter& p, const Box& box, double seconds) {
+    const TimeAxis axis(seconds, 12);
+    for (int i = 0; i * axis.step() <= seconds * 1.0001; ++i) {
+        const double x = box.x + i * axis.step() / seconds * box.w;
+        tick(p, x, box.bottom(), x, box.bottom() + 6);
+        p.text(axis.label(i * axis.step()), x, box.bottom() + 18, 14, 0.5, ink);
+    }
+    p.text(std::string("time (") + axis.unit() + ")", box.x + box.w / 2, box.bottom() + 46, 15, 0.5,
            faint);
-
-    const double top = s.rate / 2000;  // kHz
-    const double stepF = roundStep(top, 10);
-    for (int i = 0; i * stepF <= top * 1.0001; ++i) {
-        const double y = plot.y + plot.h * (1 - i * stepF / top);
-        tick(p, plot.x - 7, y, plot.x - 1, y);
-        p.text(number(i * stepF, decimalsOf(stepF)), plot.x - 12, y, 14, 1, ink);
-    }
-    p.textUpwards("frequency (kHz)", 34, plot.y + plot.h / 2, 15, faint);
-    p.textUpwards("envelope", 34, wave.y + wave.h / 2, 15, faint);
 }
 
-void paintScale(Painter& p, double top) {
-    for (int y = 0; y < static_cast<int>(bar.h); ++y) {
-        p.colour(levelColour(1 - y / (bar.h - 1)));
-        cairo_rectangle(p.get(), bar.x, bar.y + y, bar.w, 1);
-        cairo_fill(p.get());
+void paintScale(Painter& p, const Box& box, const LevelRange& range) {
+    const int rows = static_cast<int>(box.h);
+    p.map(box, box, static_cast<int>(box.w), rows,
+          [&](int, int row) { return levelColour(row / (rows - 1.0)); });
+    p.frame(box);
+    const double span = range.top - range.bottom;
+    const int step = span > 30 ? 10 : 5;
+    const int highest = step * static_cast<int>(std::floor(range.top / step));
+    for (int db = highest; db >= range.bottom; db -= step) {
+        const double y = box.y + box.h * (range.top - db) / span;
+        tick(p, box.right(), y, box.right() + 6, y);
+        p.text(std::to_string(db), box.right() + 12, y, 14, 0, ink);
     }
-    p.frame(bar);
-    for (int db = 0; db <= decibels; db += 10) {
-        const double y = bar.y + bar.h * db / decibels;
-        tick(p, bar.x + bar.w, y, bar.x + bar.w + 6, y);
-        p.text(number(top - db, 0), bar.x + bar.w + 12, y, 14, 0, ink);
-    }
-    p.text("level (dB)", bar.x + bar.w / 2, bar.y - 16, 14, 0.5, faint);
+    p.text("level (dB)", box.x + box.w / 2, box.y - 16, 14, 0.5, faint);
+}
+
+std::string nameOf(std::size_t channel, const Spectrogram& s) {
+    if (s.joined || s.channels.size() == 1) return "";
+    if (s.channels.size() == 2) return channel == 0 ? "left" : "right";
+    return "channel " + std::to_string(channel + 1);
 }
 
 }  // namespace
 
+Layout::Layout(std::size_t count)
+    : channels(count),
+      panelHeight(std::max(
+          200.0, (694.0 - 22 * static_cast<double>(count - 1)) / static_cast<double>(count))),
+      height(static_cast<int>(112 + (panelHeight + 22) * static_cast<double>(count) - 22 + 94)) {}
+
+Box Layout::envelope(std::size_t channel) const {
+    const double y = 112 + (panelHeight + 22) * static_cast<double>(channel);
+    return {96, std::floor(y), Spectrogram::columns, std::floor(40 + (panelHeight - 200) * 0.08)};
+}
+
+Box Layout::levels(std::size_t channel) const {
+    const Box above = envelope(channel);
+    const double gap = channels == 1 ? 14 : 6;
+    return {above.x, above.bottom() + gap, above.w, std::floor(panelHeight - above.h - gap)};
+}
+
+Box Layout::scale() const {
+    const Box first = levels(0);
+    const double last = levels(channels - 1).bottom();
+    return {first.right() + 40, first.y, 22, std::min(last - first.y, 600.0)};
+}
+
+LevelRange levelRange(const Spectrogram& s) {
+    std::vector<double> levels;
+    for (const auto& channel : s.channels) {
+        for (const auto& column : channel) {
+            for (int k = 0; k < s.binsShown(); ++k) {
+                const double db = column.db[static_cast<std::size_t>(k)];
+                if (db > silent) levels.push_back(db);
+            }
+        }
+    }
+    if (levels.empty()) return {-90, 0};
+    // From the loudest down to what only one part in fifty lies below, in steps of 5 dB.
+    const double top = 5 * std::ceil(s.loudest().db / 5 - 0.01) + 0.0;  // not -0
+    const auto low = levels.begin() + static_cast<std::ptrdiff_t>(levels.size() / 50);
+    std::nth_element(levels.begin(), low, levels.end());
+    const double bottom = 5 * std::floor(*low / 5);
+    return {std::clamp(bottom, top - 90, top - 20), top};
+}
+
 void writePicture(const Spectrogram& s, const std::string& title, const std::string& subtitle,
                   const std::string& path) {
-    double loudest = -300;
-    for (const auto& column : s.db) {
-        loudest = std::max<double>(loudest, *std::max_element(column.begin(), column.end()));
-    }
-    const double top = std::max(-120.0, 10 * std::ceil(loudest / 10)) + 0.0;  // not -0
+    const Layout layout(s.channels.size());
+    Painter p(layout.width, layout.height, background, line, ink);
+    const double left = layout.levels(0).x, room = layout.width - left - 40;
+    p.text(title, left, 42, 26, 0, ink, true, room);
+    p.text(subtitle, left, 78, 15, 0, faint, false, room);
 
-    Painter p(width, height, background, line, ink);
-    p.text(title, plot.x, 42, 26, 0, ink, true);
-    p.text(subtitle, plot.x, 78, 15, 0, faint);
-    paintWave(p, s);
-    paintLevels(p, s, top);
-    paintAxes(p, s);
-    paintScale(p, top);
+    float loudest = 0;
+    for (const auto& channel : s.channels)
+        for (const auto& column : channel) loudest = std::max(loudest, column.peak);
+    const LevelRange range = levelRange(s);
+    for (std::size_t c = 0; c < s.channels.size(); ++c) {
+        const Box levels = layout.levels(c);
+        paintEnvelope(p, layout.envelope(c), s.channels[c], loudest);
+        paintLevels(p, levels, s.channels[c], s, range);
+        p.text(nameOf(c, s), levels.x + 10, levels.y + 16, 15, 0, ink, true);
+        paintFrequencies(p, levels, s.top);
+    }
+    if (s.loudest().db < silent) {
+        const Box box = layout.levels(0);
+        p.text("silence", box.x + box.w / 2, box.y + box.h / 2, 20, 0.5, faint);
+    }
+    paintTimes(p, layout.levels(s.channels.size() - 1), s.seconds);
+    paintScale(p, layout.scale(), range);
     p.write(path);
 }

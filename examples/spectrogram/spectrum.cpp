@@ -3,17 +3,18 @@
 #include <orvgen.h>
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <cmath>
 #include <numbers>
 
-#include "../common/program.h"
+#include "../common/columns.h"
+#include "program.h"
+#include "resampler.h"
 
 namespace {
 
 constexpr int N = Spectrogram::points;
-constexpr int bins = Spectrogram::bins;
+constexpr std::size_t bins = Spectrogram::bins;
 
 using Window = std::array<float, N>;
 
@@ -27,37 +28,40 @@ Window hann() {
     return w;
 }
 
-// Power in each bin, summed over the windows of one column.
-struct Column {
-    std::array<double, bins> power{};
+// Power in each bin, summed over windows.
+struct Power {
+    std::array<double, bins> sum{};
     std::int64_t windows = 0;
-    float peak = 0;
+
+    void merge(const Power& other) {
+        for (std::size_t k = 0; k < bins; ++k) sum[k] += other.sum[k];
+        windows += other.windows;
+    }
 };
 
-class Analyser {
-  public:
-    Analyser(int columns, int hop, std::int64_t length)
-        : columns_(static_cast<std::size_t>(columns)),
-          hop_(hop),
-          expected_((length - N) / hop + 1) {}
+struct Peak {
+    float value = 0;
+    void merge(const Peak& other) { value = std::max(value, other.value); }
+};
 
-    // Takes samples; transforms every whole window among them.
-    void add(const std::vector<float>& block) {
+// Transforms every whole window of a channel.
+class Windows {
+  public:
+    explicit Windows(int hop) : hop_(static_cast<std::size_t>(hop)) {}
+
+    // Takes samples; hands the power of every window that they complete to `found`.
+    template <class Found>
+    void add(const std::vector<float>& block, const Found& found) {
         samples_.insert(samples_.end(), block.begin(), block.end());
         std::size_t start = 0;
-        for (; start + N <= samples_.size(); start += static_cast<std::size_t>(hop_)) {
-            transform(&samples_[start]);
-        }
+        for (; start + N <= samples_.size(); start += hop_) found(transform(&samples_[start]));
         samples_.erase(samples_.begin(), samples_.begin() + static_cast<std::ptrdiff_t>(start));
     }
-
-    std::int64_t transforms() const { return transforms_; }
-    double seconds() const { return std::chrono::duration<double>(spent_).count(); }
-    const std::vector<Column>& columns() const { return columns_; }
+    std::chrono::steady_clock::duration spent() const { return spent_; }
 
   private:
     // One window of real samples; their half spectrum comes as the bins 0 to N/2 in (re, im) pairs.
-    void transform(const float* samples) {
+    Power transform(const float* samples) {
         for (std::size_t n = 0; n < N; ++n) x_[n] = samples[n] * window[n];
 
         const auto begin = std::chrono::steady_clock::now();
@@ -65,72 +69,148 @@ class Analyser {
         spent_ += std::chrono::steady_clock::now() - begin;
         if (status != orvOk) throw std::runtime_error("the transform failed");
 
-        // The last column takes what the announced length did not foresee.
-        const auto last = static_cast<std::int64_t>(columns_.size()) - 1;
-        const auto c =
-            std::min(last, transforms_ * (last + 1) / std::max<std::int64_t>(expected_, 1));
-        Column& column = columns_[static_cast<std::size_t>(c)];
-        for (std::size_t k = 0; k < bins; ++k)
-            column.power[k] += sqr(z_[2 * k]) + sqr(z_[2 * k + 1]);
-        for (int n = 0; n < N; ++n) column.peak = std::max(column.peak, std::abs(samples[n]));
-        ++column.windows;
-        ++transforms_;
+        Power power;
+        power.windows = 1;
+        for (std::size_t k = 0; k < bins; ++k) power.sum[k] = sqr(z_[2 * k]) + sqr(z_[2 * k + 1]);
+        return power;
     }
 
     static double sqr(float v) { return static_cast<double>(v) * v; }
 
     inline static const Window window = hann();
 
-    std::vector<Column> columns_;
-    int hop_;
-    std::int64_t expected_;  // transforms, by the announced length
-    std::int64_t transforms_ = 0;
+    std::size_t hop_;
     std::chrono::steady_clock::duration spent_{};
     std::vector<float> samples_;
     std::array<float, N> x_{};
     std::array<float, N + 2> z_{};
 };
 
+// The samples of one channel on their way to powers.
+class Channel {
+  public:
+    Channel(double ratio, int hop) : windows_(hop) {
+        if (ratio < 1) resampler_.emplace(ratio);
+    }
+
+    template <class Found>
+    void add(const std::vector<float>& block, bool last, const Found& found) {
+        if (resampler_) resampler_->convert(block, last, converted_);
+        windows_.add(resampler_ ? converted_ : block, found);
+    }
+    std::chrono::steady_clock::duration spent() const { return windows_.spent(); }
+
+  private:
+    Windows windows_;
+    std::optional<Resampler> resampler_;
+    std::vector<float> converted_;
+};
+
+// What one panel of the picture shows: a channel, or all of them joined.
+class Panel {
+  public:
+    // Every block of every channel of the panel; then done() with the block.
+    void add(Channel& channel, const std::vector<float>& block, bool last) {
+        peaks_.resize(std::max(peaks_.size(), block.size()));
+        for (std::size_t i = 0; i < block.size(); ++i) peaks_[i].merge({std::abs(block[i])});
+        std::size_t i = 0;
+        channel.add(block, last, [&](const Power& power) {
+            if (i == powers_.size()) powers_.emplace_back();
+            powers_[i++].merge(power);
+        });
+    }
+    void done() {
+        for (const Peak& peak : peaks_) peaks.add(peak);
+        for (const Power& power : powers_) powers.add(power);
+        peaks_.clear();
+        powers_.clear();
+    }
+
+    Columns<Peak> peaks{Spectrogram::columns};    // of frames
+    Columns<Power> powers{Spectrogram::columns};  // of windows
+
+  private:
+    std::vector<Peak> peaks_;
+    std::vector<Power> powers_;
+};
+
+std::vector<Spectrogram::Column> columnsOf(const Panel& panel, const Spectrogram& s) {
+    std::vector<Spectrogram::Column> columns(Spectrogram::columns);
+    const auto frames = static_cast<double>(panel.peaks.count());
+    // Window i has its middle at (hop i + N/2) / rate.
+    const auto windowAt = [&](double second) { return (second * s.rate - N / 2.0) / s.hop + 0.5; };
+    for (std::size_t c = 0; c < columns.size(); ++c) {
+        const double first = static_cast<double>(c) / static_cast<double>(columns.size());
+        const double last = static_cast<double>(c + 1) / static_cast<double>(columns.size());
+        columns[c].peak = panel.peaks.over(first * frames, last * frames).value;
+        const Power power =
+            panel.powers.over(windowAt(first * s.seconds), windowAt(last * s.seconds));
+        for (std::size_t k = 0; k < bins; ++k) {
+            const double mean = power.sum[k] / static_cast<double>(power.windows);
+            columns[c].db[k] = 10 * std::log10(mean + 1e-20);
+        }
+    }
+    return columns;
+}
+
 }  // namespace
 
-Spectrogram analyse(Recording& recording, int columns, const Progress& progress) {
-    // A quarter of a window apart, and closer on a short recording, so that every column has a
-    // window.
-    const auto hop = std::clamp<std::int64_t>((recording.length() - N) / columns, 1, N / 4);
-    Analyser analyser(columns, static_cast<int>(hop), recording.length());
-    std::vector<float> block;
-    std::int64_t done = 0;
-    while (recording.read(block)) {
-        analyser.add(block);
-        done += static_cast<std::int64_t>(block.size());
-        const auto all = static_cast<double>(std::max<std::int64_t>(recording.length(), 1));
-        progress(std::min(1.0, static_cast<double>(done) / all));
+int Spectrogram::binsShown() const {
+    return std::min(bins, static_cast<int>(std::floor(top / binWidth() + 1e-9)) + 1);
+}
+
+Spectrogram::Loudest Spectrogram::loudest() const {
+    Loudest most{-300, 0, 0};
+    for (const auto& channel : channels) {
+        for (std::size_t c = 0; c < columns; ++c) {
+            for (int k = 0; k < binsShown(); ++k) {
+                const double db = channel[c].db[static_cast<std::size_t>(k)];
+                const double middle = (static_cast<double>(c) + 0.5) / columns * seconds;
+                if (db > most.db) most = {db, k * binWidth(), middle};
+            }
+        }
     }
-    if (analyser.transforms() == 0) {
+    return most;
+}
+
+Spectrogram analyse(Recording& recording, std::optional<double> band, const Progress& progress) {
+    Spectrogram s;
+    const double whole = recording.rate() / 2;
+    s.top = std::min(band.value_or(whole), whole);
+    const double ratio = std::min(1.0, s.top / whole / Resampler::passed);
+    s.resampled = ratio < 1;
+    s.rate = recording.rate() * ratio;
+    s.joined = recording.channels() > Spectrogram::channelsShown;
+    // A quarter of a window apart, and closer on a recording that is known to be short, so that
+    // every column has a window.
+    s.hop = N / 4;
+    const double expected = static_cast<double>(recording.announced()) * ratio;
+    if (expected > 0 && expected < N / 4 * static_cast<double>(Spectrogram::columns))
+        s.hop = std::max(1, static_cast<int>((expected - N) / Spectrogram::columns));
+
+    std::vector<Channel> channels;
+    for (std::size_t c = 0; c < recording.channels(); ++c) channels.emplace_back(ratio, s.hop);
+    std::vector<Panel> panels(s.joined ? 1 : channels.size());
+    constexpr std::size_t framesPerBlock = 1 << 14;
+    Recording::Block block;
+    for (bool more = true; more;) {
+        more = recording.read(framesPerBlock, block);
+        for (std::size_t c = 0; c < channels.size(); ++c)
+            panels[c % panels.size()].add(channels[c], block[c], !more);
+        for (Panel& panel : panels) panel.done();
+        progress(recording.part());
+    }
+    progress(1);
+    if (panels.front().powers.count() == 0) {
         throw BadInput("the recording is too short: one transform takes " + std::to_string(N) +
-                       " samples, and it has " + std::to_string(done));
+                       " samples" + (s.resampled ? " of the resampled band" : "") +
+                       ", and it has " + std::to_string(recording.frames()));
     }
 
-    Spectrogram s;
-    s.hop = static_cast<int>(hop);
-    s.transforms = analyser.transforms();
-    s.rate = recording.rate();
-    s.seconds = recording.seconds();
-    s.transformSeconds = analyser.seconds();
-    for (const Column& c : analyser.columns()) {
-        if (c.windows == 0) {
-            // A very short recording: the column shows what stands left of it.
-            s.db.push_back(s.db.back());
-            s.peak.push_back(s.peak.back());
-            continue;
-        }
-        std::vector<float> db;
-        for (const double power : c.power) {
-            const double mean = power / static_cast<double>(c.windows);
-            db.push_back(static_cast<float>(10 * std::log10(mean + 1e-20)));
-        }
-        s.db.push_back(std::move(db));
-        s.peak.push_back(c.peak);
-    }
+    s.seconds = static_cast<double>(recording.frames()) / recording.rate();
+    for (const Panel& panel : panels) s.channels.push_back(columnsOf(panel, s));
+    s.transforms = static_cast<std::int64_t>(panels.front().powers.count() * channels.size());
+    for (const Channel& channel : channels)
+        s.transformSeconds += std::chrono::duration<double>(channel.spent()).count();
     return s;
 }

@@ -1,15 +1,17 @@
-// What the examples' main functions share: arguments by CLI11, failures in one line.
+// What the main functions of the programs share: arguments by CLI11, failures in one line that
+// begins with the program's name, exit statuses.
 
-#ifndef EXAMPLES_PROGRAM_H
-#define EXAMPLES_PROGRAM_H
+#ifndef ORVGEN_TOOLS_PROGRAM_H
+#define ORVGEN_TOOLS_PROGRAM_H
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
+#include <cstdint>
 #include <functional>
 #include <stdexcept>
 
-// What is wrong with the input, in one line for the user.
+// What is wrong with the arguments or with what they name, in one line for the user.
 class BadInput : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
@@ -17,6 +19,8 @@ class BadInput : public std::runtime_error {
 
 // A number between the limits; CLI::Range would let a NaN pass.
 CLI::Validator within(double least, double most);
+// The same for whole numbers.
+CLI::Validator wholeWithin(std::int64_t least, std::int64_t most);
 
 // Declares and reads the arguments and runs the body. The exit status: the body's; 0 after --help;
 // 2, with one line on stderr, for wrong arguments and bad input; 1, with one line too, for what
