@@ -1,4 +1,5 @@
-// Single elements of source and destination, which may lie at any address.
+// Single elements of source and destination, which may lie at any address; and how many elements a
+// vector holds.
 #pragma once
 
 #include <cstring>
@@ -6,6 +7,10 @@
 #include "dct4/flows/complex.h"
 
 namespace orvgen::dct4 {
+
+constexpr int vectorBytes = 16;
+template <class Real>
+constexpr int lanes = vectorBytes / static_cast<int>(sizeof(Real));
 
 template <class Real>
 ORVGEN_DCT4_INLINE Real loadElement(const Real* p) {

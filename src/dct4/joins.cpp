@@ -6,18 +6,17 @@
 #include "dct4/lanes.h"
 
 namespace orvgen::dct4 {
-inline namespace ORVGEN_DCT4_NAMESPACE {
 
 namespace {
 
-using Vector = Lanes<Real>;
-
-ORVGEN_DCT4_INLINE Complex<Vector> rotateBy(Complex<Vector> z, const Real* entry) {
-    return rotate(z, loadAligned(entry), loadAligned(entry + lanes));
+template <class Real>
+ORVGEN_DCT4_INLINE Complex<Lanes<Real>> rotateBy(Complex<Lanes<Real>> z, const Real* entry) {
+    return rotate(z, loadAligned(entry), loadAligned(entry + lanes<Real>));
 }
 
-template <int R>
-[[gnu::noinline]] OrvStatus joinLoop(const JoinWalk& walk) {
+template <int R, class Real>
+[[gnu::noinline]] OrvStatus joinLoop(const JoinWalk<Real>& walk) {
+    using Vector = Lanes<Real>;
     const std::ptrdiff_t source = walk.sourceStride;
     const std::ptrdiff_t result = walk.resultStride;
     const std::ptrdiff_t component = walk.componentStride;
@@ -35,11 +34,11 @@ template <int R>
             },
             [&](Complex<Vector> z) ORVGEN_DCT4_INLINE_LAMBDA {
                 const Complex<Vector> rotated = rotateBy(z, entry);
-                entry += 2 * lanes;
+                entry += 2 * lanes<Real>;
                 return rotated;
             },
             [&](Complex<Vector> z, auto k) ORVGEN_DCT4_INLINE_LAMBDA {
-                return rotateBy(z, secondTable + 2 * lanes * (k - 1));
+                return rotateBy(z, secondTable + 2 * lanes<Real> * (k - 1));
             },
             [&](auto f, Complex<Vector> z) ORVGEN_DCT4_INLINE_LAMBDA {
                 Real* out;
@@ -62,7 +61,8 @@ template <int R>
 
 }  // namespace
 
-OrvStatus joinKernel(std::int32_t rule, const JoinWalk& walk) {
+template <class Real>
+OrvStatus joinKernel(std::int32_t rule, const JoinWalk<Real>& walk) {
     switch (rule) {
         case 1:
             return joinLoop<2>(walk);
@@ -79,5 +79,7 @@ OrvStatus joinKernel(std::int32_t rule, const JoinWalk& walk) {
     }
 }
 
-}  // namespace ORVGEN_DCT4_NAMESPACE
+template OrvStatus joinKernel(std::int32_t rule, const JoinWalk<Orv32f>& walk);
+template OrvStatus joinKernel(std::int32_t rule, const JoinWalk<Orv64f>& walk);
+
 }  // namespace orvgen::dct4

@@ -44,7 +44,7 @@ EnvList* EnvList___init__(EnvList* list, Arena* arena);
 NodeHeader* EnvList_add(EnvList* list, NodeHeader* value);
 
 // The element at an index; 0 for a negative index and where the chain ends before the index is
-// reached. An index equal to the number of list nodes is not guarded.
+// reached. The number of list nodes itself is no index to ask for.
 NodeHeader* EnvList_get(const EnvList* list, std::int32_t index);
 
 // Gives back the list nodes behind the head.

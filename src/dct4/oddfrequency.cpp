@@ -4,14 +4,12 @@
 #include "dct4/lanes.h"
 
 namespace orvgen::dct4 {
-inline namespace ORVGEN_DCT4_NAMESPACE {
 
 namespace {
 
-using Vector = Lanes<Real>;
-
-template <int n>
-[[gnu::noinline]] OrvStatus oddFrequencyLoop(const SequenceWalk& walk) {
+template <int n, class Real>
+[[gnu::noinline]] OrvStatus oddFrequencyLoop(const SequenceWalk<Real>& walk) {
+    using Vector = Lanes<Real>;
     const std::ptrdiff_t stride = walk.sampleStride;
     const std::ptrdiff_t component = walk.componentStride;
     const Real* up = walk.src + walk.a;
@@ -39,7 +37,8 @@ template <int n>
 
 }  // namespace
 
-OrvStatus oddFrequencyKernel(std::int32_t rule, const SequenceWalk& walk) {
+template <class Real>
+OrvStatus oddFrequencyKernel(std::int32_t rule, const SequenceWalk<Real>& walk) {
     switch (rule) {
         case 1:
             return oddFrequencyLoop<2>(walk);
@@ -58,5 +57,7 @@ OrvStatus oddFrequencyKernel(std::int32_t rule, const SequenceWalk& walk) {
     }
 }
 
-}  // namespace ORVGEN_DCT4_NAMESPACE
+template OrvStatus oddFrequencyKernel(std::int32_t rule, const SequenceWalk<Orv32f>& walk);
+template OrvStatus oddFrequencyKernel(std::int32_t rule, const SequenceWalk<Orv64f>& walk);
+
 }  // namespace orvgen::dct4

@@ -4,15 +4,15 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "dct4/family.h"
+#include "orvgen.h"
 
 namespace orvgen::dct4 {
-inline namespace ORVGEN_DCT4_NAMESPACE {
 
 // Sequences of one stride. The samples of a sequence's first half run up from position a, those of
 // its second half, the mirrored ones, down from a + b = 2N - 1 - a; lane l has the start l further
 // on. Results stand from position c on, real and imaginary parts alternating in steps of the
 // component stride.
+template <class Real>
 struct SequenceWalk {
     const Real* src;
     Real* dst;
@@ -25,7 +25,7 @@ struct SequenceWalk {
 };
 
 // Runs the kernel of a rule 1 to 6, size 2 to 64; any other rule gives orvErrPlan.
-OrvStatus oddFrequencyKernel(std::int32_t rule, const SequenceWalk& walk);
+template <class Real>
+OrvStatus oddFrequencyKernel(std::int32_t rule, const SequenceWalk<Real>& walk);
 
-}  // namespace ORVGEN_DCT4_NAMESPACE
 }  // namespace orvgen::dct4

@@ -16,14 +16,18 @@
 //
 // The children list of a record owns what it created, in the order of creation; a role list borrows
 // the child that plays a role, and it is through these that a run finds its way.
+//
+// Order and values of the fields are the plan's layout. A field that nothing reads is called
+// unused, with its number in the record, and holds what its comment says; a reserved pointer is 0.
 #pragma once
 
-#include "dct4/family.h"
+#include <array>
+
 #include "dct4/node.h"
 
 namespace orvgen::dct4 {
-inline namespace ORVGEN_DCT4_NAMESPACE {
 
+template <class Real>
 struct Env1 : NodeHeader {
     EnvList* children;
     EnvList* stageTwoRole;
@@ -32,8 +36,11 @@ struct Env1 : NodeHeader {
     std::int32_t rule;  // 1 to 6
     std::int32_t r;     // not set for rules 1 to 5
     std::int32_t length;
+
+    auto roles() { return std::array{&stageTwoRole, &stageOneRole}; }
 };
 
+template <class Real>
 struct Env2 : NodeHeader {
     EnvList* children;
     EnvList* kernelRole;
@@ -41,14 +48,17 @@ struct Env2 : NodeHeader {
     std::int32_t active;  // 1 once the plan is found to fit the lanes; a run skips the stage if not
     std::int32_t r;
     std::int32_t length;
-    std::int32_t blockLength;  // 2r
+    std::int32_t unused1;  // 2r
     std::int32_t m;
-    std::int32_t lengthAgain;  // N
-    std::int32_t mirror;       // 2N - 1
-    std::int32_t n;
+    std::int32_t unused2;       // N
+    std::int32_t unused3;       // 2N - 1
+    std::int32_t unused4;       // n
     const NodeHeader* twiddle;  // the envfCompose of env1, not owned
+
+    auto roles() { return std::array{&kernelRole}; }
 };
 
+template <class Real>
 struct Env3 : NodeHeader {
     EnvList* children;
     EnvList* transformRole;
@@ -56,29 +66,35 @@ struct Env3 : NodeHeader {
     std::int32_t active;
     std::int32_t n;
     std::int32_t length;
-    std::int32_t mirror;
-    std::int32_t blockLength;
+    std::int32_t unused1;  // 2N - 1
+    std::int32_t unused2;  // 2r
     std::int32_t r;
-    std::int32_t lengthAgain;
-    std::int32_t rAgain;
+    std::int32_t unused3;  // N
+    std::int32_t unused4;  // r
+
+    auto roles() { return std::array{&transformRole}; }
 };
 
+template <class Real>
 struct Env4 : NodeHeader {
     EnvList* children;  // stays empty
     Real* table;        // per group 2r vectors: cosine and sine of every p in the order of use
     std::int32_t rule;
     std::int32_t r;
-    std::int32_t length;
-    std::int32_t blockLength;
-    std::int32_t groupStride;  // 2r times the lanes
-    std::int32_t groups;       // m / lanes
-    std::int32_t lengthAgain;
-    std::int32_t mirror;
+    std::int32_t unused1;  // N
+    std::int32_t unused2;  // 2r
+    std::int32_t unused3;  // 2r times the lanes
+    std::int32_t groups;   // m / lanes
+    std::int32_t unused4;  // N
+    std::int32_t mirror;   // 2N - 1
     std::int32_t n;
     const NodeHeader* twiddle;  // the envfsplit
+
+    auto roles() { return std::array<EnvList**, 0>{}; }
 };
 
 // What env5 and env9 begin with: odd-frequency transforms of n points, by a kernel or an env7.
+template <class Real>
 struct TransformNode : NodeHeader {
     EnvList* children;  // empty where n has a kernel
     EnvList* recursionRole;
@@ -86,16 +102,20 @@ struct TransformNode : NodeHeader {
     std::int32_t rule;
     std::int32_t n;
     std::int32_t length;
+
+    auto roles() { return std::array{&recursionRole}; }
 };
 
-struct Env5 : TransformNode {
-    std::int32_t mirror;
-    std::int32_t blockLength;
-    std::int32_t groups;  // r / lanes
-    std::int32_t lengthAgain;
+template <class Real>
+struct Env5 : TransformNode<Real> {
+    std::int32_t mirror;       // 2N - 1
+    std::int32_t blockLength;  // 2r
+    std::int32_t groups;       // r / lanes
+    std::int32_t unused1;      // N
     std::int32_t r;
 };
 
+template <class Real>
 struct Env7 : NodeHeader {
     EnvList* children;
     EnvList* joinRole;
@@ -105,75 +125,76 @@ struct Env7 : NodeHeader {
     std::int32_t n;
     std::int32_t r;  // r'
     std::int32_t length;
-    std::int32_t lengthAgain;
+    std::int32_t unused1;  // N
     std::int32_t inStride;
     std::int32_t scratchLength;
     std::int32_t outStride;
+
+    auto roles() { return std::array{&joinRole, &innerRole}; }
 };
 
-// The integers of env8, as its constructor and its choice of a rule take them.
-struct Env8Sizes {
-    std::int32_t r;  // r'
-    std::int32_t length;
-    std::int32_t stride;
-    std::int32_t blockStride;  // 2r' times stride
-    std::int32_t m;            // m' = n / (2r')
-    std::int32_t lengthAgain;
-    std::int32_t half;  // n / 2
-    std::int32_t last;  // n - 1
-    std::int32_t outStride;
-    std::int32_t innerN;  // n' = n / r'
-};
-
+template <class Real>
 struct Env8 : NodeHeader {
     EnvList* children;  // stays empty
     Real* table;        // 2r' - 2 vectors for each of the m' results of an inner transform
     std::int32_t rule;
-    Env8Sizes sizes;
+    std::int32_t r;        // r'
+    std::int32_t unused1;  // N
+    std::int32_t stride;
+    std::int32_t blockStride;     // 2r' times stride
+    std::int32_t m;               // m' = n / (2r')
+    std::int32_t unused2;         // N
+    std::int32_t unused3;         // n / 2
+    std::int32_t unused4;         // n - 1
+    std::int32_t unused5;         // stride
+    std::int32_t unused6;         // n' = n / r'
     const NodeHeader* frequency;  // the envlambda
+
+    auto roles() { return std::array<EnvList**, 0>{}; }
 };
 
-struct Env9 : TransformNode {
-    std::int32_t lengthAgain;
-    std::int32_t inStride;        // from sample to sample of one sequence
-    std::int32_t sequenceStride;  // from sequence to sequence
-    std::int32_t count;           // r' sequences
-    std::int32_t lengthOnceMore;
+template <class Real>
+struct Env9 : TransformNode<Real> {
+    std::int32_t unused1;            // N
+    std::int32_t inStride;           // from sample to sample of one sequence
+    std::int32_t sequenceStride;     // from sequence to sequence
+    std::int32_t count;              // r' sequences
+    std::int32_t unused2;            // N
     std::int32_t outStride;          // from component to component of one sequence's results
     std::int32_t sequenceOutStride;  // from sequence to sequence
 };
 
+template <class Real>
 struct EnvfCompose : NodeHeader {
-    std::int32_t blockLength;   // 2r
+    std::int32_t unused1;       // 2r
     std::int32_t eightLengths;  // 8N
-    std::int32_t m;
+    std::int32_t unused2;       // m
     std::int32_t r;
     std::int32_t step;  // 2r
 };
 
+template <class Real>
 struct EnvfSplit : NodeHeader {
-    std::int32_t blockLength;  // 2r
-    std::int32_t groups;       // m / lanes
-    const NodeHeader* inner;   // not owned
+    std::int32_t unused1;     // 2r
+    std::int32_t unused2;     // m / lanes
+    const NodeHeader* inner;  // not owned
 };
 
+template <class Real>
 struct EnvLambda : NodeHeader {
     std::int32_t n;
-    std::int32_t r;
+    std::int32_t r;  // r'
 };
 
-// The sizes are part of the plan's layout: they are what a record asks of the arena.
-static_assert(sizeof(Env1) == 80);
-static_assert(sizeof(Env2) == 96);
-static_assert(sizeof(Env3) == 88);
-static_assert(sizeof(Env4) == 96);
-static_assert(sizeof(Env5) == 88);
-static_assert(sizeof(Env7) == 96);
-static_assert(sizeof(Env8) == 104);
-static_assert(sizeof(Env9) == 96);
-static_assert(sizeof(EnvLambda) == 40);
-static_assert(sizeof(EnvfSplit) == 48);
-static_assert(sizeof(EnvfCompose) == 56);
+// The sizes are part of the layout too: they are what a record asks of the arena.
+template <class Real>
+constexpr bool recordsHaveTheirSizes = sizeof(Env1<Real>) == 80 && sizeof(Env2<Real>) == 96 &&
+                                       sizeof(Env3<Real>) == 88 && sizeof(Env4<Real>) == 96 &&
+                                       sizeof(Env5<Real>) == 88 && sizeof(Env7<Real>) == 96 &&
+                                       sizeof(Env8<Real>) == 104 && sizeof(Env9<Real>) == 96 &&
+                                       sizeof(EnvLambda<Real>) == 40 &&
+                                       sizeof(EnvfSplit<Real>) == 48 &&
+                                       sizeof(EnvfCompose<Real>) == 56;
+static_assert(recordsHaveTheirSizes<float> && recordsHaveTheirSizes<double>);
 
-}  // namespace ORVGEN_DCT4_NAMESPACE
 }  // namespace orvgen::dct4

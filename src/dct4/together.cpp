@@ -14,35 +14,34 @@
 #include "dct4/radix.h"
 
 namespace orvgen::dct4 {
-inline namespace ORVGEN_DCT4_NAMESPACE {
 
 namespace {
 
 // A kernel has at most 64 real results.
+template <class Real>
 class Rows {
   public:
-    static constexpr std::int32_t width = sequencesTogether;
-
-    Real* row(std::int32_t k) { return elements_ + k * width; }
+    Real* row(std::int32_t k) { return elements_ + k * sequencesTogether; }
 
     void putRow(std::int32_t k, Real* to) {
         const Real* from = row(k);
-        unroll<width / lanes>([&](auto i) ORVGEN_DCT4_INLINE_LAMBDA {
-            storeAligned(to + i * lanes, loadAligned(from + i * lanes));
+        unroll<sequencesTogether / lanes<Real>>([&](auto i) ORVGEN_DCT4_INLINE_LAMBDA {
+            storeAligned(to + i * lanes<Real>, loadAligned(from + i * lanes<Real>));
         });
     }
 
   private:
-    alignas(64) Real elements_[64 * width];
+    alignas(64) Real elements_[64 * sequencesTogether];
 };
 
+template <class Real>
 [[gnu::noinline]] OrvStatus kernelsTogether(std::int32_t rule, std::int32_t n,
-                                            const SequenceWalk& walk) {
-    Rows rows;
-    SequenceWalk toRows = walk;
+                                            const SequenceWalk<Real>& walk) {
+    Rows<Real> rows;
+    SequenceWalk<Real> toRows = walk;
     toRows.dst = rows.row(0);
     toRows.c = 0;
-    toRows.componentStride = Rows::width;
+    toRows.componentStride = sequencesTogether;
     const OrvStatus status = oddFrequencyKernel(rule, toRows);
     if (status != orvOk) {
         return status;
@@ -53,19 +52,20 @@ class Rows {
     return orvOk;
 }
 
-[[gnu::noinline]] OrvStatus joinsTogether(const Env8& join, Real* dst, const Real* src) {
-    Rows rows;
-    const std::int32_t r = join.sizes.r;
-    JoinWalk one = joinWalk(join, dst, src);
-    for (std::int32_t d = 0; d < join.sizes.m; ++d) {
-        JoinWalk toRows = one;
-        toRows.sourceStep = toRows.upStep = toRows.downStep = lanes;
+template <class Real>
+[[gnu::noinline]] OrvStatus joinsTogether(const Env8<Real>& join, Real* dst, const Real* src) {
+    Rows<Real> rows;
+    const std::int32_t r = join.r;
+    JoinWalk<Real> one = joinWalk(join, dst, src);
+    for (std::int32_t d = 0; d < join.m; ++d) {
+        JoinWalk<Real> toRows = one;
+        toRows.sourceStep = toRows.upStep = toRows.downStep = lanes<Real>;
         toRows.firstStep = toRows.secondStep = 0;
         toRows.up = rows.row(0);
         toRows.down = rows.row(r);
-        toRows.resultStride = 2 * Rows::width;
-        toRows.componentStride = Rows::width;
-        toRows.count = Rows::width / lanes;
+        toRows.resultStride = 2 * sequencesTogether;
+        toRows.componentStride = sequencesTogether;
+        toRows.count = sequencesTogether / lanes<Real>;
         const OrvStatus status = joinKernel(join.rule, toRows);
         if (status != orvOk) {
             return status;
@@ -85,33 +85,35 @@ class Rows {
 
 }  // namespace
 
-OrvStatus computeTogether(const Env7* level, const SequenceWalk& groups) {
-    if (level->active != 1) {
+template <class Real>
+OrvStatus computeTogether(const Env7<Real>& level, const SequenceWalk<Real>& groups) {
+    if (level.active != 1) {
         return orvErrPlan;
     }
-    const Env9* inner = static_cast<const Env9*>(EnvList_get(level->innerRole, 0));
-    for (std::int32_t i = 0; i < inner->count; ++i) {
-        SequenceWalk walk = groups;
-        walk.dst = level->scratch;
-        walk.a += i * inner->sequenceStride;
-        walk.b -= 2 * i * inner->sequenceStride;
-        walk.c += i * inner->sequenceOutStride;
-        walk.sampleStride = inner->inStride;
-        walk.componentStride = inner->outStride;
+    const auto& inner = childOf<Env9<Real>>(level.innerRole);
+    for (std::int32_t i = 0; i < inner.count; ++i) {
+        SequenceWalk<Real> walk = groups;
+        walk.dst = level.scratch;
+        walk.a += i * inner.sequenceStride;
+        walk.b -= 2 * i * inner.sequenceStride;
+        walk.c += i * inner.sequenceOutStride;
+        walk.sampleStride = inner.inStride;
+        walk.componentStride = inner.outStride;
         OrvStatus status;
-        if (inner->rule == recursionRule) {
-            const Env7* next = static_cast<const Env7*>(EnvList_get(inner->recursionRole, 0));
-            status = computeTogether(next, walk);
+        if (inner.rule == recursionRule) {
+            status = computeTogether(childOf<Env7<Real>>(inner.recursionRole), walk);
         } else {
-            status = kernelsTogether(inner->rule, inner->n, walk);
+            status = kernelsTogether(inner.rule, inner.n, walk);
         }
         if (status != orvOk) {
             return status;
         }
     }
-    const Env8* join = static_cast<const Env8*>(EnvList_get(level->joinRole, 0));
-    return joinsTogether(*join, groups.dst + groups.c, level->scratch + groups.c);
+    const auto& join = childOf<Env8<Real>>(level.joinRole);
+    return joinsTogether(join, groups.dst + groups.c, level.scratch + groups.c);
 }
 
-}  // namespace ORVGEN_DCT4_NAMESPACE
+template OrvStatus computeTogether(const Env7<Orv32f>&, const SequenceWalk<Orv32f>&);
+template OrvStatus computeTogether(const Env7<Orv64f>&, const SequenceWalk<Orv64f>&);
+
 }  // namespace orvgen::dct4

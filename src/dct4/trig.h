@@ -14,4 +14,10 @@ double orvgCosPi_64f(double x);
 double orvgSinPi_64f(double x);
 }
 
+// The same by the type of x.
+inline float cosPi(float x) { return orvgCosPi_32f(x); }
+inline float sinPi(float x) { return orvgSinPi_32f(x); }
+inline double cosPi(double x) { return orvgCosPi_64f(x); }
+inline double sinPi(double x) { return orvgSinPi_64f(x); }
+
 }  // namespace orvgen::dct4

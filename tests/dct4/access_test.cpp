@@ -35,9 +35,9 @@ TEST(Access, StaysInsideExactArrays) {
             std::memcpy(src, x.data(), bytes);
             source.setReadOnly(true);
             Spec* spec = nullptr;
-            EXPECT_EQ(faultOf([&] { return EXPORTED(DCT4Init)(&spec, N, block); }, block), "") << N;
+            EXPECT_EQ(faultOf([&] { return Exported::init(&spec, N, block); }, block), "") << N;
             ASSERT_NE(spec, nullptr);
-            EXPECT_EQ(faultOf([&] { return EXPORTED(DCT4)(src, dst, spec); }, src), "") << N;
+            EXPECT_EQ(faultOf([&] { return Exported::run(src, dst, spec); }, src), "") << N;
             EXPECT_EQ(std::memcmp(dst, expected.data(), bytes), 0) << N;
         }
     }
@@ -57,7 +57,7 @@ TEST(Access, ReadsOfAShortPlanTheRuleAlone) {
             auto* spec = reinterpret_cast<Spec*>(at - ruleAt);
             std::vector<Real> y(x.size());
             Real* dst = y.data();
-            EXPECT_EQ(faultOf([&] { return EXPORTED(DCT4)(x.data(), dst, spec); }, spec), "") << N;
+            EXPECT_EQ(faultOf([&] { return Exported::run(x.data(), dst, spec); }, spec), "") << N;
             EXPECT_TRUE(sameBits(y, expected)) << N;
         }
     }
@@ -119,11 +119,12 @@ TEST(Together, GivesTheBitsOfOneAfterTheOther) {
             clear(plan), clear(other);
             const Env5& node = *other.env5();
             const std::int32_t r = node.r;
-            EXPECT_EQ(worthTogether(r, N), N * static_cast<std::int32_t>(sizeof(Real)) > 32768);
-            EXPECT_EQ(FAMILY(env5_compute)(plan.env5(), plan.top()->scratch, x.data()), orvOk);
+            EXPECT_EQ(worthTogether<Real>(r, N),
+                      N * static_cast<std::int32_t>(sizeof(Real)) > 32768);
+            EXPECT_EQ(Operations<Env5>::compute(plan.env5(), plan.top()->scratch, x.data()), orvOk);
             for (std::int32_t p = 0; p < r; p += lanes) {
-                EXPECT_EQ(FAMILY(env7_compute)(other.levels().at(0), other.top()->scratch, x.data(),
-                                               p, 2 * N - 1 - 2 * p, p),
+                EXPECT_EQ(Operations<Env7>::compute(other.levels().at(0), other.top()->scratch,
+                                                    x.data(), p, 2 * N - 1 - 2 * p, p),
                           orvOk);
             }
             const std::vector<std::vector<Real>> found = arraysOf(plan), expected = arraysOf(other);
@@ -138,7 +139,7 @@ TEST(Together, GivesTheBitsOfOneAfterTheOther) {
 TEST(Together, HandsOnTheStatusOfANodeThatRefuses) {
     Plan plan(131072);
     const std::vector<Real> x = randomVector(131072, 6);
-    ASSERT_TRUE(worthTogether(plan.env5()->r, 131072));
+    ASSERT_TRUE(worthTogether<Real>(plan.env5()->r, 131072));
     ASSERT_EQ(plan.levels().size(), 2U);
     for (Env7* level : plan.levels()) {
         expectRefusal(plan, x, level->active, 0);

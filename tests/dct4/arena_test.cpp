@@ -116,12 +116,6 @@ TEST_F(ListTest, GetOutsideTheChainIsZero) {
     EXPECT_EQ(EnvList_get(list, 100), nullptr);
 }
 
-using ListDeathTest = ListTest;
-TEST_F(ListDeathTest, GetAtTheNumberOfNodesIsNotGuarded) {
-    EnvList_add(list, &a);
-    EXPECT_DEATH(EnvList_get(list, 1), "");
-}
-
 TEST_F(ListTest, DelGivesBackWhatStandsBehindTheHead) {
     for (Element* element : {&a, &b, &c}) EnvList_add(list, element);
     EnvList___del__(list);

@@ -21,10 +21,10 @@ TEST(Init, RefusesNullBeforeItLooksAtTheLength) {
     const std::vector<std::uint8_t> before = block.copy();
     for (const std::int32_t N : {2, 64, 0, -1, 100, 2147483647}) {
         Spec* spec = reinterpret_cast<Spec*>(&block);
-        EXPECT_EQ(EXPORTED(DCT4Init)(&spec, N, nullptr), orvErrNullPtr);
+        EXPECT_EQ(Exported::init(&spec, N, nullptr), orvErrNullPtr);
         EXPECT_EQ(spec, reinterpret_cast<Spec*>(&block));
-        EXPECT_EQ(EXPORTED(DCT4Init)(nullptr, N, block.data()), orvErrNullPtr);
-        EXPECT_EQ(EXPORTED(DCT4Init)(nullptr, N, nullptr), orvErrNullPtr);
+        EXPECT_EQ(Exported::init(nullptr, N, block.data()), orvErrNullPtr);
+        EXPECT_EQ(Exported::init(nullptr, N, nullptr), orvErrNullPtr);
     }
     EXPECT_TRUE(sameBits(before, block.copy()));
 }
@@ -62,10 +62,10 @@ TEST(Init, AcceptsTheLengthsThatHaveASize) {
     int refusals = 0;
     for (std::int32_t N = -5; N <= 70000; ++N) {
         std::int32_t size = 0;
-        const OrvStatus sized = EXPORTED(DCT4GetSize)(N, &size);
+        const OrvStatus sized = Exported::getSize(N, &size);
         Spec* const before = reinterpret_cast<Spec*>(&block);
         Spec* spec = before;
-        const OrvStatus status = EXPORTED(DCT4Init)(&spec, N, block.data());
+        const OrvStatus status = Exported::init(&spec, N, block.data());
         EXPECT_EQ(status, sized) << N;
         EXPECT_EQ(spec == before, status != orvOk) << N;
         refusals += status == orvErrSize;
@@ -73,7 +73,7 @@ TEST(Init, AcceptsTheLengthsThatHaveASize) {
     EXPECT_GT(refusals, 69000);
     for (const std::int32_t N : {-2147483647 - 1, -64, 2147483647}) {
         Spec* spec = nullptr;
-        EXPECT_EQ(EXPORTED(DCT4Init)(&spec, N, block.data()), orvErrSize);
+        EXPECT_EQ(Exported::init(&spec, N, block.data()), orvErrSize);
         EXPECT_EQ(spec, nullptr);
     }
 }
@@ -82,14 +82,14 @@ TEST(Run, RefusesNullPointers) {
     Plan plan(4);
     std::vector<Real> x = randomVector(4, 1), y(4, static_cast<Real>(-7));
     const std::vector<Real> untouched = y;
-    EXPECT_EQ(EXPORTED(DCT4)(nullptr, y.data(), plan.spec), orvErrNullPtr);
-    EXPECT_EQ(EXPORTED(DCT4)(x.data(), nullptr, plan.spec), orvErrNullPtr);
-    EXPECT_EQ(EXPORTED(DCT4)(x.data(), y.data(), nullptr), orvErrNullPtr);
-    EXPECT_EQ(EXPORTED(DCT4)(nullptr, nullptr, nullptr), orvErrNullPtr);
+    EXPECT_EQ(Exported::run(nullptr, y.data(), plan.spec), orvErrNullPtr);
+    EXPECT_EQ(Exported::run(x.data(), nullptr, plan.spec), orvErrNullPtr);
+    EXPECT_EQ(Exported::run(x.data(), y.data(), nullptr), orvErrNullPtr);
+    EXPECT_EQ(Exported::run(nullptr, nullptr, nullptr), orvErrNullPtr);
     EXPECT_TRUE(sameBits(y, untouched));
     // A null pointer comes before an unknown rule.
     plan.top()->rule = 9;
-    EXPECT_EQ(EXPORTED(DCT4)(nullptr, y.data(), plan.spec), orvErrNullPtr);
+    EXPECT_EQ(Exported::run(nullptr, y.data(), plan.spec), orvErrNullPtr);
 }
 
 TEST(Run, RefusesUnknownRules) {
@@ -292,7 +292,7 @@ TEST(Destruction, GivesBackWhatBuildingTook) {
         }
         for (const std::int32_t N : lengths) {
             Plan plan(N, remainder);
-            FAMILY(env1___del__)(plan.top());
+            Operations<Env1>::del(plan.top());
             orvgArenaFree(plan.block.arena(), plan.top(), sizeof(Env1));
             EXPECT_EQ(plan.block.used(), 64 - remainder) << N;
         }
@@ -303,7 +303,7 @@ TEST(Destruction, GivesBackWhatBuildingTook) {
 TEST(Destruction, SkipsTheScratchOfAnUnknownRule) {
     Plan plan(64);
     plan.top()->rule = 7;
-    FAMILY(env1___del__)(plan.top());
+    Operations<Env1>::del(plan.top());
     orvgArenaFree(plan.block.arena(), plan.top(), sizeof(Env1));
     EXPECT_EQ(plan.block.used(), 64 + 64 * sizeof(Real));
 }
@@ -319,7 +319,6 @@ TEST(LengthPlusOne, IsAcceptedAndRun) {
     }
 }
 
-#if ORVGEN_DCT4_FAMILY == 32
 TEST(LengthPlusOne, WritesTheListedPlacesAt33) {
     Plan plan(33);
     const std::vector<Real> x = randomVector(34, 9);
@@ -333,7 +332,6 @@ TEST(LengthPlusOne, WritesTheListedPlacesAt33) {
     for (long i = 34; i < 50; ++i) expected.push_back(i);
     EXPECT_EQ(unwritten, expected);
 }
-#endif
 
 }  // namespace
 }  // namespace orvgen::test::dct4

@@ -118,16 +118,15 @@ TEST(Kernels, OfTheFirstStage) {
             const std::int32_t r = groups * lanes, N = r * n;
             Block block(4096);
             Arena* arena = block.makeArena();
-            Env5* node = FAMILY(env5___init__)(orvgArenaMalloc(arena, sizeof(Env5)), arena, n, N,
-                                               2 * N - 1, 2 * r, groups, N, r);
-            ASSERT_EQ(FAMILY(env5_plan)(node), 0);
+            Env5* node = make<Env5>(arena, n, N, r);
+            ASSERT_EQ(Operations<Env5>::plan(node), 0);
             EXPECT_EQ(node->rule, table("odd_frequency").row("n", n).integer("rule"));
             for (const std::size_t offset : {0U, 1U, 2U, 3U}) {
                 compare(
                     N, "first stage " + std::to_string(n),
                     [&](const std::vector<Real>& x) {
                         Offset src(x, offset), dst(std::vector<Real>(x.size(), pattern), 0);
-                        EXPECT_EQ(FAMILY(env5_compute)(node, dst.data(), src.data()), orvOk);
+                        EXPECT_EQ(Operations<Env5>::compute(node, dst.data(), src.data()), orvOk);
                         return dst.take();
                     },
                     [&](const std::vector<Real>& x) {
@@ -149,9 +148,8 @@ TEST(Kernels, OfTheInnerTransforms) {
         const std::int32_t in = 2 * r, out = r;
         Block block(4096);
         Arena* arena = block.makeArena();
-        Env9* node = FAMILY(env9___init__)(orvgArenaMalloc(arena, sizeof(Env9)), arena, n, N, N,
-                                           count * in, in, count, N, count * out, out);
-        ASSERT_EQ(FAMILY(env9_plan)(node), 0);
+        Env9* node = make<Env9>(arena, n, N, count, in, out);
+        ASSERT_EQ(Operations<Env9>::plan(node), 0);
         EXPECT_EQ(node->rule, table("odd_frequency").row("n", n).integer("rule"));
         for (const std::int32_t a : {0, +lanes}) {
             for (const std::size_t offset : {0U, 1U}) {
@@ -159,8 +157,8 @@ TEST(Kernels, OfTheInnerTransforms) {
                     N, "inner " + std::to_string(n),
                     [&](const std::vector<Real>& x) {
                         Offset src(x, offset), dst(std::vector<Real>(x.size(), pattern), 0);
-                        EXPECT_EQ(FAMILY(env9_compute)(node, dst.data(), src.data(), a,
-                                                       2 * N - 1 - 2 * a, a),
+                        EXPECT_EQ(Operations<Env9>::compute(node, dst.data(), src.data(), a,
+                                                            2 * N - 1 - 2 * a, a),
                                   orvOk);
                         return dst.take();
                     },
@@ -182,14 +180,12 @@ TEST(Kernels, OfTheInnerTransforms) {
 TEST(Kernels, OfTheSecondStage) {
     forSizes<1, 2, 4, 8, 16, 32>([](auto r) {
         for (const std::int32_t groups : {1, 2, 5}) {
-            const std::int32_t m = groups * lanes, N = 2 * r * m, n = 2 * m;
+            const std::int32_t m = groups * lanes, N = 2 * r * m;
             Block block(1 << 16);
             Arena* arena = block.makeArena();
-            auto* compose = FAMILY(envfCompose___init__)(
-                orvgArenaMalloc(arena, sizeof(EnvfCompose)), arena, 2 * r, 8 * N, m, r, 2 * r);
-            Env2* stage = FAMILY(env2___init__)(orvgArenaMalloc(arena, sizeof(Env2)), arena, r, N,
-                                                2 * r, m, N, 2 * N - 1, n, compose);
-            ASSERT_EQ(FAMILY(env2_plan)(stage), 0);
+            auto* compose = make<EnvfCompose>(arena, r, N);
+            Env2* stage = make<Env2>(arena, r, N, compose);
+            ASSERT_EQ(Operations<Env2>::plan(stage), 0);
             const auto* node = static_cast<const Env4*>(EnvList_get(stage->kernelRole, 0));
             EXPECT_EQ(node->rule, table("stage_two").row("r", r).integer("rule"));
             for (const std::size_t offset : {0U, 1U, 2U, 3U}) {
@@ -197,7 +193,7 @@ TEST(Kernels, OfTheSecondStage) {
                     N, "second stage " + std::to_string(r),
                     [&](const std::vector<Real>& t) {
                         Offset src(t, 0), dst(std::vector<Real>(t.size(), pattern), offset);
-                        EXPECT_EQ(FAMILY(env4_compute)(node, dst.data(), src.data()), orvOk);
+                        EXPECT_EQ(Operations<Env4>::compute(node, dst.data(), src.data()), orvOk);
                         return dst.take();
                     },
                     [&](const std::vector<Real>& t) {
@@ -233,12 +229,9 @@ TEST(Kernels, OfTheJoins) {
             const std::int32_t n = 2 * m * r, stride = 2 * lanes, N = n * stride;
             Block block(1 << 17);
             Arena* arena = block.makeArena();
-            auto* lambda =
-                FAMILY(envlambda___init__)(orvgArenaMalloc(arena, sizeof(EnvLambda)), arena, n, r);
-            const Env8Sizes sizes{r, N, stride, 2 * r * stride, m, N, n / 2, n - 1, stride, n / r};
-            Env8* node =
-                FAMILY(env8___init__)(orvgArenaMalloc(arena, sizeof(Env8)), arena, &sizes, lambda);
-            ASSERT_EQ(FAMILY(env8_plan)(node), 0);
+            auto* lambda = make<EnvLambda>(arena, n, r);
+            Env8* node = make<Env8>(arena, n, r, N, stride, lambda);
+            ASSERT_EQ(Operations<Env8>::plan(node), 0);
             EXPECT_EQ(node->rule, table("joins").row("r", r).integer("rule"));
             for (const std::int32_t from : {0, +lanes}) {
                 for (const std::int32_t to : {0, +lanes}) {
@@ -246,8 +239,9 @@ TEST(Kernels, OfTheJoins) {
                         N, "join " + std::to_string(r),
                         [&](const std::vector<Real>& z) {
                             Offset src(z, 0), dst(std::vector<Real>(z.size(), pattern), 0);
-                            EXPECT_EQ(FAMILY(env8_compute)(node, dst.data(), src.data(), from, to),
-                                      orvOk);
+                            EXPECT_EQ(
+                                Operations<Env8>::compute(node, dst.data(), src.data(), from, to),
+                                orvOk);
                             return dst.take();
                         },
                         [&](const std::vector<Real>& z) {
@@ -311,20 +305,23 @@ TEST(Kernels, RefuseUnknownRulesWithDstUntouched) {
                 rule = before;
                 EXPECT_TRUE(sameBits(dst, untouched));
             };
-        expectRefusals(plan.env4()->rule, {-1, 0, 7, 1000},
-                       [&] { return FAMILY(env4_compute)(plan.env4(), dst.data(), x.data()); });
-        expectRefusals(plan.env5()->rule, {-1, 0, 8, 1000},
-                       [&] { return FAMILY(env5_compute)(plan.env5(), dst.data(), x.data()); });
+        expectRefusals(plan.env4()->rule, {-1, 0, 7, 1000}, [&] {
+            return Operations<Env4>::compute(plan.env4(), dst.data(), x.data());
+        });
+        expectRefusals(plan.env5()->rule, {-1, 0, 8, 1000}, [&] {
+            return Operations<Env5>::compute(plan.env5(), dst.data(), x.data());
+        });
         for (Env7* level : plan.levels()) {
             Env8* join = Plan::child<Env8>(level->joinRole);
             Env9* inner = Plan::child<Env9>(level->innerRole);
-            expectRefusals(join->rule, {-1, 0, 6, 1000},
-                           [&] { return FAMILY(env8_compute)(join, dst.data(), x.data(), 0, 0); });
+            expectRefusals(join->rule, {-1, 0, 6, 1000}, [&] {
+                return Operations<Env8>::compute(join, dst.data(), x.data(), 0, 0);
+            });
             expectRefusals(inner->rule, {-1, 0, 8, 1000}, [&] {
-                return FAMILY(env9_compute)(inner, dst.data(), x.data(), 0, 2 * N - 1, 0);
+                return Operations<Env9>::compute(inner, dst.data(), x.data(), 0, 2 * N - 1, 0);
             });
             expectRefusals(level->active, {-1, 0, 2, 1000}, [&] {
-                return FAMILY(env7_compute)(level, dst.data(), x.data(), 0, 2 * N - 1, 0);
+                return Operations<Env7>::compute(level, dst.data(), x.data(), 0, 2 * N - 1, 0);
             });
         }
     }
@@ -335,13 +332,12 @@ TEST(Kernels, TwoPointTransformNegatesTheMirroredSample) {
     const std::int32_t r = lanes, N = 2 * r;
     Block block(4096);
     Arena* arena = block.makeArena();
-    Env5* node = FAMILY(env5___init__)(orvgArenaMalloc(arena, sizeof(Env5)), arena, 2, N, 2 * N - 1,
-                                       2 * r, 1, N, r);
-    ASSERT_EQ(FAMILY(env5_plan)(node), 0);
+    Env5* node = make<Env5>(arena, 2, N, r);
+    ASSERT_EQ(Operations<Env5>::plan(node), 0);
     std::vector<Real> x = randomVector(N, 1);
     x[static_cast<std::size_t>(N - 1)] = 0;  // w_0[-1]
     Offset src(x, 0), dst(x, 0);
-    EXPECT_EQ(FAMILY(env5_compute)(node, dst.data(), src.data()), orvOk);
+    EXPECT_EQ(Operations<Env5>::compute(node, dst.data(), src.data()), orvOk);
     for (std::int32_t p = 0; p < r; ++p) {
         EXPECT_EQ(dst.data()[p], x[static_cast<std::size_t>(p)]);
         EXPECT_EQ(dst.data()[r + p], -x[static_cast<std::size_t>(N - 1 - p)]);
@@ -355,7 +351,7 @@ TEST(Stages, OfLength64) {
     std::vector<Real> x(64), t(64, pattern);
     x[0] = 1;
     Offset scratch(t, 0);
-    EXPECT_EQ(FAMILY(env5_compute)(plan.env5(), scratch.data(), x.data()), orvOk);
+    EXPECT_EQ(Operations<Env5>::compute(plan.env5(), scratch.data(), x.data()), orvOk);
     t = scratch.take();
     for (const std::size_t one : {0U, 16U, 32U, 48U}) EXPECT_EQ(t[one], Real{1});
     EXPECT_EQ(t[8], Real{0});
@@ -365,7 +361,7 @@ TEST(Stages, OfLength64) {
         std::vector<Real> unit(64), y(64);
         unit[i] = 1;
         Offset src(unit, 0);
-        EXPECT_EQ(FAMILY(env4_compute)(plan.env4(), y.data(), src.data()), orvOk);
+        EXPECT_EQ(Operations<Env4>::compute(plan.env4(), y.data(), src.data()), orvOk);
         for (std::size_t k = 0; k < 64; ++k) {
             if (y[k] == Real{0}) continue;
             const long from = static_cast<long>(i / 16);

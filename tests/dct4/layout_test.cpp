@@ -57,11 +57,11 @@ void expectFieldsOfTheStages() {
     env2.expect("active", &Env2::active);
     env2.expect("r", &Env2::r);
     env2.expect("N", &Env2::length);
-    env2.expect("2r", &Env2::blockLength);
+    env2.expect("2r", &Env2::unused1);
     env2.expect("m", &Env2::m);
-    env2.expect("N again", &Env2::lengthAgain);
-    env2.expect("2N-1", &Env2::mirror);
-    env2.expect("n", &Env2::n);
+    env2.expect("N again", &Env2::unused2);
+    env2.expect("2N-1", &Env2::unused3);
+    env2.expect("n", &Env2::unused4);
     env2.expect("twiddle", &Env2::twiddle);
     Fields env3("env3");
     env3.expect("children", &Env3::children);
@@ -70,21 +70,21 @@ void expectFieldsOfTheStages() {
     env3.expect("active", &Env3::active);
     env3.expect("n", &Env3::n);
     env3.expect("N", &Env3::length);
-    env3.expect("2N-1", &Env3::mirror);
-    env3.expect("2r", &Env3::blockLength);
+    env3.expect("2N-1", &Env3::unused1);
+    env3.expect("2r", &Env3::unused2);
     env3.expect("r", &Env3::r);
-    env3.expect("N again", &Env3::lengthAgain);
-    env3.expect("r again", &Env3::rAgain);
+    env3.expect("N again", &Env3::unused3);
+    env3.expect("r again", &Env3::unused4);
     Fields env4("env4");
     env4.expect("children", &Env4::children);
     env4.expect("table", &Env4::table);
     env4.expect("rule", &Env4::rule);
     env4.expect("r", &Env4::r);
-    env4.expect("N", &Env4::length);
-    env4.expect("2r", &Env4::blockLength);
-    env4.expect("group_stride", &Env4::groupStride);
+    env4.expect("N", &Env4::unused1);
+    env4.expect("2r", &Env4::unused2);
+    env4.expect("group_stride", &Env4::unused3);
     env4.expect("groups", &Env4::groups);
-    env4.expect("N again", &Env4::lengthAgain);
+    env4.expect("N again", &Env4::unused4);
     env4.expect("2N-1", &Env4::mirror);
     env4.expect("n", &Env4::n);
     env4.expect("function", &Env4::twiddle);
@@ -98,7 +98,7 @@ void expectFieldsOfTheStages() {
     env5.expect("2N-1", &Env5::mirror);
     env5.expect("2r", &Env5::blockLength);
     env5.expect("groups", &Env5::groups);
-    env5.expect("N again", &Env5::lengthAgain);
+    env5.expect("N again", &Env5::unused1);
     env5.expect("r", &Env5::r);
 }
 
@@ -133,14 +133,14 @@ void expectFieldsOfTheRest() {
     list.expect("next", &EnvList::next);
     list.expect("arena", &EnvList::arena);
     Fields compose("envfCompose");
-    compose.expect("2r", &EnvfCompose::blockLength);
+    compose.expect("2r", &EnvfCompose::unused1);
     compose.expect("8N", &EnvfCompose::eightLengths);
-    compose.expect("m", &EnvfCompose::m);
+    compose.expect("m", &EnvfCompose::unused2);
     compose.expect("r", &EnvfCompose::r);
     compose.expect("step", &EnvfCompose::step);
     Fields split("envfsplit");
-    split.expect("2r", &EnvfSplit::blockLength);
-    split.expect("groups", &EnvfSplit::groups);
+    split.expect("2r", &EnvfSplit::unused1);
+    split.expect("groups", &EnvfSplit::unused2);
     split.expect("function", &EnvfSplit::inner);
     Fields lambda("envlambda");
     lambda.expect("n", &EnvLambda::n);
@@ -189,7 +189,7 @@ class Pieces {
             add(join, sizeof(Env8), "env8");
             add(EnvList_get(level->children, 0), sizeof(EnvLambda), "envlambda");
             heads({join->children});
-            const std::int32_t vectors = join->sizes.m * (2 * join->sizes.r - 2);
+            const std::int32_t vectors = join->m * (2 * join->r - 2);
             add(join->table, 16 * static_cast<std::size_t>(vectors), "table");
             Env9* inner = Plan::child<Env9>(level->innerRole);
             add(inner, sizeof(Env9), "env9");
@@ -265,7 +265,7 @@ TEST(Layout, OfAFailedBuild) {
     for (const Failure& failure : failures) {
         Block block(1 << 20);
         Spec* spec = nullptr;
-        EXPECT_EQ(EXPORTED(DCT4Init)(&spec, failure.length, block.data()), orvErrSize);
+        EXPECT_EQ(Exported::init(&spec, failure.length, block.data()), orvErrSize);
         const auto bytes =
             orvgAlignSize32Bytes(static_cast<std::uint64_t>(failure.length) * sizeof(Real));
         EXPECT_EQ(block.arena()->bump(), reinterpret_cast<std::uint64_t>(block.data()) + 64 -

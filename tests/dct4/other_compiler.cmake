@@ -14,23 +14,18 @@ endif()
 # The product's flags for C++, without the generator expressions around them.
 string(REGEX MATCHALL "-f[A-Za-z-]+(=[a-z]+)?" flags "${ORVGEN_PRODUCT_FLAGS}")
 set(objects "")
-foreach(room orvgen_dct4 orvgen_dct4_32f orvgen_dct4_64f)
-    get_target_property(sources ${room} SOURCES)
-    get_target_property(folder ${room} SOURCE_DIR)
-    string(REGEX MATCH "[0-9]+f$" width ${room})
-    string(REPLACE "f" "" width "${width}")
-    foreach(source IN LISTS sources)
-        set(object ${CMAKE_CURRENT_BINARY_DIR}/other/${room}_${source}.o)
-        add_custom_command(
-            OUTPUT ${object}
-            COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_CURRENT_BINARY_DIR}/other
-            COMMAND ${other} -std=c++20 -O2 ${flags} -I${PROJECT_SOURCE_DIR}/include
-                    -I${PROJECT_SOURCE_DIR}/src "$<$<BOOL:${width}>:-DORVGEN_DCT4_FAMILY=${width}>"
-                    -MD -MF ${object}.d -c ${folder}/${source} -o ${object}
-            DEPENDS ${folder}/${source} DEPFILE ${object}.d
-            COMMAND_EXPAND_LISTS VERBATIM)
-        list(APPEND objects ${object})
-    endforeach()
+get_target_property(sources orvgen_dct4 SOURCES)
+get_target_property(folder orvgen_dct4 SOURCE_DIR)
+foreach(source IN LISTS sources)
+    set(object ${CMAKE_CURRENT_BINARY_DIR}/other/${source}.o)
+    add_custom_command(
+        OUTPUT ${object}
+        COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_CURRENT_BINARY_DIR}/other
+        COMMAND ${CMAKE_CXX_COMPILER_LAUNCHER} ${other} -std=c++20 -O2 ${flags} -I${PROJECT_SOURCE_DIR}/include
+                -I${PROJECT_SOURCE_DIR}/src -MD -MF ${object}.d -c ${folder}/${source} -o ${object}
+        DEPENDS ${folder}/${source} DEPFILE ${object}.d
+        VERBATIM)
+    list(APPEND objects ${object})
 endforeach()
 set(library ${CMAKE_CURRENT_BINARY_DIR}/other/libdct4.so)
 add_custom_command(

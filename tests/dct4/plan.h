@@ -1,4 +1,5 @@
-// Plans for the tests of one family (ORVGEN_DCT4_FAMILY says which), with a view of their nodes.
+// Plans for the tests of one family (ORVGEN_DCT4_REAL is its element type), with a view of their
+// nodes.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -11,7 +12,10 @@
 #include <type_traits>
 #include <vector>
 
-#include "dct4/operations.h"
+#include "dct4/elements.h"
+#include "dct4/exported.h"
+#include "dct4/family32f.h"
+#include "dct4/family64f.h"
 #include "dct4/radix.h"
 #include "support/data_table.h"
 
@@ -19,9 +23,24 @@ namespace orvgen::test::dct4 {
 
 using namespace orvgen::dct4;
 
-constexpr int familyBits = ORVGEN_DCT4_FAMILY;
+using Real = ORVGEN_DCT4_REAL;
+using Exported = ExportedOf<Real>;
+using Spec = Exported::Spec;
+using Env1 = orvgen::dct4::Env1<Real>;
+using Env2 = orvgen::dct4::Env2<Real>;
+using Env3 = orvgen::dct4::Env3<Real>;
+using Env4 = orvgen::dct4::Env4<Real>;
+using Env5 = orvgen::dct4::Env5<Real>;
+using Env7 = orvgen::dct4::Env7<Real>;
+using Env8 = orvgen::dct4::Env8<Real>;
+using Env9 = orvgen::dct4::Env9<Real>;
+using EnvfCompose = orvgen::dct4::EnvfCompose<Real>;
+using EnvfSplit = orvgen::dct4::EnvfSplit<Real>;
+using EnvLambda = orvgen::dct4::EnvLambda<Real>;
+
+constexpr int lanes = orvgen::dct4::lanes<Real>;
+constexpr int familyBits = 8 * sizeof(Real);
 inline const std::string familySuffix = familyBits == 32 ? "_32f" : "_64f";
-inline const std::string familyPrefix = familyBits == 32 ? "owngDCT4_32fw7_" : "owngDCT4_64fw7_";
 
 // Unit roundoff of the family.
 constexpr double unitRoundoff = familyBits == 32 ? 0x1p-24 : 0x1p-53;
@@ -79,24 +98,41 @@ class Block {
     std::size_t start, bytes;
 };
 
+// The lengths of the table of trees that have a tree.
+inline std::vector<std::int32_t> treeLengths() {
+    std::vector<std::int32_t> lengths;
+    for (const DataRow& row : table("trees").rows()) {
+        if (row.integer("rule") == treeRule) {
+            lengths.push_back(static_cast<std::int32_t>(row.integer("length")));
+        }
+    }
+    return lengths;
+}
+
+// A record in the arena, made by its constructor.
+template <class Record, class... Arguments>
+Record* make(Arena* arena, Arguments... arguments) {
+    return Operations<Record>::init(orvgArenaMalloc(arena, sizeof(Record)), arena, arguments...);
+}
+
 // A plan in a block of its own, of exactly the reported size and a guard behind it.
 class Plan {
   public:
     explicit Plan(std::int32_t length, std::size_t remainder = 0)
         : block(reportedSize(length) + guard, remainder) {
-        status = EXPORTED(DCT4Init)(&spec, length, block.data());
+        status = Exported::init(&spec, length, block.data());
         if (status != orvOk) throw std::runtime_error("no plan of " + std::to_string(length));
     }
 
     static std::size_t reportedSize(std::int32_t length) {
         std::int32_t size = -1;
-        if (EXPORTED(DCT4GetSize)(length, &size) != orvOk) {
+        if (Exported::getSize(length, &size) != orvOk) {
             throw std::runtime_error("no size for " + std::to_string(length));
         }
         return static_cast<std::size_t>(size);
     }
 
-    OrvStatus run(const Real* src, Real* dst) { return EXPORTED(DCT4)(src, dst, spec); }
+    OrvStatus run(const Real* src, Real* dst) { return Exported::run(src, dst, spec); }
     std::vector<Real> operator()(const std::vector<Real>& x) {
         std::vector<Real> y(x.size(), static_cast<Real>(-77));
         EXPECT_EQ(run(x.data(), y.data()), orvOk);

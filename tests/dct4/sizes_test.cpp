@@ -81,7 +81,7 @@ bool inDomain(std::int64_t N) {
 
 void expectSize(std::int64_t N) {
     std::int32_t size = -12345;
-    const OrvStatus status = EXPORTED(DCT4GetSize)(static_cast<std::int32_t>(N), &size);
+    const OrvStatus status = Exported::getSize(static_cast<std::int32_t>(N), &size);
     const std::int64_t bytes = charge(N);
     if (bytes < 0) {
         EXPECT_EQ(status, orvErrSize) << N;
@@ -109,7 +109,7 @@ TEST(Sizes, FollowTheTable) {
     for (const DataRow& row : table("sizes").rows()) {
         const auto N = static_cast<std::int32_t>(row.integer("length"));
         std::int32_t size = 0;
-        EXPECT_EQ(EXPORTED(DCT4GetSize)(N, &size), orvOk);
+        EXPECT_EQ(Exported::getSize(N, &size), orvOk);
         EXPECT_EQ(size, row.integer("size" + familySuffix)) << N;
         Plan plan(N);
         EXPECT_EQ(plan.block.used(), row.integer("used" + familySuffix)) << N;
@@ -123,7 +123,7 @@ TEST(Sizes, FollowTheSingleResults) {
         ++checked;
         std::int32_t size = -12345;
         const auto N = static_cast<std::int32_t>(row.integer("length"));
-        EXPECT_EQ(EXPORTED(DCT4GetSize)(N, &size), row.integer("status")) << N;
+        EXPECT_EQ(Exported::getSize(N, &size), row.integer("status")) << N;
         EXPECT_EQ(size, row.integer("status") == 0 ? row.integer("size") : -12345) << N;
     }
     EXPECT_GE(checked, 20);
@@ -186,7 +186,7 @@ TEST(Sizes, LargestLengthOfTheHeader) {
     EXPECT_EQ(static_cast<std::int64_t>(Plan::reportedSize(largest)), charge(largest) + 64);
     EXPECT_GT(charge(largest), std::int64_t{5} * largest * elementWidth);
     std::int32_t size = -1;
-    EXPECT_EQ(EXPORTED(DCT4GetSize)(2 * largest, &size), orvErrSize);
+    EXPECT_EQ(Exported::getSize(2 * largest, &size), orvErrSize);
 }
 
 }  // namespace

@@ -1,15 +1,15 @@
 // The run: the one operation that a plan is built for.
+#pragma once
+
 #include "dct4/elements.h"
 #include "dct4/flows/dct4.h"
 #include "dct4/operations.h"
 #include "dct4/radix.h"
+#include "orvgen.h"
 
 namespace orvgen::dct4 {
-inline namespace ORVGEN_DCT4_NAMESPACE {
 
-namespace {
-
-template <int N>
+template <int N, class Real>
 ORVGEN_DCT4_INLINE OrvStatus body(const Real* src, Real* dst) {
     dct4<N, Real>([&](auto j) ORVGEN_DCT4_INLINE_LAMBDA { return loadElement(src + j); },
                   [&](auto k, Real y) ORVGEN_DCT4_INLINE_LAMBDA { storeElement(dst + k, y); });
@@ -18,35 +18,32 @@ ORVGEN_DCT4_INLINE OrvStatus body(const Real* src, Real* dst) {
 
 // First stage into the scratch, second stage out of it. A stage whose wrapper is not active is left
 // out. Not inlined, so that the straight-line bodies keep the run function to themselves.
-[[gnu::noinline]] OrvStatus twoStages(const Env1* plan, const Real* src, Real* dst) {
-    const Env3* stageOne = static_cast<const Env3*>(EnvList_get(plan->stageOneRole, 0));
-    if (stageOne->active == 1) {
-        const Env5* transform = static_cast<const Env5*>(EnvList_get(stageOne->transformRole, 0));
-        const OrvStatus status = FAMILY(env5_compute)(transform, plan->scratch, src);
+template <class Real>
+[[gnu::noinline]] OrvStatus twoStages(const Env1<Real>& plan, const Real* src, Real* dst) {
+    const auto& stageOne = childOf<Env3<Real>>(plan.stageOneRole);
+    if (stageOne.active == 1) {
+        const auto& transform = childOf<Env5<Real>>(stageOne.transformRole);
+        const OrvStatus status = Operations<Env5<Real>>::compute(&transform, plan.scratch, src);
         if (status != orvOk) {
             return status;
         }
     }
-    const Env2* stageTwo = static_cast<const Env2*>(EnvList_get(plan->stageTwoRole, 0));
-    if (stageTwo->active == 1) {
-        const Env4* kernel = static_cast<const Env4*>(EnvList_get(stageTwo->kernelRole, 0));
-        return FAMILY(env4_compute)(kernel, dst, plan->scratch);
+    const auto& stageTwo = childOf<Env2<Real>>(plan.stageTwoRole);
+    if (stageTwo.active == 1) {
+        const auto& kernel = childOf<Env4<Real>>(stageTwo.kernelRole);
+        return Operations<Env4<Real>>::compute(&kernel, dst, plan.scratch);
     }
     return orvOk;
 }
 
-}  // namespace
-}  // namespace ORVGEN_DCT4_NAMESPACE
-}  // namespace orvgen::dct4
-
-using namespace orvgen::dct4;
-
-OrvStatus EXPORTED(DCT4)(const Real* src, Real* dst, Spec* spec) {
+// Inlined into the exported function: a short length costs no call.
+template <class Real, class Spec>
+ORVGEN_DCT4_INLINE OrvStatus runPlan(const Real* src, Real* dst, const Spec* spec) {
     if (spec == nullptr || src == nullptr || dst == nullptr) {
         return orvErrNullPtr;
     }
-    const Env1* plan = reinterpret_cast<const Env1*>(spec);
-    switch (plan->rule) {
+    const Env1<Real>& plan = *reinterpret_cast<const Env1<Real>*>(spec);
+    switch (plan.rule) {
         case 1:
             return body<2>(src, dst);
         case 2:
@@ -63,3 +60,5 @@ OrvStatus EXPORTED(DCT4)(const Real* src, Real* dst, Spec* spec) {
             return orvErrPlan;
     }
 }
+
+}  // namespace orvgen::dct4

@@ -1,12 +1,16 @@
-// Size, building and end of a plan.
+// The exported functions of a family: size, building and end of a plan. (The run is in run.h.)
+#pragma once
+
 #include "core/orvcore.h"
 #include "dct4/operations.h"
 #include "dct4/radix.h"
+#include "orvgen.h"
 
-using namespace orvgen::dct4;
+namespace orvgen::dct4 {
 
-OrvStatus EXPORTED(DCT4GetSize)(std::int32_t len, std::int32_t* size) {
-    const std::int32_t bytes = FAMILY(env1_mem)(len);
+template <class Real>
+OrvStatus planSize(std::int32_t length, std::int32_t* size) {
+    const std::int32_t bytes = Operations<Env1<Real>>::mem(length);
     if (bytes < 0) {
         return orvErrSize;
     }
@@ -15,7 +19,8 @@ OrvStatus EXPORTED(DCT4GetSize)(std::int32_t len, std::int32_t* size) {
     return orvOk;
 }
 
-OrvStatus EXPORTED(DCT4Init)(Spec** spec, std::int32_t len, std::uint8_t* mem) {
+template <class Real, class Spec>
+OrvStatus initPlan(Spec** spec, std::int32_t length, std::uint8_t* mem) {
     if (spec == nullptr || mem == nullptr) {
         return orvErrNullPtr;
     }
@@ -25,44 +30,49 @@ OrvStatus EXPORTED(DCT4Init)(Spec** spec, std::int32_t len, std::uint8_t* mem) {
     const std::int64_t unit = static_cast<std::int64_t>(orvgAlignSize32Bytes(1));
     arena->setBump(static_cast<std::uint64_t>(address + 2 * unit - address % unit));
 
-    void* memory = orvgArenaMalloc(arena, sizeof(Env1));
-    Env1* plan = FAMILY(env1___init__)(memory, arena, len);
-    const std::int32_t status = FAMILY(env1_plan)(plan);
+    using Top = Operations<Env1<Real>>;
+    void* memory = orvgArenaMalloc(arena, sizeof(Env1<Real>));
+    Env1<Real>* plan = Top::init(memory, arena, length);
+    const std::int32_t status = Top::plan(plan);
     if (status != planned) {
-        FAMILY(env1___del__)(plan);
-        orvgArenaFree(arena, plan, sizeof(Env1));
+        Top::del(plan);
+        orvgArenaFree(arena, plan, sizeof(Env1<Real>));
         return status;
     }
     *spec = reinterpret_cast<Spec*>(plan);
     return orvOk;
 }
 
-OrvStatus EXPORTED(DCT4InitAlloc)(Spec** spec, std::int32_t len) {
+template <class Real, class Spec>
+OrvStatus allocatePlan(Spec** spec, std::int32_t length) {
     if (spec == nullptr) {
         return orvErrNullPtr;
     }
     std::int32_t size;
-    OrvStatus status = EXPORTED(DCT4GetSize)(len, &size);
+    OrvStatus status = planSize<Real>(length, &size);
     if (status != orvOk) {
         return status;
     }
-    // A failed allocation is not looked at: as a null block it makes Init fail.
+    // A failed allocation is not looked at: as a null block it makes initPlan fail.
     void* block = orvMalloc(size);
-    status = EXPORTED(DCT4Init)(spec, len, static_cast<std::uint8_t*>(block));
+    status = initPlan<Real>(spec, length, static_cast<std::uint8_t*>(block));
     if (status != orvOk) {
         orvFree(block);
     }
     return status;
 }
 
-OrvStatus EXPORTED(DCT4Free)(Spec* spec) {
+template <class Real, class Spec>
+OrvStatus freePlan(Spec* spec) {
     if (spec == nullptr) {
         return orvErrNullPtr;
     }
-    Env1* plan = reinterpret_cast<Env1*>(spec);
+    Env1<Real>* plan = reinterpret_cast<Env1<Real>*>(spec);
     Arena* arena = plan->arena;
-    FAMILY(env1___del__)(plan);
-    orvgArenaFree(arena, plan, sizeof(Env1));
+    Operations<Env1<Real>>::del(plan);
+    orvgArenaFree(arena, plan, sizeof(Env1<Real>));
     orvFree(arena);
     return orvOk;
 }
+
+}  // namespace orvgen::dct4
