@@ -4,11 +4,11 @@
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
-install(TARGETS orvgen orvgen_static EXPORT orvgen
+install(TARGETS orvgen orvgen_static orvgen_batch EXPORT orvgen
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
     INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(FILES ${PROJECT_SOURCE_DIR}/include/orvgen.h
+install(FILES ${PROJECT_SOURCE_DIR}/include/orvgen.h ${PROJECT_SOURCE_DIR}/include/orvgen_batch.h
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT library)
 
@@ -25,8 +25,10 @@ set(pc_libdir "\${prefix}")
 cmake_path(APPEND pc_libdir "${CMAKE_INSTALL_LIBDIR}")
 set(pc_includedir "\${prefix}")
 cmake_path(APPEND pc_includedir "${CMAKE_INSTALL_INCLUDEDIR}")
-configure_file(${PROJECT_SOURCE_DIR}/cmake/orvgen.pc.in ${PROJECT_BINARY_DIR}/orvgen.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/orvgen.pc
+foreach(name orvgen orvgen-batch)
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/${name}.pc.in ${PROJECT_BINARY_DIR}/${name}.pc @ONLY)
+endforeach()
+install(FILES ${PROJECT_BINARY_DIR}/orvgen.pc ${PROJECT_BINARY_DIR}/orvgen-batch.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
 configure_file(${PROJECT_SOURCE_DIR}/cmake/InstallCore.cmake.in ${PROJECT_BINARY_DIR}/InstallCore.cmake.in @ONLY)

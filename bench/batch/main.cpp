@@ -1,0 +1,326 @@
+// Batches beside the loop over the single kernels and beside FFTW's plan_many with patient plans,
+// in core cycles of one transform. Ratios come first: how many times as long the others take.
+
+#include <fftw3.h>
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <fstream>
+#include <functional>
+#include <limits>
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "cycles.h"
+#include "orvgen_batch.h"
+
+namespace orvgen::bench {
+namespace {
+
+using Run = std::function<void()>;
+
+// Where the elements of src and dst stand; the count of transforms.
+struct Places {
+    std::ptrdiff_t stride, distance, outStride, outDistance;
+    std::size_t count;
+};
+
+struct Size {
+    int n;
+    int srcReals, dstReals;      // of one transform
+    int srcElement, dstElement;  // reals in an element
+    int srcElements, dstElements;
+};
+
+// A family: its functions here, and the same problem for FFTW.
+template <class R>
+struct Family {
+    const char* name;
+    bool complex;
+    Size (*size)(int n);
+    void (*batch)(int n, const R* src, R* dst, const Places& p);
+    void (*single)(int n, const R* src, R* dst);
+    // Null where FFTW finds no plan.
+    Run (*fftw)(int n, R* src, R* dst, const Places& p);
+};
+
+Size complexSize(int n) { return {n, 2 * n, 2 * n, 2, 2, n, n}; }
+Size forwardSize(int n) { return {n, n, 2 * (n / 2 + 1), 1, 2, n, n / 2 + 1}; }
+Size inverseSize(int n) { return {n, 2 * (n / 2 + 1), n, 2, 1, n / 2 + 1, n}; }
+Size realSize(int n) { return {n, n, n, 1, 1, n, n}; }
+
+// FFTW of one element type.
+#define ORVGEN_FFTW(PREFIX, NAME, R)                                                               \
+    struct NAME {                                                                                  \
+        using Complex = PREFIX##_complex;                                                          \
+        using Plan = PREFIX##_plan;                                                                \
+        static Run runOf(Plan plan) {                                                              \
+            if (plan == nullptr) return {};                                                        \
+            return [plan] { PREFIX##_execute(plan); };                                             \
+        }                                                                                          \
+        static Run dft(int n, R* x, R* y, const Places& p, int sign) {                             \
+            return runOf(PREFIX##_plan_many_dft(                                                   \
+                1, &n, int(p.count), reinterpret_cast<Complex*>(x), nullptr, int(p.stride),        \
+                int(p.distance), reinterpret_cast<Complex*>(y), nullptr, int(p.outStride),         \
+                int(p.outDistance), sign, FFTW_PATIENT));                                          \
+        }                                                                                          \
+        static Run forward(int n, R* x, R* y, const Places& p) {                                   \
+            return runOf(PREFIX##_plan_many_dft_r2c(                                               \
+                1, &n, int(p.count), x, nullptr, int(p.stride), int(p.distance),                   \
+                reinterpret_cast<Complex*>(y), nullptr, int(p.outStride), int(p.outDistance),      \
+                FFTW_PATIENT));                                                                    \
+        }                                                                                          \
+        static Run inverse(int n, R* x, R* y, const Places& p) {                                   \
+            return runOf(PREFIX##_plan_many_dft_c2r(                                               \
+                1, &n, int(p.count), reinterpret_cast<Complex*>(x), nullptr, int(p.stride),        \
+                int(p.distance), y, nullptr, int(p.outStride), int(p.outDistance), FFTW_PATIENT)); \
+        }                                                                                          \
+        static Run hartley(int n, R* x, R* y, const Places& p) {                                   \
+            const PREFIX##_r2r_kind kind = FFTW_DHT;                                               \
+            return runOf(PREFIX##_plan_many_r2r(1, &n, int(p.count), x, nullptr, int(p.stride),    \
+                                                int(p.distance), y, nullptr, int(p.outStride),     \
+                                                int(p.outDistance), &kind, FFTW_PATIENT));         \
+        }                                                                                          \
+        static void limit(double seconds) { PREFIX##_set_timelimit(seconds); }                     \
+    };
+ORVGEN_FFTW(fftwf, Fftw32, float)
+ORVGEN_FFTW(fftw, Fftw64, double)
+#undef ORVGEN_FFTW
+
+#define ORVGEN_BATCH(NAME, T, S, D)                                                              \
+    [](int n, const auto* src, auto* dst, const Places& p) {                                     \
+        orvgBatch##NAME##_##T(reinterpret_cast<const S*>(src), p.stride, p.distance,             \
+                              reinterpret_cast<D*>(dst), p.outStride, p.outDistance, n, p.count, \
+                              orvScaleNone);                                                     \
+    }
+#define ORVGEN_SINGLE(NAME, T)                                                                    \
+    [](int n, const auto* src, auto* dst) {                                                       \
+        orvg##NAME##_##T(reinterpret_cast<const Orv##T*>(src), reinterpret_cast<Orv##T*>(dst), n, \
+                         orvScaleNone);                                                           \
+    }
+
+const std::vector<Family<float>> kFamilies32 = {
+    {"RToCCS_32f", false, forwardSize, ORVGEN_BATCH(DFTFwd_RToCCS, 32f, Orv32f, Orv32fc),
+     ORVGEN_SINGLE(DFTFwd_RToCCS, 32f), Fftw32::forward},
+    {"CCSToR_32f", false, inverseSize, ORVGEN_BATCH(DFTInv_CCSToR, 32f, Orv32fc, Orv32f),
+     ORVGEN_SINGLE(DFTInv_CCSToR, 32f), Fftw32::inverse},
+    {"Hartley_32f", false, realSize, ORVGEN_BATCH(Hartley, 32f, Orv32f, Orv32f),
+     ORVGEN_SINGLE(Hartley, 32f), Fftw32::hartley},
+    {"FwdCToC_32fc", true, complexSize, ORVGEN_BATCH(DFTFwd_CToC, 32fc, Orv32fc, Orv32fc),
+     ORVGEN_SINGLE(DFTFwd_CToC, 32fc),
+     [](int n, float* x, float* y, const Places& p) {
+         return Fftw32::dft(n, x, y, p, FFTW_FORWARD);
+     }},
+    {"InvCToC_32fc", true, complexSize, ORVGEN_BATCH(DFTInv_CToC, 32fc, Orv32fc, Orv32fc),
+     ORVGEN_SINGLE(DFTInv_CToC, 32fc),
+     [](int n, float* x, float* y, const Places& p) {
+         return Fftw32::dft(n, x, y, p, FFTW_BACKWARD);
+     }},
+};
+const std::vector<Family<double>> kFamilies64 = {
+    {"RToCCS_64f", false, forwardSize, ORVGEN_BATCH(DFTFwd_RToCCS, 64f, Orv64f, Orv64fc),
+     ORVGEN_SINGLE(DFTFwd_RToCCS, 64f), Fftw64::forward},
+    {"CCSToR_64f", false, inverseSize, ORVGEN_BATCH(DFTInv_CCSToR, 64f, Orv64fc, Orv64f),
+     ORVGEN_SINGLE(DFTInv_CCSToR, 64f), Fftw64::inverse},
+    {"Hartley_64f", false, realSize, ORVGEN_BATCH(Hartley, 64f, Orv64f, Orv64f),
+     ORVGEN_SINGLE(Hartley, 64f), Fftw64::hartley},
+    {"FwdCToC_64fc", true, complexSize, ORVGEN_BATCH(DFTFwd_CToC, 64fc, Orv64fc, Orv64fc),
+     ORVGEN_SINGLE(DFTFwd_CToC, 64fc),
+     [](int n, double* x, double* y, const Places& p) {
+         return Fftw64::dft(n, x, y, p, FFTW_FORWARD);
+     }},
+    {"InvCToC_64fc", true, complexSize, ORVGEN_BATCH(DFTInv_CToC, 64fc, Orv64fc, Orv64fc),
+     ORVGEN_SINGLE(DFTInv_CToC, 64fc),
+     [](int n, double* x, double* y, const Places& p) {
+         return Fftw64::dft(n, x, y, p, FFTW_BACKWARD);
+     }},
+};
+
+enum class Layout { Rows, Blocks, Columns, Strided };
+const std::map<std::string, Layout> kLayouts = {{"rows", Layout::Rows},
+                                                {"blocks", Layout::Blocks},
+                                                {"columns", Layout::Columns},
+                                                {"strided", Layout::Strided}};
+
+struct Arguments {
+    std::string layout = "rows";
+    std::string place = "cache";
+    std::vector<int> lengths;
+    std::string only;
+    double planSeconds = 5;
+    int samples = 40;
+    std::string csv = ORVGEN_BENCH_OUT "/batch.csv";
+};
+
+// The arrays of one measurement: as many transforms as the layout and the place ask for.
+Places placesOf(const Size& s, const Arguments& a, std::size_t realBytes, int lanes) {
+    constexpr std::size_t cache = 16 << 10, memory = 64 << 20;
+    const std::size_t one = static_cast<std::size_t>(s.srcReals) * realBytes;
+    std::size_t count = (a.place == "cache" ? cache : memory) / one /
+                        static_cast<std::size_t>(lanes) * static_cast<std::size_t>(lanes);
+    count = std::max(count, static_cast<std::size_t>(lanes));
+    if (a.layout == "columns" && a.place == "cache") count = 10000;
+    const auto m = static_cast<std::ptrdiff_t>(count);
+    switch (kLayouts.at(a.layout)) {
+        case Layout::Rows:
+            return {1, s.srcElements, 1, s.dstElements, count};
+        case Layout::Blocks:
+            return {lanes, 1, lanes, 1, static_cast<std::size_t>(lanes)};
+        case Layout::Columns:
+            return {m, 1, m, 1, count};
+        case Layout::Strided:
+            return {2, 2 * s.srcElements + 1, 2, 2 * s.dstElements + 1, count};
+    }
+    return {};
+}
+
+std::size_t reach(std::ptrdiff_t stride, std::ptrdiff_t distance, int elements, std::size_t count) {
+    return static_cast<std::size_t>(stride * (elements - 1) +
+                                    distance * static_cast<std::ptrdiff_t>(count - 1) + 1);
+}
+
+// Least cycles of one transform by each method, sampled in turn.
+std::vector<double> measure(const std::vector<Run>& methods, std::size_t transforms, int samples) {
+    std::vector<double> least(methods.size(), std::numeric_limits<double>::infinity());
+    std::vector<long> calls(methods.size(), 1);
+    for (std::size_t i = 0; i < methods.size(); ++i) {
+        if (!methods[i]) continue;
+        methods[i]();
+        const std::uint64_t start = ticks();
+        methods[i]();
+        const auto once = static_cast<double>(ticks() - start);
+        calls[i] = std::max(1L, static_cast<long>(50000 / std::max(once, 1.0)));
+    }
+    for (int s = 0; s < samples; ++s)
+        for (std::size_t i = 0; i < methods.size(); ++i) {
+            if (!methods[i]) continue;
+            const double before = ticksPerCycle();
+            const std::uint64_t start = ticks();
+            for (long c = 0; c < calls[i]; ++c) methods[i]();
+            const auto took = static_cast<double>(ticks() - start);
+            const double cycles =
+                took / static_cast<double>(calls[i]) / ((before + ticksPerCycle()) / 2);
+            least[i] = std::min(least[i], cycles / static_cast<double>(transforms));
+        }
+    return least;
+}
+
+struct Summary {
+    double logs = 0, worst = std::numeric_limits<double>::infinity();
+    int count = 0, worstAt = 0;
+    void add(double ratio, int n) {
+        if (!std::isfinite(ratio)) return;
+        logs += std::log(ratio);
+        ++count;
+        if (ratio < worst) worst = ratio, worstAt = n;
+    }
+    std::string text() const {
+        if (count == 0) return "-";
+        char s[64];
+        std::snprintf(s, sizeof s, "%.2f, least %.2f at %d", std::exp(logs / count), worst,
+                      worstAt);
+        return s;
+    }
+};
+
+struct TargetName {
+    std::uint32_t target;
+    const char* name;
+    int bytes;
+};
+constexpr TargetName kTargets[] = {{orvTargetAVX2, "AVX2", 32}, {orvTargetAVX512, "AVX-512", 64}};
+
+template <class R>
+void family(const Family<R>& f, const Arguments& a, std::ofstream& csv) {
+    if (!a.only.empty() && std::string(f.name).find(a.only) == std::string::npos) return;
+    for (const TargetName& t : kTargets) {
+        if ((orvgBatchTargets() & t.target) == 0) continue;
+        Summary besideFftw, besideSingle;
+        for (const int n : a.lengths) {
+            const Size s = f.size(n);
+            const Places p = placesOf(s, a, sizeof(R), t.bytes / static_cast<int>(sizeof(R)));
+            std::vector<R> src(reach(p.stride, p.distance, s.srcElements, p.count) *
+                               static_cast<std::size_t>(s.srcElement));
+            std::vector<R> dst(reach(p.outStride, p.outDistance, s.dstElements, p.count) *
+                               static_cast<std::size_t>(s.dstElement));
+            const Run other = f.fftw(n, src.data(), dst.data(), p);
+            std::mt19937 generator(static_cast<unsigned>(n));
+            std::uniform_real_distribution<double> uniform(-1, 1);
+            for (R& x : src) x = static_cast<R>(uniform(generator));
+            if (orvgBatchUse(t.target) != orvOk)
+                throw std::runtime_error("a target that there is cannot be chosen");
+            const Run ours = [&] { f.batch(n, src.data(), dst.data(), p); };
+            // The loop that a caller writes today; it wants contiguous transforms.
+            Run single;
+            if (a.layout == "rows")
+                single = [&] {
+                    const R* x = src.data();
+                    R* y = dst.data();
+                    for (std::size_t i = 0; i < p.count; ++i, x += s.srcReals, y += s.dstReals)
+                        f.single(n, x, y);
+                };
+            const std::vector<double> cycles = measure({ours, single, other}, p.count, a.samples);
+            besideSingle.add(cycles[1] / cycles[0], n);
+            besideFftw.add(cycles[2] / cycles[0], n);
+            csv << f.name << ',' << n << ',' << t.name << ',' << a.layout << ',' << a.place << ','
+                << p.count << ',' << cycles[0] << ',' << cycles[1] << ',' << cycles[2] << '\n';
+        }
+        std::printf("%-13s %-8s  FFTW %-28s single %s\n", f.name, t.name, besideFftw.text().c_str(),
+                    besideSingle.text().c_str());
+        std::fflush(stdout);
+    }
+}
+
+int run(int argc, char** argv) {
+    Arguments a;
+    CLI::App app("Batches beside the loop over single kernels and FFTW's plan_many.",
+                 "bench_batch");
+    app.add_option("layout", a.layout, "rows, blocks (of one vector), columns or strided (rows)")
+        ->check(CLI::IsMember(kLayouts));
+    app.add_option("--from", a.place, "cache (16 KB) or memory (64 MB)")
+        ->check(CLI::IsMember({"cache", "memory"}));
+    app.add_option("--lengths", a.lengths, "lengths (2 to 64)")
+        ->delimiter(',')
+        ->check(CLI::Range(2, 64));
+    app.add_option("--only", a.only, "families whose name holds this");
+    app.add_option("--limit", a.planSeconds, "seconds of FFTW's planning of each length (5)")
+        ->check(CLI::PositiveNumber);
+    app.add_option("--samples", a.samples, "samples of each method (40)")
+        ->check(CLI::PositiveNumber);
+    app.add_option("--csv", a.csv, "where the table is written");
+    CLI11_PARSE(app, argc, argv);
+    if (a.lengths.empty())
+        for (int n = 2; n <= 64; ++n) a.lengths.push_back(n);
+    Fftw32::limit(a.planSeconds);
+    Fftw64::limit(a.planSeconds);
+    std::ofstream csv(a.csv);
+    csv << "family,length,target,layout,from,count,cycles,single,fftw\n";
+    std::printf(
+        "How many times as long the others take; %s, from %s; geometric means over %zu lengths\n",
+        a.layout.c_str(), a.place.c_str(), a.lengths.size());
+    for (const auto& f : kFamilies32) family(f, a, csv);
+    for (const auto& f : kFamilies64) family(f, a, csv);
+    if (!csv.flush()) throw std::runtime_error("cannot write " + a.csv);
+    std::printf("The table: %s\n", a.csv.c_str());
+    return 0;
+}
+
+}  // namespace
+}  // namespace orvgen::bench
+
+int main(int argc, char** argv) {
+    try {
+        return orvgen::bench::run(argc, argv);
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "bench_batch: %s\n", e.what());
+        return 1;
+    }
+}

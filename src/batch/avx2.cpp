@@ -1,0 +1,42 @@
+// The batches in 256-bit vectors. Compiled for processors that have them: nothing of this is called
+// before targets.cpp has asked, and nothing of it is shared with code for other processors, so that
+// all stands in a namespace of its own.
+#include "batch/lanes_avx2.h"
+#include "batch/targets.h"
+#include "frame/families.h"
+
+namespace orvgen::batch::avx2 {
+
+// clang-format off
+#define ORVGEN_BATCH_TARGET avx2
+#include "batch/kernels.h"
+#include "batch/layout.h"
+#include "batch/blocks.h"
+#include "batch/lane_transforms.h"
+// clang-format on
+
+}  // namespace orvgen::batch::avx2
+
+namespace orvgen::batch {
+
+template <class R>
+std::size_t runBlocksAvx2(const Task<R>& task) {
+    return avx2::Blocks<R>(task).run();
+}
+template <class R>
+std::size_t runBlocksAvx2(const WhtTask<R>& task) {
+    return avx2::runWht(task);
+}
+template <class R>
+std::size_t runBlocksAvx2(const Dct4Task<R>& task) {
+    return avx2::runDct4(task);
+}
+
+template std::size_t runBlocksAvx2(const Task<float>&);
+template std::size_t runBlocksAvx2(const Task<double>&);
+template std::size_t runBlocksAvx2(const WhtTask<float>&);
+template std::size_t runBlocksAvx2(const WhtTask<double>&);
+template std::size_t runBlocksAvx2(const Dct4Task<float>&);
+template std::size_t runBlocksAvx2(const Dct4Task<double>&);
+
+}  // namespace orvgen::batch

@@ -1,0 +1,231 @@
+// The exported functions: what is refused, and which target does the rest.
+
+#include <initializer_list>
+#include <type_traits>
+
+#include "batch/singles.h"
+#include "batch/targets.h"
+#include "dct4/records.h"
+#include "frame/families.h"
+
+namespace orvgen::batch {
+
+namespace {
+
+bool isFlag(std::int32_t flag) {
+    return flag == orvScaleFwdByN || flag == orvScaleInvByN || flag == orvScaleBySqrtN ||
+           flag == orvScaleNone;
+}
+
+// The first thing that is wrong, in the order of the single functions; of a batch of nothing the
+// pointers are not looked at.
+OrvStatus check(bool hasLength, std::initializer_list<const void*> pointers, std::int32_t flag,
+                std::size_t count) {
+    if (!hasLength) return orvErrSize;
+    if (count > 0)
+        for (const void* p : pointers)
+            if (p == nullptr) return orvErrNullPtr;
+    return isFlag(flag) ? orvOk : orvErrFlag;
+}
+
+// The blocks by the current target, and what they leave by the single kernels.
+template <class AnyTask>
+void run(const AnyTask& task) {
+    std::size_t done = 0;
+    switch (currentTarget()) {
+#if ORVGEN_BATCH_AVX512
+        case orvTargetAVX512:
+            done = runBlocksAvx512(task);
+            break;
+#endif
+#if ORVGEN_BATCH_AVX2
+        case orvTargetAVX2:
+            done = runBlocksAvx2(task);
+            break;
+#endif
+        default:
+            break;
+    }
+    if (done < task.count) runSingles(task, done);
+}
+
+// What the name of a family says.
+enum class Direction : std::uint8_t { Forward, Inverse, Both };
+struct Meaning {
+    Kind kind;
+    Layout src, dst;
+    Direction direction;
+};
+constexpr Meaning DFTFwd_CToC{Kind::Forward, Layout::Complex, Layout::Complex, Direction::Forward};
+constexpr Meaning DFTInv_CToC{Kind::Inverse, Layout::Complex, Layout::Complex, Direction::Inverse};
+constexpr Meaning DFTFwd_RToCCS{Kind::RealForward, Layout::Real, Layout::Ccs, Direction::Forward};
+constexpr Meaning DFTFwd_RToPack{Kind::RealForward, Layout::Real, Layout::Pack, Direction::Forward};
+constexpr Meaning DFTFwd_RToPerm{Kind::RealForward, Layout::Real, Layout::Perm, Direction::Forward};
+constexpr Meaning DFTInv_CCSToR{Kind::InverseFromCcs, Layout::Ccs, Layout::Real,
+                                Direction::Inverse};
+constexpr Meaning DFTInv_PackToR{Kind::InverseFromPack, Layout::Pack, Layout::Real,
+                                 Direction::Inverse};
+constexpr Meaning DFTInv_PermToR{Kind::InverseFromPack, Layout::Perm, Layout::Real,
+                                 Direction::Inverse};
+constexpr Meaning Hartley{Kind::Hartley, Layout::Real, Layout::Real, Direction::Both};
+
+Scale scaleOf(Direction direction, std::int32_t flag) {
+    if (flag == orvScaleBySqrtN) return scaleBySqrtN;
+    const bool byN = (flag == orvScaleFwdByN && direction != Direction::Inverse) ||
+                     (flag == orvScaleInvByN && direction != Direction::Forward);
+    return byN ? scaleByN : scaleNone;
+}
+
+// Arrays of one element type as arrays of real numbers.
+template <class R>
+Array<const R> array(const R* p, std::ptrdiff_t stride, std::ptrdiff_t distance) {
+    return {p, nullptr, stride, distance};
+}
+template <class R>
+Array<R> array(R* p, std::ptrdiff_t stride, std::ptrdiff_t distance) {
+    return {p, nullptr, stride, distance};
+}
+template <class R, class Pair>
+auto pairs(Pair* p, std::ptrdiff_t stride, std::ptrdiff_t distance) {
+    using Real = std::conditional_t<std::is_const_v<Pair>, const R, R>;
+    Real* re = reinterpret_cast<Real*>(p);
+    return Array<Real>{re, re == nullptr ? nullptr : re + 1, 2 * stride, 2 * distance};
+}
+inline auto array(const Orv32fc* p, std::ptrdiff_t stride, std::ptrdiff_t distance) {
+    return pairs<float>(p, stride, distance);
+}
+inline auto array(Orv32fc* p, std::ptrdiff_t stride, std::ptrdiff_t distance) {
+    return pairs<float>(p, stride, distance);
+}
+inline auto array(const Orv64fc* p, std::ptrdiff_t stride, std::ptrdiff_t distance) {
+    return pairs<double>(p, stride, distance);
+}
+inline auto array(Orv64fc* p, std::ptrdiff_t stride, std::ptrdiff_t distance) {
+    return pairs<double>(p, stride, distance);
+}
+
+template <class R>
+OrvStatus transform(const Meaning& meaning, Single<R>* single, const Array<const R>& src,
+                    const Array<R>& dst, std::int32_t n, std::size_t count, std::int32_t flag) {
+    const OrvStatus status = check(n >= firstLength && n <= lastLength,
+                                   {src.re, dst.re, isPairs(meaning.src) ? src.im : src.re,
+                                    isPairs(meaning.dst) ? dst.im : dst.re},
+                                   flag, count);
+    if (status != orvOk || count == 0) return status;
+    run(Task<R>{meaning.kind, n, meaning.src, meaning.dst, src, dst, count, flag,
+                scaleOf(meaning.direction, flag), single});
+    return orvOk;
+}
+
+// The single functions of the complex families take pairs of real numbers here as everywhere.
+template <auto function, class R, class Element>
+OrvStatus onReals(const R* src, R* dst, std::int32_t length, std::int32_t flag) {
+    return function(reinterpret_cast<const Element*>(src), reinterpret_cast<Element*>(dst), length,
+                    flag);
+}
+
+template <class R>
+OrvStatus whtTransform(const R* src, std::ptrdiff_t srcStride, std::ptrdiff_t srcDistance, R* dst,
+                       std::ptrdiff_t dstStride, std::ptrdiff_t dstDistance, std::int32_t order,
+                       std::size_t count, std::int32_t flag) {
+    const OrvStatus status =
+        check(order >= firstOrder && order <= lastOrder, {src, dst}, flag, count);
+    if (status != orvOk || count == 0) return status;
+    run(WhtTask<R>{order, array(src, srcStride, srcDistance), array(dst, dstStride, dstDistance),
+                   count, flag, scaleOf(Direction::Both, flag)});
+    return orvOk;
+}
+
+}  // namespace
+
+}  // namespace orvgen::batch
+
+using namespace orvgen::batch;
+
+#define REAL_32fc float
+#define REAL_64fc double
+#define REAL_32f float
+#define REAL_64f double
+
+#define TRANSFORM(NAME, T, S, D)                                                              \
+    OrvStatus orvgBatch##NAME##_##T(const S* src, ptrdiff_t srcStride, ptrdiff_t srcDistance, \
+                                    D* dst, ptrdiff_t dstStride, ptrdiff_t dstDistance,       \
+                                    int32_t len, size_t count, int32_t flag) {                \
+        return transform<REAL_##T>(NAME, onReals<orvg##NAME##_##T, REAL_##T, Orv##T>,         \
+                                   array(src, srcStride, srcDistance),                        \
+                                   array(dst, dstStride, dstDistance), len, count, flag);     \
+    }
+ORVGEN_BATCH_LENGTH_FAMILIES(TRANSFORM)
+
+#define SPLIT_TRANSFORM(NAME, T, R)                                                               \
+    OrvStatus orvgBatchSplit##NAME##_##T(const R* srcRe, const R* srcIm, ptrdiff_t srcStride,     \
+                                         ptrdiff_t srcDistance, R* dstRe, R* dstIm,               \
+                                         ptrdiff_t dstStride, ptrdiff_t dstDistance, int32_t len, \
+                                         size_t count, int32_t flag) {                            \
+        return transform<R>(NAME, onReals<orvg##NAME##_##T##c, R, Orv##T##c>,                     \
+                            {srcRe, srcIm, srcStride, srcDistance},                               \
+                            {dstRe, dstIm, dstStride, dstDistance}, len, count, flag);            \
+    }
+ORVGEN_BATCH_SPLIT_FAMILIES(SPLIT_TRANSFORM)
+
+OrvStatus orvgBatchWHT_32f(const Orv32f* src, ptrdiff_t srcStride, ptrdiff_t srcDistance,
+                           Orv32f* dst, ptrdiff_t dstStride, ptrdiff_t dstDistance, int32_t order,
+                           size_t count, int32_t flag) {
+    return whtTransform(src, srcStride, srcDistance, dst, dstStride, dstDistance, order, count,
+                        flag);
+}
+
+OrvStatus orvgBatchWHT_64f(const Orv64f* src, ptrdiff_t srcStride, ptrdiff_t srcDistance,
+                           Orv64f* dst, ptrdiff_t dstStride, ptrdiff_t dstDistance, int32_t order,
+                           size_t count, int32_t flag) {
+    return whtTransform(src, srcStride, srcDistance, dst, dstStride, dstDistance, order, count,
+                        flag);
+}
+
+namespace orvgen::batch {
+
+namespace {
+
+template <class R, class Spec>
+OrvStatus dct4Transform(const R* src, std::ptrdiff_t srcStride, std::ptrdiff_t srcDistance, R* dst,
+                        std::ptrdiff_t dstStride, std::ptrdiff_t dstDistance, std::int32_t n,
+                        Spec* spec, std::size_t count, std::int32_t longest,
+                        OrvStatus (*single)(const R*, R*, Spec*)) {
+    constexpr int lastInLanes = 32;
+    if (n < 2 || n > longest || (n & (n - 1)) != 0) return orvErrSize;
+    if (count == 0) return orvOk;
+    if (src == nullptr || dst == nullptr) return orvErrNullPtr;
+    if (n <= lastInLanes) {
+        run(Dct4Task<R>{n, array(src, srcStride, srcDistance), array(dst, dstStride, dstDistance),
+                        count});
+        return orvOk;
+    }
+    if (spec == nullptr) return orvErrNullPtr;
+    if (reinterpret_cast<const dct4::Env1<R>*>(spec)->length != n || srcStride != 1 ||
+        dstStride != 1)
+        return orvErrSize;
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto t = static_cast<std::ptrdiff_t>(i);
+        const OrvStatus status = single(src + t * srcDistance, dst + t * dstDistance, spec);
+        if (status != orvOk) return status;
+    }
+    return orvOk;
+}
+
+}  // namespace
+
+}  // namespace orvgen::batch
+
+OrvStatus orvgBatchDCT4_32f(const Orv32f* src, ptrdiff_t srcStride, ptrdiff_t srcDistance,
+                            Orv32f* dst, ptrdiff_t dstStride, ptrdiff_t dstDistance, int32_t len,
+                            OrvDCT4Spec_32f* spec, size_t count) {
+    return dct4Transform(src, srcStride, srcDistance, dst, dstStride, dstDistance, len, spec, count,
+                         1 << 26, orvgDCT4_32f);
+}
+
+OrvStatus orvgBatchDCT4_64f(const Orv64f* src, ptrdiff_t srcStride, ptrdiff_t srcDistance,
+                            Orv64f* dst, ptrdiff_t dstStride, ptrdiff_t dstDistance, int32_t len,
+                            OrvDCT4Spec_64f* spec, size_t count) {
+    return dct4Transform(src, srcStride, srcDistance, dst, dstStride, dstDistance, len, spec, count,
+                         1 << 25, orvgDCT4_64f);
+}

@@ -1,0 +1,76 @@
+#include "batch/targets.h"
+
+#include <cpuid.h>
+
+namespace orvgen::batch {
+
+namespace {
+
+// Bit 31 tells that the processor has been asked; the low byte is the set of targets, the next one
+// the chosen target. One word, so that any thread sees a whole choice; whoever asks first writes
+// what anybody else would write.
+std::uint32_t state;
+constexpr std::uint32_t kAsked = 1U << 31;
+constexpr int kChoice = 8;
+
+std::uint32_t load() { return __atomic_load_n(&state, __ATOMIC_RELAXED); }
+
+// Which register files the operating system keeps for its threads.
+std::uint32_t systemStates() {
+    std::uint32_t low = 0, high = 0;
+    asm("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
+    return low;
+}
+
+// The targets that this library is built with.
+constexpr std::uint32_t kBuilt = orvTargetSSE2 | (ORVGEN_BATCH_AVX2 ? orvTargetAVX2 : 0) |
+                                 (ORVGEN_BATCH_AVX512 ? orvTargetAVX512 : 0);
+
+// What the processor has, and of whose registers the operating system takes care.
+std::uint32_t askProcessor() {
+    constexpr std::uint32_t ymm = 0x6, zmm = 0xe6;
+    constexpr unsigned wide = bit_AVX512F | bit_AVX512DQ | bit_AVX512VL;
+    unsigned a = 0, b = 0, c = 0, d = 0;
+    if (!__get_cpuid(1, &a, &b, &c, &d) || (c & bit_OSXSAVE) == 0 || (c & bit_AVX) == 0)
+        return orvTargetSSE2;
+    const std::uint32_t states = systemStates();
+    if (!__get_cpuid_count(7, 0, &a, &b, &c, &d) || (states & ymm) != ymm || (b & bit_AVX2) == 0)
+        return orvTargetSSE2;
+    const bool hasWide = (states & zmm) == zmm && (b & wide) == wide;
+    return orvTargetSSE2 | orvTargetAVX2 | (hasWide ? orvTargetAVX512 : 0);
+}
+
+std::uint32_t best(std::uint32_t targets) {
+    if (targets & orvTargetAVX512) return orvTargetAVX512;
+    return targets & orvTargetAVX2 ? orvTargetAVX2 : orvTargetSSE2;
+}
+
+// The state, the processor having been asked. A choice that somebody makes meanwhile stays.
+std::uint32_t asked() {
+    std::uint32_t now = load();
+    if (now & kAsked) return now;
+    const std::uint32_t targets = askProcessor() & kBuilt;
+    const std::uint32_t answer = kAsked | targets | best(targets) << kChoice;
+    return __atomic_compare_exchange_n(&state, &now, answer, false, __ATOMIC_RELAXED,
+                                       __ATOMIC_RELAXED)
+               ? answer
+               : now;
+}
+
+}  // namespace
+
+std::uint32_t currentTarget() { return asked() >> kChoice & 0xff; }
+
+}  // namespace orvgen::batch
+
+using namespace orvgen::batch;
+
+uint32_t orvgBatchTargets(void) { return asked() & 0xff; }
+
+OrvStatus orvgBatchUse(uint32_t target) {
+    const std::uint32_t targets = asked() & 0xff;
+    if (target == 0) target = best(targets);
+    if ((target & (target - 1)) != 0 || (target & targets) == 0) return orvErrFlag;
+    __atomic_store_n(&state, kAsked | targets | target << kChoice, __ATOMIC_RELAXED);
+    return orvOk;
+}
