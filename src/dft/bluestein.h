@@ -9,20 +9,16 @@
 //   z = inverse transform of Y H, for n < p only, and X[n] = z[n] w[n].
 #pragma once
 
-#include "joins.h"
+#include "plan/plan.h"
+#include "roots.h"
 
 namespace orvgen::dft {
 
-bool hasBluestein(std::size_t p);
-// The transform of length M and its inverse.
-Part bluesteinForward(std::size_t p);
-Part bluesteinInverse(std::size_t p);
-
 ComplexConstant chirp(Direction direction, std::size_t p, std::size_t n);
-ComplexConstants chirpSpectrum(Direction direction, std::size_t p);
+ComplexConstants chirpSpectrum(Direction direction, std::size_t p, std::size_t M);
 
 // x has p + 1 elements: whole vectors are read, the last number is multiplied by zero. Leaves
 // values behind that no output depends on.
-Points bluestein(Lanes& lanes, Direction direction, const Points& x);
+Points bluestein(Lanes& lanes, const plan::Bluestein& plan, Direction direction, const Points& x);
 
 }  // namespace orvgen::dft

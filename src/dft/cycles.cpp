@@ -1,17 +1,9 @@
 // Cycles 12 and 16 (unmixed) and 18.
 #include "cycles.h"
 
-#include <algorithm>
-
-#include "joins.h"
+#include "roots.h"
 
 namespace orvgen::dft {
-
-namespace {
-
-bool isFolded(const SineFolds& folds, std::size_t k) { return std::ranges::count(folds, k) != 0; }
-
-}  // namespace
 
 // 12 = 4, 3
 Spectrum forwardCycle12(const Reals& a) {

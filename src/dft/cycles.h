@@ -5,6 +5,8 @@
 // for their conjugates. The split form gives the parts of even and of odd k apart, r < L/2.
 #pragma once
 
+#include <algorithm>
+
 #include "lanes.h"
 #include "real_blocks.h"
 
@@ -21,7 +23,10 @@ struct SplitCycle {
 
 // The bins whose imaginary part comes times sin(pi/3), so that the three-point block that takes
 // them needs no product for it.
-using SineFolds = std::vector<std::size_t>;
+using SineFolds = std::vector<int>;
+inline bool isFolded(const SineFolds& folds, std::size_t k) {
+    return std::ranges::count(folds, static_cast<int>(k)) != 0;
+}
 
 Spectrum forwardCycle12(const Reals& a);
 SplitCycle inverseCycle12(const Spectrum& D, const SineFolds& folds);

@@ -1,6 +1,5 @@
 #include "embedded_rader.h"
 
-#include <algorithm>
 #include <stdexcept>
 
 #include "cycles.h"
@@ -11,20 +10,13 @@ namespace orvgen::dft {
 
 namespace {
 
-struct Cycle {
-    std::size_t p;
-    std::size_t offset;  // u
-    SineFolds folds;
-};
-
-const Cycle cycles[] = {{13, 1, {2, 4}}, {17, 0, {}}, {19, 0, {3, 6}},
-                        {23, 0, {}},     {29, 0, {}}, {31, 0, {}}};
-
 std::size_t power(std::size_t p, std::size_t exponent) {
     const long g = flows::smallestRoot(static_cast<long>(p));
     return static_cast<std::size_t>(
         flows::powerModulo(g, static_cast<long>(exponent % (p - 1)), static_cast<long>(p)));
 }
+
+std::size_t offsetOf(const plan::LaneRader& plan) { return static_cast<std::size_t>(plan.offset); }
 
 Spectrum forwardCycle(const Reals& a) {
     switch (a.size()) {
@@ -66,19 +58,18 @@ struct Lane1 {
     Spectrum D;
 };
 
-Lane1 product(const Cycle& cycle, const Reals& z) {
-    const std::size_t L = cycle.p - 1, m = L / 2;
+Lane1 product(const plan::LaneRader& plan, const Reals& z) {
+    const std::size_t p = z.size(), L = p - 1, m = L / 2;
     Reals a;
-    for (std::size_t q = 0; q < L; ++q) a.push_back(z[power(cycle.p, L - q)]);
+    for (std::size_t q = 0; q < L; ++q) a.push_back(z[power(p, L - q)]);
     const Spectrum A = forwardCycle(a);
 
-    const flows::RaderConstants K(static_cast<int>(cycle.p),
-                                  static_cast<long>(power(cycle.p, cycle.offset)));
+    const flows::RaderConstants K(static_cast<int>(p), static_cast<long>(power(p, offsetOf(plan))));
     Spectrum D(L);
     D.set(0, z[0] + K.re[0] * A.real(0));
     D.set(m, K.re[m] * A.real(m));
     for (std::size_t k = 1; k < m; ++k) {
-        const bool folded = std::ranges::count(cycle.folds, k) != 0;
+        const bool folded = isFolded(plan.sineFolds, k);
         const Constant Ir = folded ? sineOf60() * K.re[k] : K.re[k];
         const Constant Ii = folded ? sineOf60() * K.im[k] : K.im[k];
         const Complex<Value> z1 = A.at(k);
@@ -87,29 +78,31 @@ Lane1 product(const Cycle& cycle, const Reals& z) {
     return {z[0] + A.real(0), D};
 }
 
-Vectors transform(const Cycle& cycle, Direction direction, const Vectors& z) {
-    const std::size_t p = cycle.p, L = p - 1, m = L / 2;
+}  // namespace
+
+Vectors laneRader(const plan::LaneRader& plan, Direction direction, const Vectors& z) {
+    const std::size_t p = z.size(), L = p - 1, m = L / 2;
     const bool forward = direction == Direction::Forward;
     Reals zRe, zIm;
     for (const Vector& v : z) {
         zRe.push_back(v.re);
         zIm.push_back(v.im);
     }
-    const Lane1 re = product(cycle, zRe);
-    const Lane1 im = product(cycle, zIm);
+    const Lane1 re = product(plan, zRe);
+    const Lane1 im = product(plan, zIm);
     Vectors X(p);
     X[0] = {re.y0, im.y0};
 
     if (L == 12 || L == 16) {
         const auto split = [&](const Spectrum& D) {
-            return L == 12 ? inverseCycle12(D, cycle.folds) : inverseCycle16(D);
+            return L == 12 ? inverseCycle12(D, plan.sineFolds) : inverseCycle16(D);
         };
         const SplitCycle x = split(re.D), y = split(im.D);
         for (std::size_t r = 0; r < m; ++r) {
             const Vector P{x.even[r], y.even[r]};
             const Vector Q{x.odd[r], y.odd[r]};
             const Vector T = forward ? timesI(Q) : timesMinusI(Q);
-            const std::size_t k = power(p, r + cycle.offset);
+            const std::size_t k = power(p, r + offsetOf(plan));
             X[k] = P + T;
             X[p - k] = P - T;
         }
@@ -133,18 +126,6 @@ Vectors transform(const Cycle& cycle, Direction direction, const Vectors& z) {
     const Reals xIm = inverseCycle(toIm, forward ? OddPart::Added : OddPart::Subtracted);
     for (std::size_t r = 0; r < L; ++r) X[power(p, r)] = {xRe[r], xIm[r]};
     return X;
-}
-
-}  // namespace
-
-bool hasEmbeddedRader(std::size_t p) { return std::ranges::count(cycles, p, &Cycle::p) != 0; }
-
-Vectors embeddedRader(Direction direction, const Vectors& z) {
-    return transform(*std::ranges::find(cycles, z.size(), &Cycle::p), direction, z);
-}
-
-Vectors nestedRader13(Direction direction, const Vectors& z) {
-    return transform({13, 1, {4}}, direction, z);
 }
 
 }  // namespace orvgen::dft

@@ -15,16 +15,11 @@
 #pragma once
 
 #include "lanes.h"
+#include "plan/plan.h"
 
 namespace orvgen::dft {
 
-bool hasEmbeddedRader(std::size_t p);
-
 // One p-point transform in each lane.
-Vectors embeddedRader(Direction direction, const Vectors& z);
-
-// Length 13 as a stage of the length-13 convolution of 53: there only one of the two real blocks
-// of length 3 has its sine in the constants.
-Vectors nestedRader13(Direction direction, const Vectors& z);
+Vectors laneRader(const plan::LaneRader& plan, Direction direction, const Vectors& z);
 
 }  // namespace orvgen::dft

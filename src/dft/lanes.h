@@ -25,9 +25,11 @@ using kernelgen::Value;
 using Vector = Complex<Value>;
 using Vectors = std::vector<Vector>;
 
-// One complex number: the lanes that its parts stand in.
+// One complex number: the lanes that its parts stand in. An absent one is a zero that takes no
+// part.
 struct Point {
     Lane re, im;
+    bool isAbsent() const { return re.node == kernelgen::kNone; }
 };
 using Points = std::vector<Point>;
 

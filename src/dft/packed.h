@@ -7,7 +7,9 @@
 // (1, -1, 1, -1).
 #pragma once
 
-#include "joins.h"
+#include <optional>
+
+#include "lane_walk.h"
 
 namespace orvgen::dft {
 
@@ -41,33 +43,36 @@ Pair turnedSum(Direction direction, const std::vector<Constant>& c, const std::v
 Pair turnedDirectSum(Direction direction, const std::vector<Constant>& c,
                      const std::vector<Pair>& d);
 
-// Joins that leave no lane empty, but for one lone two-point transform.
-class PackedJoins : public Joins {
+// Leftovers that leave no lane empty, but for one lone two-point transform. Transforms of several
+// stages come apart, those of one stage pair up.
+class PackedPairs final : public Leftovers {
   public:
-    using Joins::Joins;
+    PackedPairs(Lanes& lanes, Direction direction) : lanes_(lanes), direction_(direction) {}
 
+    bool comeApart(std::size_t /*count*/) const override { return true; }
+    std::vector<Points> run(const plan::PlanPtr& plan, const std::vector<Points>& inputs,
+                            bool besideTwiddles) override;
     Points product(const ComplexConstants& w, const Points& z) override;
 
     // What a lone two-point transform (z0, z1) takes along in the other half of its vectors:
-    // (z0, a) + (z1, b) and (z0, a') - (z1, b'). Halves that are not named are zero.
-    struct Companion {
-        Points sum, difference;             // a, b and a', b'; or empty
-        Point* sumResult = nullptr;         // a + b
-        Point* differenceResult = nullptr;  // a' - b'
+    // (z0, a) + (z1, b) and (z0, a) - (z1, b), each with numbers of its own or with zeros.
+    struct Passengers {
+        std::optional<std::array<Point, 2>> ofSum = {}, ofDifference = {};
     };
-    void setCompanion(const Companion& companion) { companion_ = companion; }
-
-  protected:
-    std::vector<Points> runRemainder(const Part& part, const std::vector<Points>& inputs) override;
-    Vectors runBlock(const Vectors& z) override;
+    void takeAlong(const Passengers& passengers) { passengers_ = passengers; }
+    // a + b and a - b, once the transform has run.
+    const Point& sum() const { return sum_.value(); }
+    const Point& difference() const { return difference_.value(); }
 
   private:
-    std::vector<Points> runPair(const std::vector<Points>& inputs);
+    std::vector<Points> runPair(const std::vector<Points>& inputs, bool besideTwiddles);
     Points runLoneTwo(const Points& z);
     Points runLoneFour(const Points& z);
-    Value half(const Point& z, const Points& others, std::size_t which);
 
-    Companion companion_;
+    Lanes& lanes_;
+    Direction direction_;
+    Passengers passengers_;
+    std::optional<Point> sum_, difference_;
 };
 
 }  // namespace orvgen::dft

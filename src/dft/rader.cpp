@@ -7,12 +7,12 @@
 #include "flows/number_theory.h"
 #include "kernelgen/real.h"
 #include "packed.h"
+#include "plan/notation.h"
 
 namespace orvgen::dft {
 
 namespace {
 
-using FourConstants = std::array<Constant, 4>;
 using kernelgen::ExactReal;
 using kernelgen::Real;
 
@@ -23,48 +23,7 @@ std::size_t power(std::size_t p, std::size_t exponent) {
         flows::powerModulo(g, static_cast<long>(exponent % (p - 1)), static_cast<long>(p)));
 }
 
-Part GT(const Part& first, const Part& second) { return goodThomas(first, second); }
-Part CT(const Part& first, const Part& second, std::vector<std::size_t> columns = {}) {
-    return cooleyTukey(first, second, std::move(columns));
-}
-
 }  // namespace
-
-Part raderCycle(std::size_t p) {
-    const auto n = block;
-    switch (p) {
-        case 7:
-            return GT(n(2), n(3));
-        case 11:
-            return GT(n(5), n(2));
-        case 13:
-            return GT(n(4), n(3));
-        case 17:
-            return CT(n(4), n(4));
-        case 19:
-            return CT(GT(n(3), n(2)), n(3), {0, 4, 2});
-        case 23:
-            return GT(n(2), n(11));
-        case 29:
-            return GT(n(4), n(7));
-        case 31:
-            return GT(GT(n(5), n(2)), n(3));
-        case 37:
-            return GT(n(4), CT(n(3), n(3)));
-        case 41:
-            return CT(GT(n(5), n(2)), n(4));
-        case 43:
-            return GT(GT(n(7), n(2)), n(3));
-        case 53:
-            return GT(n(4), n(13));
-        case 61:
-            return GT(n(4), CT(n(5), n(3)));
-        default:
-            return nullptr;
-    }
-}
-
-bool hasRader(std::size_t p) { return raderCycle(p) != nullptr; }
 
 ComplexConstants raderConstants(Direction direction, std::size_t p) {
     const std::size_t L = p - 1;
@@ -90,9 +49,11 @@ ComplexConstants raderConstants(Direction direction, std::size_t p) {
 
 namespace {
 
-// The flow of one kernel. It has one of two forms. In the split form (most lengths) four numbers of
-// the cycle's spectrum stand in a pair of vectors. In the packed form (7 and 23, whose cycle ends
-// in two transforms) two numbers stand in one vector.
+using Form = plan::ComplexRader::Form;
+
+// The flow of one kernel. In the split form four numbers of the cycle's spectrum stand in a pair of
+// vectors. In the packed form (7 and 23, whose cycle ends in two transforms) two numbers stand in
+// one vector.
 //
 // x[0] takes part in the first two numbers only, A[0] and C[0], which share their vectors with
 // others: both are brought into vectors of their own by products with 1 and 0.
@@ -102,13 +63,8 @@ namespace {
 // (second half).
 class Rader {
   public:
-    Rader(Lanes& lanes, Direction direction, const Points& x)
-        : lanes_(lanes),
-          direction_(direction),
-          x_(x),
-          L_(x.size() - 1),
-          forward_(lanes, Direction::Forward),
-          inverse_(lanes, Direction::Inverse) {}
+    Rader(Lanes& lanes, const plan::ComplexRader& plan, Direction direction, const Points& x)
+        : lanes_(lanes), plan_(plan), direction_(direction), x_(x), L_(x.size() - 1) {}
 
     Points run();
 
@@ -121,15 +77,14 @@ class Rader {
     Vector x0InFirstLane();
     Points packedFirstProduct(const Points& A, const ComplexConstants& B);
 
-    bool isPacked() const { return raderCycle(x_.size())->R() == 2; }
-    bool hasLone() const { return L_ % 4 == 2; }
+    bool isPacked() const { return plan_.form == Form::Packed; }
     Lane lane(const Value& v, std::size_t i) const { return laneOf(v, i); }
 
     Lanes& lanes_;
+    const plan::ComplexRader& plan_;
     Direction direction_;
     const Points& x_;
     std::size_t L_;
-    PackedJoins forward_, inverse_;
     Point x0At_;  // x[0] in two lanes of a vector of its own
     Point a0At_;  // A[0] likewise, or its parts in the first lanes of two vectors
     Point X0_;
@@ -139,9 +94,11 @@ Points Rader::forwardCycle() {
     Points a;
     for (std::size_t q = 0; q < L_; ++q) a.push_back(x_[power(x_.size(), L_ - q)]);
     lanes_.graph().stage("cycle of " + std::to_string(L_) +
-                         " points: " + raderCycle(x_.size())->stages());
+                         " points: " + plan::notation(*plan_.cycle));
+    PackedPairs leftovers(lanes_, Direction::Forward);
+    LaneWalk walk(lanes_, Direction::Forward, leftovers);
     if (!isPacked()) {
-        const Points A = forward_.run(raderCycle(x_.size()), {a})[0];
+        const Points A = walk.run(plan_.cycle, a);
         // x[0] comes into the registers with x[1].
         const Value x0 =
             FourConstants{1, 1, 0, 0} * lanes_.pack({x_[0].re, x_[0].im, x_[1].re, x_[1].im});
@@ -149,11 +106,11 @@ Points Rader::forwardCycle() {
         return A;
     }
     const Value none(lanes_.graph(), lanes_.graph().zero(kernelgen::Type::F32x4));
-    const Point zero{lane(none, 2), lane(none, 3)};
-    Point carried;
-    forward_.setCompanion({{x_[0], zero}, {x_[0], zero}, nullptr, &carried});
-    const Points A = forward_.run(raderCycle(x_.size()), {a})[0];
-    const Value x0 = FourConstants{0, 0, 1, 1} * Value(lanes_.graph(), carried.re.node);
+    const std::array<Point, 2> x0AndZero{x_[0], {lane(none, 2), lane(none, 3)}};
+    leftovers.takeAlong({.ofSum = x0AndZero, .ofDifference = x0AndZero});
+    const Points A = walk.run(plan_.cycle, a);
+    const Value x0 =
+        FourConstants{0, 0, 1, 1} * Value(lanes_.graph(), leftovers.difference().re.node);
     x0At_ = {lane(x0, 2), lane(x0, 3)};
     return A;
 }
@@ -172,8 +129,7 @@ void Rader::isolate(const Points& A) {
     const FourConstants first{1, 0, 0, 0};
     const Vector a0{first * re, first * im};
     a0At_ = lanes_.at(a0, 0);
-    if (hasLone()) return;
-    X0_ = lanes_.at(x0InFirstLane() + a0, 0);
+    if (plan_.form == Form::Split) X0_ = lanes_.at(x0InFirstLane() + a0, 0);
 }
 
 // C[0] and C[L/2], one vector: the imaginary part of B[0] is zero, and x[0] takes the place of the
@@ -210,6 +166,8 @@ std::vector<std::vector<std::size_t>> Rader::groups(const Points& A) const {
 Points Rader::multiply(const Points& A) {
     lanes_.graph().stage("products by the spectrum of the roots");
     const ComplexConstants B = raderConstants(direction_, x_.size());
+    PackedPairs leftovers(lanes_, Direction::Forward);
+    LaneWalk walk(lanes_, Direction::Forward, leftovers);
     Points C(L_);
     for (const std::vector<std::size_t>& group : groups(A)) {
         ComplexConstants w;
@@ -219,7 +177,7 @@ Points Rader::multiply(const Points& A) {
             z.push_back(A[k]);
         }
         const bool hasFirst = group[0] == 0;
-        const Points c = hasFirst && isPacked() ? packedFirstProduct(A, B) : forward_.product(w, z);
+        const Points c = hasFirst && isPacked() ? packedFirstProduct(A, B) : walk.product(w, z);
         // In the split form x[0] is added to the vectors that C[0] stands in.
         Points sum = c;
         if (hasFirst && !isPacked()) sum = lanes_.scatter(lanes_.gather(c) + x0InFirstLane(), 4);
@@ -229,10 +187,14 @@ Points Rader::multiply(const Points& A) {
 }
 
 Points Rader::inverseCycle(const Points& C) {
-    const Part cycle = mirrored(raderCycle(x_.size()));
-    lanes_.graph().stage("back: " + cycle->stages());
-    if (hasLone()) inverse_.setCompanion({{x0At_, a0At_}, {}, &X0_, nullptr});
-    return inverse_.run(cycle, {C})[0];
+    lanes_.graph().stage("back: " + plan::notation(*plan_.back));
+    PackedPairs leftovers(lanes_, Direction::Inverse);
+    LaneWalk walk(lanes_, Direction::Inverse, leftovers);
+    if (plan_.form == Form::Split) return walk.run(plan_.back, C);
+    leftovers.takeAlong({.ofSum = {{x0At_, a0At_}}});
+    const Points z = walk.run(plan_.back, C);
+    X0_ = leftovers.sum();
+    return z;
 }
 
 Points Rader::run() {
@@ -247,8 +209,8 @@ Points Rader::run() {
 
 }  // namespace
 
-Points rader(Lanes& lanes, Direction direction, const Points& x) {
-    return Rader(lanes, direction, x).run();
+Points rader(Lanes& lanes, const plan::ComplexRader& plan, Direction direction, const Points& x) {
+    return Rader(lanes, plan, direction, x).run();
 }
 
 }  // namespace orvgen::dft

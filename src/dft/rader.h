@@ -8,16 +8,13 @@
 //   B[k] = (1/L) sum over r of exp(-+ 2 pi i g^r / p) exp(-2 pi i k r / L).
 #pragma once
 
-#include "joins.h"
+#include "plan/plan.h"
+#include "roots.h"
 
 namespace orvgen::dft {
 
-bool hasRader(std::size_t p);
-// The transform of the cycle.
-Part raderCycle(std::size_t p);
-
 ComplexConstants raderConstants(Direction direction, std::size_t p);
 
-Points rader(Lanes& lanes, Direction direction, const Points& x);
+Points rader(Lanes& lanes, const plan::ComplexRader& plan, Direction direction, const Points& x);
 
 }  // namespace orvgen::dft

@@ -2,10 +2,11 @@
 #include "bluestein.h"
 #include "butterflies.h"
 #include "families.h"
-#include "joins.h"
+#include "lane_walk.h"
+#include "plan/notation.h"
 #include "rader.h"
 #include "single_kernels.h"
-#include "single_table.h"
+#include "single_lengths.h"
 
 namespace orvgen::dft {
 
@@ -15,79 +16,52 @@ using kernelgen::Family;
 using kernelgen::Kernel;
 using kernelgen::ScaleRule;
 
-Graph scalarFlow(Direction direction, std::size_t length) {
+Graph scalarFlow(Direction direction, int length) {
     Graph graph(Arithmetic::Single);
     std::vector<Complex<Value>> x;
-    for (int n = 0; n < static_cast<int>(length); ++n)
+    for (int n = 0; n < length; ++n)
         x.push_back({Value(graph, graph.input(2 * n)), Value(graph, graph.input(2 * n + 1))});
     const std::vector<Complex<Value>> y = scalarTransform(direction, x);
-    for (std::size_t k = 0; k < length; ++k) {
+    for (std::size_t k = 0; k < y.size(); ++k) {
         graph.output(static_cast<int>(2 * k), scaled(y[k].re).id());
         graph.output(static_cast<int>(2 * k + 1), scaled(y[k].im).id());
     }
     return graph;
 }
 
-Graph laneFlow(Direction direction, std::size_t length) {
+Graph laneFlow(Direction direction, int length) {
+    const plan::PlanPtr plan = singleLength(length).plan;
+    const auto n = static_cast<std::size_t>(length);
     Graph graph(Arithmetic::SingleLanes);
     Lanes lanes(graph);
-    if (hasBluestein(length))
-        lanes.store(bluestein(lanes, direction, lanes.load(length + 1)));
-    else if (hasRader(length))
-        lanes.store(rader(lanes, direction, lanes.load(length)));
-    else
-        lanes.store(
-            Joins(lanes, direction).run(singleDecomposition(length), {lanes.load(length)})[0]);
+    if (const auto* chirp = plan->as<plan::Bluestein>()) {
+        lanes.store(bluestein(lanes, *chirp, direction, lanes.load(n + 1)));
+    } else if (const auto* prime = plan->as<plan::ComplexRader>()) {
+        lanes.store(rader(lanes, *prime, direction, lanes.load(n)));
+    } else {
+        EmptyLanes leftovers(lanes, direction);
+        lanes.store(LaneWalk(lanes, direction, leftovers).run(plan, lanes.load(n)));
+    }
     graph.removeDeadNodes();
     return graph;
 }
 
 namespace {
 
-// The lengths whose kernels touch src and dst by 8-byte halves only: the Rader primes, and those
-// whose elements hardly ever come as neighbours.
-bool touchesHalvesOnly(int length) {
-    switch (length) {
-        case 6:
-        case 10:
-        case 12:
-        case 15:
-        case 20:
-            return true;
-        case 47:
-        case 59:
-            return false;
-        default:
-            break;
-    }
-    for (int d = 2; d * d <= length; ++d)
-        if (length % d == 0) return false;
-    return length > 5;
-}
-
-// The short lengths that the sixteen registers hold all values of.
-bool fitsRegisters(int length) {
-    return length <= 9 ? length != 5 : length == 12 || length == 13 || length == 16 || length == 17;
-}
-
-std::string method(std::size_t length) {
-    if (hasRader(length)) return "Rader, cycle " + raderCycle(length)->stages();
-    if (hasBluestein(length)) return "Bluestein, " + bluesteinForward(length)->stages();
-    return singleDecomposition(length)->stages();
-}
-
 Kernel kernel(const std::string& family, Direction direction, int length) {
-    const auto n = static_cast<std::size_t>(length);
     const bool scalar = length <= 5;
-    return {kernelgen::memberName(family, length),
-            length,
-            method(n),
-            direction == Direction::Forward ? ScaleRule::ForwardByN : ScaleRule::InverseByN,
-            scalar ? Alignment::Any : Alignment::Twin,
-            touchesHalvesOnly(length),
-            true,
-            scalar ? scalarFlow(direction, n) : laneFlow(direction, n),
-            fitsRegisters(length)};
+    const SingleLength facts = singleLength(length);
+    return {
+        .name = kernelgen::memberName(family, length),
+        .length = length,
+        .method = plan::notation(*facts.plan),
+        .scale = direction == Direction::Forward ? ScaleRule::ForwardByN : ScaleRule::InverseByN,
+        .alignment = scalar ? Alignment::Any : Alignment::Twin,
+        .halvesOnly = facts.halvesOnly,
+        .readsAllFirst = true,
+        .flow = scalar ? scalarFlow(direction, length) : laneFlow(direction, length),
+        .registersOnly = facts.registersOnly,
+    };
 }
 
 Family family(const std::string& name, Direction direction, const std::vector<int>& lengths) {

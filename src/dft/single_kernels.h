@@ -12,9 +12,9 @@ template <class V>
 std::vector<Complex<V>> scalarTransform(Direction direction, const std::vector<Complex<V>>& x) {
     return x.size() == 5 ? five(direction, x, Centre::First) : butterfly(direction, x);
 }
-kernelgen::Graph scalarFlow(Direction direction, std::size_t length);
+kernelgen::Graph scalarFlow(Direction direction, int length);
 
 // Lengths 6 to 64, in four lanes, binary32 throughout.
-kernelgen::Graph laneFlow(Direction direction, std::size_t length);
+kernelgen::Graph laneFlow(Direction direction, int length);
 
 }  // namespace orvgen::dft

@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "butterflies.h"
-#include "joins.h"
+#include "roots.h"
 
 namespace orvgen::dft {
 
@@ -16,7 +16,7 @@ class Sparse {
     explicit Sparse(const Vector& v) : v_(v) {}
 
     bool present() const { return v_.has_value(); }
-    const Vector& vector() const { return *v_; }
+    const Vector& vector() const { return v_.value(); }
 
     friend Sparse operator+(const Sparse& a, const Sparse& b) {
         if (!a.present()) return b;
@@ -35,6 +35,12 @@ class Sparse {
     std::optional<Vector> v_;
 };
 using Sparses = std::vector<Sparse>;
+
+inline Vectors vectorsOf(const Sparses& z) {
+    Vectors v;
+    for (const Sparse& number : z) v.push_back(number.vector());
+    return v;
+}
 
 inline Sparse narrow(const Sparse& a) { return a; }
 

@@ -57,6 +57,17 @@ std::string word(SumOrder::Sines sines) {
     }
 }
 
+std::string word(ComplexRader::Form form) {
+    switch (form) {
+        case ComplexRader::Form::SplitWithLone:
+            return "{lone pair}";
+        case ComplexRader::Form::Packed:
+            return "{packed}";
+        default:
+            return "";
+    }
+}
+
 // What is another than in the real kernels.
 std::vector<std::string> words(const SumOrder& sums) {
     const SumOrder usual;
@@ -118,7 +129,16 @@ struct Printer {
     }
 
     std::string operator()(const ComplexRader& rader) const {
-        return "Rader " + length() + "(" + notation(*rader.cycle) + ")";
+        return "Rader " + length() + "(" + notation(*rader.cycle) + ")" + word(rader.form);
+    }
+
+    std::string operator()(const LaneRader& rader) const {
+        std::vector<std::string> choices;
+        if (rader.offset != 0) choices.push_back("from g^" + std::to_string(rader.offset));
+        std::string folds;
+        for (const int bin : rader.sineFolds) folds += " " + std::to_string(bin);
+        if (!folds.empty()) choices.push_back("sin 60 in bins" + folds);
+        return "lane Rader " + length() + inBraces(choices);
     }
 
     std::string operator()(const Bluestein& chirp) const {

@@ -9,6 +9,7 @@
 //   inverse Rader 13(e; o; c)    the mirror; (e; o; ce; co) where the cycle's inverse transform is
 //                                split by parity
 //   Rader 13(c)      on complex numbers: the cycle's transform, and back by its mirror
+//   lane Rader 13    the same with the cycle in real lanes
 //   Bluestein 47(f; b)           the transform of the padded sequence, and the way back
 //   lanes(p)         a complex transform as real ones, of real and of imaginary parts; (p | q)
 //   where

@@ -104,7 +104,23 @@ struct InverseRealRader {
 };
 // Rader's algorithm on complex numbers: the cycle's transform and the way back.
 struct ComplexRader {
+    // How the numbers of the cycle stand in vectors, and so where x[0] meets them.
+    enum class Form : std::uint8_t {
+        Split,          // real and imaginary parts apart; x[0] + A[0] is a sum of its own
+        SplitWithLone,  // the lone two-point transform of the way back takes that sum along
+        Packed,         // two numbers in one vector; the lone one of the cycle brings x[0] along
+    };
+
     PlanPtr cycle, back;
+    Form form = Form::Split;
+};
+// The same with the cycle in real lanes: it has real coefficients and runs on the real parts and on
+// the imaginary parts alike.
+struct LaneRader {
+    int offset = 0;  // u: results stand at the powers g^(r + u)
+    // The bins of the product whose imaginary parts come times sin(pi/3), for three-point blocks
+    // that then need no product.
+    std::vector<int> sineFolds = {};
 };
 
 // Bluestein's algorithm: the transform of the padded sequence and the way back.
@@ -132,7 +148,7 @@ struct Renumbered {
 };
 
 using Node = std::variant<Block, GoodThomas, CooleyTukey, RealRader, InverseRealRader, ComplexRader,
-                          Bluestein, Lanes, Alternating, Renumbered>;
+                          LaneRader, Bluestein, Lanes, Alternating, Renumbered>;
 
 struct Plan {
     Transform transform;

@@ -270,13 +270,24 @@ Term splitInverseRader(const SplitInverseRaderParts& parts) {
             }};
 }
 
-Term complexRader(const Term& cycle) {
+Term complexRader(const Term& cycle, ComplexRader::Form form) {
     const int p = cycle.length() + 1;
     return {p, [=](Transform transform, const Table& table) {
                 if (transform != Transform::Complex) refuse(p, "Rader's algorithm on complex data");
                 const PlanPtr forward = cycle.resolve(transform, table);
-                return make(transform, p,
-                            ComplexRader{.cycle = forward, .back = mirrored(forward)});
+                return make(
+                    transform, p,
+                    ComplexRader{.cycle = forward, .back = mirrored(forward), .form = form});
+            }};
+}
+
+Term laneRader(int length, const LaneRader& choices) {
+    for (const int bin : choices.sineFolds)
+        if (bin <= 0 || 2 * bin >= length - 1) refuse(length, "the cycle has no such bin to fold");
+    return {length, [=](Transform transform, const Table&) {
+                if (transform != Transform::Complex)
+                    refuse(length, "Rader's algorithm on complex data");
+                return make(transform, length, choices);
             }};
 }
 

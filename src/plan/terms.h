@@ -90,7 +90,8 @@ struct SplitInverseRaderParts {
 Term splitInverseRader(const SplitInverseRaderParts& parts);
 
 // On complex numbers: the cycle's transform, and back by its mirror.
-Term complexRader(const Term& cycle);
+Term complexRader(const Term& cycle, ComplexRader::Form form = ComplexRader::Form::Split);
+Term laneRader(int length, const LaneRader& choices = {});
 Term bluestein(int length, const Term& forward, const Term& back);
 
 Term lanes(const Term& both);

@@ -6,10 +6,8 @@
 #include <numeric>
 #include <set>
 
-#include "dft/embedded_rader.h"
 #include "dft/families.h"
-#include "dft/rader.h"
-#include "dft/single_table.h"
+#include "dft/single_lengths.h"
 #include "flows/number_theory.h"
 #include "kernelgen/count.h"
 #include "support/count_check.h"
@@ -18,116 +16,136 @@
 namespace orvgen {
 namespace {
 
-using dft::Join;
-using dft::Part;
+using plan::CooleyTukey;
+using plan::GoodThomas;
+using plan::Plan;
+
+// The factors of a join, the one that runs first first; a block has none.
+std::vector<plan::PlanPtr> factors(const Plan& plan) {
+    if (const auto* join = plan.as<GoodThomas>()) return {join->first[0], join->second[0]};
+    if (const auto* join = plan.as<CooleyTukey>()) return {join->first[0], join->second[0]};
+    return {};
+}
+std::vector<long> lengths(const std::vector<plan::PlanPtr>& plans) {
+    std::vector<long> list;
+    for (const auto& plan : plans) list.push_back(plan->length);
+    return list;
+}
 
 // The denominators of the twiddles, reduced; quarter turns are none.
-void collectDenominators(const Part& part, std::set<std::size_t>& found) {
-    if (part->join == Join::None) return;
-    collectDenominators(part->first, found);
-    collectDenominators(part->second, found);
-    if (part->join != Join::CooleyTukey) return;
-    for (std::size_t c = 0; c < part->M(); ++c)
-        for (std::size_t k = 0; k < part->R(); ++k) {
-            const std::size_t num = part->twiddle(c, k);
-            const std::size_t den = part->length / std::gcd(num, part->length);
+void collectDenominators(const Plan& plan, std::set<long>& found) {
+    for (const auto& factor : factors(plan)) collectDenominators(*factor, found);
+    const auto* join = plan.as<CooleyTukey>();
+    if (!join) return;
+    for (const int c : join->columns)
+        for (const int k : join->rows) {
+            const long den = plan.length / std::gcd(c * k, plan.length);
             if (4 % den != 0) found.insert(den);
         }
 }
 
-std::set<std::size_t> denominators(const Part& part) {
-    std::set<std::size_t> found;
-    collectDenominators(part, found);
+std::set<long> denominators(const Plan& plan) {
+    std::set<long> found;
+    collectDenominators(plan, found);
     return found;
 }
 
 // "good-thomas 5x2x3"
-std::vector<std::size_t> factors(const std::string& top) {
-    std::vector<std::size_t> list;
+std::vector<long> factorsNamed(const std::string& top) {
+    std::vector<long> list;
     for (std::size_t at = top.find(' '); at != std::string::npos; at = top.find('x', at + 1))
-        list.push_back(std::stoul(top.substr(at + 1)));
+        list.push_back(std::stol(top.substr(at + 1)));
     return list;
 }
 
 // A Cooley-Tukey join at the top has twiddles of the whole length. Under a Good-Thomas one every
 // twiddle belongs to one of the coprime factors, also where the stages of one stand inside the
 // other (18, 50 and 54).
-TEST(SinglePlans, TheJoinAtTheTopIsThatOfTheTable) {
+TEST(PlansOfComplexBinary32, TheJoinAtTheTopIsThatOfTheTable) {
     for (const auto& row : test::dataTable("complex_f32_composite").rows()) {
-        const auto n = static_cast<std::size_t>(row.integer("length"));
+        const long n = row.integer("length");
         const std::string top = row.text("top");
-        const Part part = dft::singleDecomposition(n);
-        EXPECT_EQ(part->length, n);
-        const std::set<std::size_t> found = denominators(part);
+        const Plan& plan = *dft::singleLength(static_cast<int>(n)).plan;
+        EXPECT_EQ(plan.length, n);
         if (top == "base") {
-            EXPECT_EQ(part->join, Join::None) << n;
+            EXPECT_TRUE(plan.as<plan::Block>()) << n;
             continue;
         }
-        const std::vector<std::size_t> list = factors(top);
-        EXPECT_EQ(std::accumulate(list.begin(), list.end(), std::size_t{1}, std::multiplies<>()),
-                  n);
+        const std::vector<long> named = factorsNamed(top);
+        EXPECT_EQ(std::accumulate(named.begin(), named.end(), 1L, std::multiplies<>()), n);
+        const std::set<long> found = denominators(plan);
         if (top.starts_with("cooley-tukey")) {
-            EXPECT_EQ(part->join, Join::CooleyTukey) << n;
-            EXPECT_EQ(list, (std::vector<std::size_t>{part->R(), part->M()})) << n;
+            EXPECT_TRUE(plan.as<CooleyTukey>()) << n;
+            EXPECT_EQ(lengths(factors(plan)), named) << n;
             EXPECT_EQ(found.count(n), 1U) << n;
             continue;
         }
         EXPECT_TRUE(top.starts_with("good-thomas")) << n;
-        for (const std::size_t den : found)
-            EXPECT_TRUE(std::ranges::any_of(list, [&](std::size_t f) { return f % den == 0; }))
+        for (const long den : found)
+            EXPECT_TRUE(std::ranges::any_of(named, [&](long f) { return f % den == 0; }))
                 << n << ": twiddles of order " << den;
         const bool inside = n == 18 || n == 50 || n == 54;
         if (inside) {
-            EXPECT_EQ(list[0], 2U) << n;
-            EXPECT_EQ(found.count(list[1]), 1U) << n;
+            EXPECT_EQ(named[0], 2) << n;
+            EXPECT_EQ(found.count(named[1]), 1U) << n;
             continue;
         }
-        EXPECT_EQ(part->join, Join::GoodThomas) << n;
-        std::vector<std::size_t> built{part->R(), part->M()};
-        if (list.size() == 3) {
-            ASSERT_EQ(part->first->join, Join::GoodThomas) << n;
-            built = {part->first->R(), part->first->M(), part->M()};
+        EXPECT_TRUE(plan.as<GoodThomas>()) << n;
+        std::vector<plan::PlanPtr> built = factors(plan);
+        if (named.size() == 3) {
+            ASSERT_TRUE(built[0]->as<GoodThomas>()) << n;
+            const auto inner = factors(*built[0]);
+            built = {inner[0], inner[1], built[1]};
         }
-        EXPECT_EQ(built, list) << n;
+        EXPECT_EQ(lengths(built), named) << n;
     }
 }
 
-TEST(SinglePlans, CyclesAreThoseOfTheTable) {
+TEST(PlansOfComplexBinary32, CyclesAreThoseOfTheTable) {
     for (const auto& row : test::dataTable("complex_f32_rader").rows()) {
         const long p = row.integer("length");
-        const Part cycle = dft::raderCycle(static_cast<std::size_t>(p));
-        EXPECT_EQ(static_cast<long>(cycle->length), row.integer("cycle")) << p;
+        const auto* rader = dft::singleLength(static_cast<int>(p)).plan->as<plan::ComplexRader>();
+        ASSERT_TRUE(rader) << p;
+        EXPECT_EQ(rader->cycle->length, row.integer("cycle")) << p;
         EXPECT_EQ(flows::smallestRoot(p), row.integer("root"));
         // Every order that is listed occurs, and every twiddle is a power of a listed one.
-        const std::set<std::size_t> found = denominators(cycle);
+        const std::set<long> found = denominators(*rader->cycle);
         const std::vector<long> listed = row.integers("twiddle_orders");
-        for (const long order : listed)
-            EXPECT_EQ(found.count(static_cast<std::size_t>(order)), 1U) << p << " " << order;
-        for (const std::size_t den : found)
-            EXPECT_TRUE(std::ranges::any_of(
-                listed, [&](long order) { return static_cast<std::size_t>(order) % den == 0; }))
+        for (const long order : listed) EXPECT_EQ(found.count(order), 1U) << p << " " << order;
+        for (const long den : found)
+            EXPECT_TRUE(std::ranges::any_of(listed, [&](long order) { return order % den == 0; }))
                 << p << ": twiddles of order " << den;
     }
 }
 
-TEST(SinglePlans, FactorsHaveTheFormOfTheTable) {
+// Every block of p points in a plan.
+void collectBlocks(const Plan& plan, int p, std::vector<const Plan*>& found) {
+    if (plan.length == p) found.push_back(&plan);
+    for (const auto& factor : factors(plan)) collectBlocks(*factor, p, found);
+}
+
+TEST(PlansOfComplexBinary32, PrimeFactorsHaveTheFormOfTheTable) {
     for (const auto& row : test::dataTable("complex_f32_factors").rows()) {
-        const auto p = static_cast<std::size_t>(row.integer("factor"));
+        const auto p = static_cast<int>(row.integer("factor"));
         const std::string form = row.text("form");
-        EXPECT_EQ(dft::hasEmbeddedRader(p), form.starts_with("rader")) << p;
-        if (form.starts_with("rader")) {
-            EXPECT_EQ(form, "rader " + std::to_string(p - 1));
-            // The kernel of the prime runs a cycle of the same length.
-            EXPECT_EQ(dft::raderCycle(p)->length, p - 1);
-        } else {
-            EXPECT_EQ(form, p <= 5 ? "butterfly" : "direct");
+        const bool isRader = form.starts_with("rader");
+        EXPECT_EQ(form, isRader  ? "rader " + std::to_string(p - 1)
+                        : p <= 5 ? "butterfly"
+                                 : "direct");
+        std::vector<const Plan*> blocks;
+        for (const long n : test::dataTable("complex_f32_composite").list("length"))
+            if (n != p) collectBlocks(*dft::singleLength(static_cast<int>(n)).plan, p, blocks);
+        EXPECT_FALSE(blocks.empty()) << p;
+        for (const Plan* block : blocks) {
+            EXPECT_EQ(block->as<plan::LaneRader>() != nullptr, isRader) << p;
+            EXPECT_EQ(block->as<plan::Block>() != nullptr, !isRader) << p;
         }
     }
 }
 
 // Butterflies of 2 to 5 points are kernels of their own, in scalar code; those of 7 and 11 points
 // stand inside length 2 p, two of them beside p two-point butterflies.
-TEST(SinglePlans, ButterfliesHaveTheCountsOfTheTables) {
+TEST(PlansOfComplexBinary32, ButterfliesHaveTheCountsOfTheTables) {
     for (const auto& family : dft::complexSingleFamilies()) {
         test::CountCheck base("complex_f32_base"), composite("complex_f32_composite");
         test::CountCheck alone("complex_f32_factors");

@@ -42,6 +42,12 @@ TEST(PlanNotation, Primes) {
                                                       .unrounded = Unrounded::Head})),
               "inverse Rader 7(3; 3; 3; 3){head}");
     EXPECT_EQ(printed(Complex, complexRader(goodThomas(4, 3))), "Rader 13(4, 3)");
+    EXPECT_EQ(printed(Complex, complexRader(goodThomas(2, 3), ComplexRader::Form::Packed)),
+              "Rader 7(2, 3){packed}");
+    EXPECT_EQ(printed(Complex, complexRader(goodThomas(5, 2), ComplexRader::Form::SplitWithLone)),
+              "Rader 11(5, 2){lone pair}");
+    EXPECT_EQ(printed(Complex, laneRader(13, {.offset = 1, .sineFolds = {2, 4}})),
+              "lane Rader 13{from g^1; sin 60 in bins 2 4}");
     EXPECT_EQ(printed(Complex, bluestein(5, goodThomas(3, 4), goodThomas(4, 3))),
               "Bluestein 5(3, 4; 4, 3)");
 }

@@ -147,6 +147,8 @@ TEST(PlanTerms, WhatIsNoPlan) {
     refused(Odd, goodThomas(3, 2));
     refused(Complex, rader({.cycle = 4, .even = 2, .odd = 2}));
     refused(Real, complexRader(4));
+    refused(Real, laneRader(13));
+    EXPECT_THROW(laneRader(13, {.sineFolds = {6}}), std::logic_error);
     refused(InverseReal, rader({.cycle = 4, .even = 2, .odd = 2}));
     refused(Real, inverseRader({.even = 2, .odd = 2, .cycle = 4}));
     refused(Real, lanes(3));
