@@ -34,9 +34,7 @@ struct NativeArithmetic {
                            : a * b;
     }
     static double narrow(double a) { return static_cast<double>(static_cast<float>(a)); }
-    static double constant(Type t, const Constant& c) {
-        return isSingle(t) ? static_cast<double>(c.asFloat()) : c.asDouble();
-    }
+    static double constant(const StoredConstant& c, std::size_t lane) { return c.value(lane); }
     double load(Type t, std::size_t scalar) const {
         const auto* bytes = static_cast<const unsigned char*>(src);
         if (isSingle(t)) {
@@ -70,7 +68,9 @@ struct ExactArithmetic {
     static Real sub(Type, const Real& a, const Real& b) { return a - b; }
     static Real mul(Type, const Real& a, const Real& b) { return a * b; }
     static Real narrow(const Real& a) { return a; }
-    static Real constant(Type, const Constant& c) { return c.exact().value; }
+    static Real constant(const StoredConstant& c, std::size_t lane) {
+        return c.lane(lane).exact().value;
+    }
     Real load(Type, std::size_t scalar) const { return inputs.at(scalar); }
     void store(Type, std::size_t scalar, const Real& value) const {
         if (outputs.size() <= scalar) outputs.resize(scalar + 1);
@@ -114,7 +114,7 @@ void run(const Graph& graph, Arithmetic&& arithmetic) {
                 break;
             case Op::Mul:
                 each([&](std::size_t l) {
-                    const Number c = arithmetic.constant(n.type, graph.constant(n).lane(l));
+                    const Number c = arithmetic.constant(graph.constant(n), l);
                     return arithmetic.mul(n.type, a(l), c);
                 });
                 break;

@@ -80,7 +80,7 @@ NodeId Graph::mul(NodeId a, const std::vector<Constant>& lanes) {
     auto [place, isNew] =
         constantIndex_.try_emplace({type, stored}, static_cast<int>(constants_.size()));
     if (isNew) {
-        StoredConstant c{type, lanes};
+        StoredConstant c{type, lanes, stored};
         if (uniform) c.lanes.resize(1);
         constants_.push_back(std::move(c));
     }

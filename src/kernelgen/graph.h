@@ -63,7 +63,9 @@ struct Lane {
 struct StoredConstant {
     Type type = Type::F32;
     std::vector<Constant> lanes;  // 1 or 4 entries
+    std::vector<double> values;   // the same, rounded to the type
     const Constant& lane(std::size_t i) const { return lanes.size() == 1 ? lanes[0] : lanes[i]; }
+    double value(std::size_t i) const { return values.size() == 1 ? values[0] : values[i]; }
 };
 
 struct Node {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <functional>
 #include <map>
 #include <set>
 #include <stdexcept>
@@ -33,6 +34,7 @@ class Core {
         const Symbol* symbol = code.image().find(name);
         if (!symbol) throw std::runtime_error("no function " + name);
         prepare();
+        trace.steps.reserve(4096);
         ip = symbol->address;
         try {
             enter();
@@ -244,13 +246,25 @@ class Core {
         if (function->symbol.address == ip) trace.entered.push_back(function->symbol.name);
     }
 
+    // The next instruction of the function where that is the one to run.
+    const Instruction* following() const {
+        const std::vector<Instruction>& all = function->instructions;
+        const std::less<const Instruction*> before;
+        if (current == nullptr || before(current, all.data()) ||
+            !before(current, all.data() + all.size() - 1)) {
+            return nullptr;
+        }
+        return current[1].address == ip ? current + 1 : nullptr;
+    }
+
     void fetch() {
         if (!function || ip < function->symbol.address ||
             ip >= function->symbol.address + function->symbol.size) {
             enter();
         }
         if (function) {
-            current = function->at(ip);
+            current = following();
+            if (!current) current = function->at(ip);
             if (!current) throw Stop{"jump into the middle of an instruction"};
             return;
         }

@@ -59,47 +59,53 @@ struct Flags {
 class ShadowStack {
   public:
     // `top` is where the return address lies; what is above it belongs to the caller.
-    explicit ShadowStack(std::uint64_t top) : low_(top - size_) {}
+    explicit ShadowStack(std::uint64_t top) : low_(top - size_), end_(top + 8) {}
 
     bool holds(std::uint64_t address) const { return address - low_ < size_ + 8; }
 
     // These two throw Stop outside the stack.
     void write(std::uint64_t address, int size, Value v) {
         const std::size_t at = place(address, size, "store outside the frame");
+        if (bytes_.size() < at) bytes_.resize(at);
         for (std::size_t i = 0; i < static_cast<std::size_t>(size); ++i) {
-            if (i < 8) bytes_[at + i] = static_cast<std::uint8_t>(v.bits >> (8 * i));
-            states_[at + i] = v.known ? State::known : State::data;
+            const auto bits = static_cast<std::uint8_t>(i < 8 ? v.bits >> (8 * i) : 0);
+            bytes_[at - 1 - i] = {v.known ? State::known : State::data, bits};
         }
     }
     Value read(std::uint64_t address, int size) const {
         const std::size_t at = place(address, size, "load outside the frame");
         Value v{0, true};
         for (std::size_t i = 0; i < static_cast<std::size_t>(size); ++i) {
-            if (i < 8) v.bits |= static_cast<std::uint64_t>(bytes_[at + i]) << (8 * i);
-            if (states_[at + i] != State::known) v.known = false;
+            const Byte b = at <= bytes_.size() ? bytes_[at - 1 - i] : Byte{};
+            if (i < 8) v.bits |= static_cast<std::uint64_t>(b.bits) << (8 * i);
+            if (b.state != State::known) v.known = false;
         }
         return v;
     }
     bool written(std::uint64_t address, int size) const {
         const std::size_t at = place(address, size, "load outside the frame");
         for (std::size_t i = 0; i < static_cast<std::size_t>(size); ++i)
-            if (states_[at + i] == State::untouched) return false;
+            if (at > bytes_.size() || bytes_[at - 1 - i].state == State::untouched) return false;
         return true;
     }
 
   private:
     enum class State : std::uint8_t { untouched, data, known };
+    struct Byte {
+        State state = State::untouched;
+        std::uint8_t bits = 0;
+    };
 
+    // How far below the end of the stack the address lies.
     std::size_t place(std::uint64_t address, int size, const char* why) const {
         if (!holds(address) || address - low_ + static_cast<unsigned>(size) > size_ + 8)
             throw Stop{why};
-        return address - low_;
+        return end_ - address;
     }
 
     static constexpr std::uint64_t size_ = 1 << 20;
-    std::uint64_t low_;
-    std::vector<std::uint8_t> bytes_ = std::vector<std::uint8_t>(size_ + 8);
-    std::vector<State> states_ = std::vector<State>(size_ + 8, State::untouched);
+    std::uint64_t low_, end_;
+    std::vector<Byte> bytes_;  // from the end down, as far as anything was written
 };
 
 }  // namespace orvgen::test
