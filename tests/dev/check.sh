@@ -1,0 +1,108 @@
+#!/usr/bin/env bash
+# check.sh TREE: what ./dev makes of its arguments, in a copy of it beside which stand-ins for the builders, ctest and
+# the built programs only tell how they were called.
+set -u
+tree=$1
+copy=$(mktemp -d)
+trap 'rm -rf "$copy"' EXIT
+mkdir -p "$copy/tree/build/release/bin" "$copy/bin" "$copy/elsewhere"
+cp -r "$tree/dev" "$tree/tools" "$tree/CMakePresets.json" "$copy/tree/"
+ln -s "$copy/tree/dev" "$copy/elsewhere/dev"
+
+stand_in() {
+    cat >"$1"
+    chmod +x "$1"
+}
+stand_in "$copy/bin/dpkg-query" <<<'echo "ii "'
+stand_in "$copy/bin/ninja" <<<'#!/bin/sh'
+stand_in "$copy/bin/cmake" <<<"echo \"cmake \$*\" >>'$copy/log'; exit \${CMAKE_FAILS:-0}"
+stand_in "$copy/bin/ctest" <<EOF
+#!/usr/bin/env bash
+echo "ctest \$* GTEST_FILTER=\${GTEST_FILTER:-}" >>'$copy/log'
+tests=(test_wht test_wht_bits.0 test_wht_bits.1 header_c99)
+case "\$*" in
+    *--print-labels*) printf 'All Labels:\n  wht\n' ;;
+    *-N*)
+        number=0
+        for name in "\${tests[@]}"; do
+            number=\$((number + 1))
+            [[ "\$*" == *-R* && ! \$name =~ \$(sed 's/.*-R \([^ ]*\).*/\1/' <<<"\$*") ]] || echo "  Test #\$number: \$name"
+        done ;;
+    *)
+        echo '<testsuite><testcase name="header_c99" status="run"/></testsuite>' >build/release/test-results.junit
+        exit \${CTEST_FAILS:-0} ;;
+esac
+EOF
+for program in spectrogram bench bench_dct4 kernelgen; do
+    stand_in "$copy/tree/build/release/bin/$program" <<<"echo \"$program \$* in \$PWD\" >>'$copy/log'"
+done
+export PATH="$copy/bin:$PATH"
+
+failures=0
+problem() {
+    echo "FAILED: $*: $(cat "$copy/out" "$copy/err" "$copy/log" 2>/dev/null)"
+    failures=$((failures + 1))
+}
+# gives STATUS ARGUMENTS...: ./dev called from elsewhere through a link.
+gives() {
+    local expected=$1 status
+    shift
+    : >"$copy/log"
+    (cd "$copy/elsewhere" && ./dev "$@") >"$copy/out" 2>"$copy/err"
+    status=$?
+    [[ $status == "$expected" ]] || problem "$*: status $status"
+    [[ $expected == 0 ]] || grep -q '^dev: ' "$copy/err" || problem "$*: no message of dev"
+}
+logs() { grep -qFx -- "$1" "$copy/log" || problem "not called: $1"; }
+logs_not() { grep -q -- "$1" "$copy/log" && problem "called: $1"; }
+errs() { grep -q -e "$1" "$copy/err" || problem "not said: $1"; }
+
+# Wrong calls.
+for arguments in nonsense lib ../dev "setup" "setup nonsense" "setup build nonsense" "audit x" "package x" "tidy x" \
+    "accuracy x" "digests x" "figures x" "format x" "format --check x" "help nonsense" "help test x" "test list x" \
+    "test a b c" "test nothing" "test -R nothing" "show"; do
+    read -ra words <<<"$arguments"
+    gives 2 "${words[@]}"
+    logs_not "--build"
+done
+gives 2 test -R nothing
+errs "no test for: -R nothing"
+ORVGEN_PRESET=nonsense gives 2 run
+errs "no preset nonsense"
+
+# Every command has its line of help.
+gives 0 help
+for file in "$tree"/tools/dev/*.sh; do
+    name=$(basename "$file" .sh)
+    [[ $name == lib ]] || grep -q "^\./dev $name" "$copy/out" || problem "help lacks $name"
+done
+gives 0 help test
+grep -q "filter of GoogleTest" "$copy/out" || problem "help test"
+
+# Programs run in the caller's folder, with what was built in the tree.
+gives 0 run a.wav out/a.svg
+logs "cmake --build --preset release -j $(nproc) --target spectrogram"
+logs "spectrogram a.wav out/a.svg in $copy/elsewhere"
+gives 0 bench DFTFwd_CToC_64_32fc --out here
+logs "bench DFTFwd_CToC_64_32fc --out here in $copy/elsewhere"
+gives 0 bench dct4 --longest 64
+logs "bench_dct4 --longest 64 in $copy/elsewhere"
+
+# One test: the one of that name, else those that have it in their names; of these the cases asked for.
+gives 0 test test_wht "Contract.*"
+logs "ctest --preset release -j $(nproc) --output-junit test-results.junit -R ^test_wht(\.[0-9]+)?\$ GTEST_FILTER=Contract.*"
+gives 0 test test_wht_bits
+logs "ctest --preset release -j $(nproc) --output-junit test-results.junit -R ^test_wht_bits(\.[0-9]+)?\$ GTEST_FILTER="
+gives 0 test wht
+logs "ctest --preset release -j $(nproc) --output-junit test-results.junit -R wht GTEST_FILTER="
+gives 0 test list
+grep -q "^wht: test_wht " "$copy/out" || problem "test list"
+gives 0 test
+grep -q "^dev: 1 tests in 1 programs, 0 skipped, all others passed" "$copy/out" || problem "no count"
+
+# What fails gives 1, whatever the tool's own status.
+CTEST_FAILS=8 gives 1 test || true
+CMAKE_FAILS=3 gives 1 run
+
+[[ $failures == 0 ]] && echo "all as it should be"
+exit $((failures > 0))

@@ -1,0 +1,4 @@
+#: ./dev figures                      renews tests/data/kernel_figures.csv, where kernels are meant to change
+# shellcheck shell=bash
+takes 0 "$@"
+keep kernel_figures.csv write_figures
