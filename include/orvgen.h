@@ -23,7 +23,8 @@
  * orvMalloc and orvFree are the stand-in's, unless the program brings both of its own.
  *
  * Beyond 64 points there are the Walsh-Hadamard transform (to 8192) and the DCT-IV (powers of two)
- * here. For longer Fourier and Hartley transforms take a library that plans, such as FFTW.
+ * here. For longer Fourier and Hartley transforms take a library that plans, such as FFTW. For very
+ * many short transforms at once see orvgen_batch.h.
  *
  * What holds for every transform:
  *

@@ -67,6 +67,9 @@ ORVGEN_API uint32_t orvgBatchTargets(void);
  * its results (a program that links it statically more than once has as many choices). */
 ORVGEN_NODISCARD ORVGEN_API OrvStatus orvgBatchUse(uint32_t target);
 
+/* A status of this library or of orvgen.h in a few English words, for messages. */
+ORVGEN_API const char* orvgBatchStatusText(OrvStatus status);
+
 /* ---- The lists -------------------------------------------------------------------------------
  * F(NAME, T, S, D): a family of orvgen.h with the element types of src and dst in a batch. */
 

@@ -229,3 +229,20 @@ OrvStatus orvgBatchDCT4_64f(const Orv64f* src, ptrdiff_t srcStride, ptrdiff_t sr
     return dct4Transform(src, srcStride, srcDistance, dst, dstStride, dstDistance, len, spec, count,
                          1 << 25, orvgDCT4_64f);
 }
+
+const char* orvgBatchStatusText(OrvStatus status) {
+    switch (status) {
+        case orvOk:
+            return "success";
+        case orvErrPlan:
+            return "the plan was not finished";
+        case orvErrSize:
+            return "a length, order or stride that the function does not take";
+        case orvErrNullPtr:
+            return "a null pointer, or no memory for a plan";
+        case orvErrFlag:
+            return "no scaling flag, or no target of this machine";
+        default:
+            return "no status of this library";
+    }
+}

@@ -40,7 +40,8 @@ consume() {
 consume_static() { consume find "$1" -DCONSUMER_LIBRARY=orvgen::static -DCONSUMER_SOURCE="$2"; }
 
 # By pkg-config: with nothing known but the folder of orvgen.pc.
-pkg_config() { PKG_CONFIG_PATH=$prefix/$libdir/pkgconfig command pkg-config "$@" orvgen; }
+pkg_config() { PKG_CONFIG_PATH=$prefix/$libdir/pkgconfig command pkg-config "$@" "$module"; }
+module=orvgen
 compile_by_pkg_config() {
     # shellcheck disable=SC2046
     "$1" "$here/consumer/$2" $(pkg_config --cflags --libs) -Wl,-rpath,"$prefix/$libdir" -o "$folder/consumer"
@@ -76,6 +77,14 @@ case $name in
         consume_static C one_kernel.c
         found=$(nm "$folder/build/consumer" | sed -n 's/.* \(o[rw]\(vg\|ng\|vM\|vF\).*\)/\1/p' | sort | tr '\n' ' ')
         [[ $found == "orvgDFTFwd_CToC_12_32fc owngDFTFwd_CToC_12_32fc_unaligned " ]] || fail "linked: $found"
+        ;;
+
+    batch_c) install_with_core; consume find C -DCONSUMER_LIBRARY=orvgen::batch -DCONSUMER_SOURCE=use_batch.c ;;
+    batch_cpp) install_with_core; consume find CXX -DCONSUMER_LIBRARY=orvgen::batch -DCONSUMER_SOURCE=use_batch.cpp ;;
+    batch_pkg_config)
+        install_with_core
+        module=orvgen-batch
+        compile_by_pkg_config "$cc" use_batch.c
         ;;
 
     subdirectory | fetch_content)
@@ -142,7 +151,8 @@ case $name in
             DESTDIR=$folder/stage quietly "$cmake" --install "$build" --prefix /opt/orvgen $component
         done
         mv "$folder/stage/opt/orvgen" "$prefix"
-        for file in "include/orvgen.h" "$libdir/liborvgenm7.so" "$libdir/liborvgenm7.so.6.1" "$libdir/liborvgenm7.a" \
+        for file in "include/orvgen.h" "include/orvgen_batch.h" "$libdir/liborvgenbatch.so" "$libdir/liborvgenbatch.so.1" \
+            "$libdir/pkgconfig/orvgen-batch.pc" "$libdir/liborvgenm7.so" "$libdir/liborvgenm7.so.6.1" "$libdir/liborvgenm7.a" \
             "$libdir/$core" "$libdir/pkgconfig/orvgen.pc" "$libdir/cmake/orvgen/orvgenConfig.cmake" \
             "share/doc/orvgen/LICENSE"; do
             [[ -e $prefix/$file ]] || fail "not installed: $file"

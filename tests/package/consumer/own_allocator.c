@@ -17,6 +17,7 @@ void orvFree(void* block) {
 int main(void) {
     static Orv32f x[256] = {1}, y[256];
     const OrvStatus status = orvgWHT_8_32f(x, y, orvScaleNone, NULL);
-    printf("WHT: status %d, y[255] = %g, %d blocks taken, %d given back\n", status, y[255], taken, given);
+    printf("WHT: status %d, y[255] = %g, %d blocks taken, %d given back\n", status, y[255], taken,
+           given);
     return !(status == orvOk && y[255] == 1 && taken == 1 && given == 1);
 }

@@ -1,0 +1,182 @@
+#include "batch/families.h"
+
+#include <numeric>
+#include <string_view>
+#include <type_traits>
+
+namespace orvgen::test::batch {
+
+namespace {
+
+std::vector<int> from(int first, int last) {
+    std::vector<int> numbers(static_cast<std::size_t>(last - first + 1));
+    std::iota(numbers.begin(), numbers.end(), first);
+    return numbers;
+}
+
+template <class R, class Element>
+Side sideOf(std::string_view family) {
+    constexpr int width = sizeof(Element) / sizeof(R);
+    return {1, width, width == 2 && family.find("CCS") != family.npos};
+}
+
+// Enough for the largest order; the single functions ask for a 16-byte boundary.
+alignas(16) thread_local std::uint8_t whtBuffer[1 << 17];
+
+// Plans of up to 32 points are a few words.
+alignas(32) thread_local std::uint8_t planBlock[256];
+
+template <class R>
+struct Families {
+    std::vector<Family<R>> list;
+
+    template <class S, class D, class Single, class Batch>
+    void addLengths(const char* name, Single single, Batch batch) {
+        list.push_back({.name = name,
+                        .numbers = from(2, 64),
+                        .byOrder = false,
+                        .scaled = true,
+                        .src = sideOf<R, S>(name),
+                        .dst = sideOf<R, D>(name),
+                        .single = single,
+                        .batch = [batch](const Place<const R>& src, const Place<R>& dst, int n,
+                                         std::size_t count, std::int32_t flag) {
+                            return batch(reinterpret_cast<const S*>(src.plane[0]), src.stride,
+                                         src.distance, reinterpret_cast<D*>(dst.plane[0]),
+                                         dst.stride, dst.distance, n, count, flag);
+                        }});
+    }
+
+    template <class Single, class Batch>
+    void addSplit(const char* name, Single single, Batch batch) {
+        list.push_back({.name = name,
+                        .numbers = from(2, 64),
+                        .byOrder = false,
+                        .scaled = true,
+                        .src = {2, 1, false},
+                        .dst = {2, 1, false},
+                        .single = single,
+                        .batch = [batch](const Place<const R>& src, const Place<R>& dst, int n,
+                                         std::size_t count, std::int32_t flag) {
+                            return batch(src.plane[0], src.plane[1], src.stride, src.distance,
+                                         dst.plane[0], dst.plane[1], dst.stride, dst.distance, n,
+                                         count, flag);
+                        }});
+    }
+
+    template <class Single, class Batch>
+    void addWht(const char* name, Single single, Batch batch) {
+        list.push_back({.name = name,
+                        .numbers = from(1, 13),
+                        .byOrder = true,
+                        .scaled = true,
+                        .src = {1, 1, false},
+                        .dst = {1, 1, false},
+                        .single =
+                            [single](const R* src, R* dst, int order, std::int32_t flag) {
+                                return single(src, dst, order, flag, whtBuffer);
+                            },
+                        .batch =
+                            [batch](const Place<const R>& src, const Place<R>& dst, int order,
+                                    std::size_t count, std::int32_t flag) {
+                                return batch(src.plane[0], src.stride, src.distance, dst.plane[0],
+                                             dst.stride, dst.distance, order, count, flag);
+                            }});
+    }
+
+    template <class Spec, class Init, class Single, class Batch>
+    void addDct4(const char* name, Init init, Single single, Batch batch) {
+        list.push_back({.name = name,
+                        .numbers = {2, 4, 8, 16, 32},
+                        .byOrder = false,
+                        .scaled = false,
+                        .src = {1, 1, false},
+                        .dst = {1, 1, false},
+                        .single =
+                            [init, single](const R* src, R* dst, int n, std::int32_t) {
+                                Spec* plan = nullptr;
+                                const OrvStatus status = init(&plan, n, planBlock);
+                                return status != orvOk ? status : single(src, dst, plan);
+                            },
+                        .batch =
+                            [batch](const Place<const R>& src, const Place<R>& dst, int n,
+                                    std::size_t count, std::int32_t) {
+                                return batch(src.plane[0], src.stride, src.distance, dst.plane[0],
+                                             dst.stride, dst.distance, n, nullptr, count);
+                            }});
+    }
+};
+
+using Real_32f = float;
+using Real_64f = double;
+using Real_32fc = float;
+using Real_64fc = double;
+
+#define ADD_LENGTHS(NAME, T, S, D)                                                \
+    if constexpr (std::is_same_v<R, Real_##T>)                                    \
+        all.template addLengths<S, D>(                                            \
+            "orvgBatch" #NAME "_" #T,                                             \
+            [](const R* src, R* dst, int n, std::int32_t flag) {                  \
+                return orvg##NAME##_##T(reinterpret_cast<const Orv##T*>(src),     \
+                                        reinterpret_cast<Orv##T*>(dst), n, flag); \
+            },                                                                    \
+            orvgBatch##NAME##_##T);
+#define ADD_SPLIT(NAME, T, REAL)                                                        \
+    if constexpr (std::is_same_v<R, REAL>)                                              \
+        all.addSplit(                                                                   \
+            "orvgBatchSplit" #NAME "_" #T,                                              \
+            [](const R* src, R* dst, int n, std::int32_t flag) {                        \
+                return orvg##NAME##_##T##c(reinterpret_cast<const Orv##T##c*>(src),     \
+                                           reinterpret_cast<Orv##T##c*>(dst), n, flag); \
+            },                                                                          \
+            orvgBatchSplit##NAME##_##T);
+
+template <class R>
+std::vector<Family<R>> listFamilies() {
+    Families<R> all;
+    ORVGEN_BATCH_LENGTH_FAMILIES(ADD_LENGTHS)
+    ORVGEN_BATCH_SPLIT_FAMILIES(ADD_SPLIT)
+    if constexpr (std::is_same_v<R, float>) {
+        all.addWht("orvgBatchWHT_32f", orvgWHT_32f, orvgBatchWHT_32f);
+        all.template addDct4<OrvDCT4Spec_32f>("orvgBatchDCT4_32f", orvgDCT4Init_32f, orvgDCT4_32f,
+                                              orvgBatchDCT4_32f);
+    } else {
+        all.addWht("orvgBatchWHT_64f", orvgWHT_64f, orvgBatchWHT_64f);
+        all.template addDct4<OrvDCT4Spec_64f>("orvgBatchDCT4_64f", orvgDCT4Init_64f, orvgDCT4_64f,
+                                              orvgBatchDCT4_64f);
+    }
+    return all.list;
+}
+
+}  // namespace
+
+template <>
+const std::vector<Family<float>>& families() {
+    static const auto list = listFamilies<float>();
+    return list;
+}
+template <>
+const std::vector<Family<double>>& families() {
+    static const auto list = listFamilies<double>();
+    return list;
+}
+
+std::vector<std::uint32_t> runnableTargets() {
+    std::vector<std::uint32_t> targets;
+    for (const std::uint32_t t : {orvTargetSSE2, orvTargetAVX2, orvTargetAVX512})
+        if ((orvgBatchTargets() & t) != 0) targets.push_back(t);
+    return targets;
+}
+
+const char* nameOf(std::uint32_t target) {
+    switch (target) {
+        case orvTargetSSE2:
+            return "SSE2";
+        case orvTargetAVX2:
+            return "AVX2";
+        default:
+            return "AVX-512";
+    }
+}
+
+}  // namespace orvgen::test::batch
