@@ -27,11 +27,11 @@ namespace {
 //
 // A function with a buffer among its arguments has its pool, which only the gate reads, in r8.
 
-constexpr int kShort = 128;    // displacements of one byte reach from -128 to 127,
-constexpr int kReach = 256;    // so many bytes
-constexpr int kLeastUses = 4;  // that pay for a further register: two or three bytes each
-constexpr int kParkedBytes = 16;     // the scale as a vector
-constexpr int kSavedBytes = 5 * 8;   // what is kept across a call of the allocator
+constexpr int kShort = 128;         // displacements of one byte reach from -128 to 127,
+constexpr int kReach = 256;         // so many bytes
+constexpr int kLeastUses = 4;       // that pay for a further register: two or three bytes each
+constexpr int kParkedBytes = 16;    // the scale as a vector
+constexpr int kSavedBytes = 5 * 8;  // what is kept across a call of the allocator
 
 std::string number(long n) { return std::to_string(n); }
 std::string line(const std::string& text) { return "\t" + text + "\n"; }
@@ -126,13 +126,13 @@ class FunctionPrinter {
 
     std::string enterFrame() const {
         if (!stackBytes()) return "";
-        return line("sub\trsp, " + number(stackBytes())) +
-               "\t.cfi_adjust_cfa_offset " + number(stackBytes()) + "\n";
+        return line("sub\trsp, " + number(stackBytes())) + "\t.cfi_adjust_cfa_offset " +
+               number(stackBytes()) + "\n";
     }
     std::string leaveFrame() const {
         if (!stackBytes()) return "";
-        return line("add\trsp, " + number(stackBytes())) +
-               "\t.cfi_adjust_cfa_offset -" + number(stackBytes()) + "\n";
+        return line("add\trsp, " + number(stackBytes())) + "\t.cfi_adjust_cfa_offset -" +
+               number(stackBytes()) + "\n";
     }
 
     // ---- gate
@@ -242,11 +242,11 @@ class FunctionPrinter {
         text += address("r8", "rcx", start + biasOf(step.block, array, target_));
         text += line("mov\tr9d, " + number(pass.trips));
         text += "\t.p2align\t6\n" + label(top);
-        text += instructions(step.block,
-                             {{pass.from, {from, biasOf(step.block, pass.from, target_)}},
-                              {pass.to, {to, biasOf(step.block, pass.to, target_)}},
-                              {Base::Scale, {"rdx", frameBias()}},
-                              {Base::Frame, {"rdx", frameBias() - slotsAt()}}});
+        text +=
+            instructions(step.block, {{pass.from, {from, biasOf(step.block, pass.from, target_)}},
+                                      {pass.to, {to, biasOf(step.block, pass.to, target_)}},
+                                      {Base::Scale, {"rdx", frameBias()}},
+                                      {Base::Frame, {"rdx", frameBias() - slotsAt()}}});
         text += plus(from, pass.advance) + plus(to, pass.advance);
         return text + line("sub\tr9d, 1") + line("jne\t" + top);
     }

@@ -31,8 +31,8 @@ void rewrite(std::vector<MachineInstruction>& block, Base base, const std::vecto
             m.address.offset = offset[static_cast<std::size_t>(m.address.offset)];
 }
 
-// Places of sizes that are powers of two, each at a multiple of its size. What alignment leaves free
-// below the end is filled by smaller ones; there is never more than one such hole of a size.
+// Places of sizes that are powers of two, each at a multiple of its size. What alignment leaves
+// free below the end is filled by smaller ones; there is never more than one such hole of a size.
 class Places {
   public:
     int place(int size) {

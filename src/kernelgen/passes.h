@@ -1,8 +1,8 @@
 // What a kernel does between its gate and its return, as passes over memory.
 //
-// A pass is a block of straight code, run once or in a counted loop. Most kernels are one block that
-// reads src and writes dst. Kernels with a buffer do the passes of `tile` for one tile of src after
-// the other, into the buffer, and then `last` from the buffer to dst.
+// A pass is a block of straight code, run once or in a counted loop. Most kernels are one block
+// that reads src and writes dst. Kernels with a buffer do the passes of `tile` for one tile of src
+// after the other, into the buffer, and then `last` from the buffer to dst.
 #pragma once
 
 #include <string>

@@ -62,10 +62,13 @@ void check() {
         ASSERT_TRUE(forward && inverse) << n;
         std::mt19937 engine(static_cast<unsigned>(n));
         std::uniform_real_distribution<Real> value(-1, 1);
+        std::normal_distribution<double> exponent(0, 6);
         bool swap = true, reverse = true;
         for (int i = 0; i < 400; ++i) {
+            // Numbers of one size, then of several.
             Vector<Real> x(static_cast<std::size_t>(2 * n));
-            for (Real& v : x) v = value(engine);
+            for (Real& v : x)
+                v = std::ldexp(value(engine), i % 2 == 0 ? 0 : static_cast<int>(exponent(engine)));
             const Vector<Real> y = transform(*inverse, x);
             swap = swap && sameBits(y, swapped(transform(*forward, swapped(x))));
             reverse = reverse && sameBits(y, reversed(transform(*forward, x)));

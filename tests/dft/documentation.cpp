@@ -25,7 +25,7 @@ std::map<int, std::string> documentedDecompositions() {
     return rows;
 }
 
-TEST(Documentation, ComplexDecompositions) {
+TEST(ComplexBinary32Plans, StandInTheDocumentation) {
     const auto rows = documentedDecompositions();
     EXPECT_EQ(rows.size(), 63U);
     const auto families = dft::complexSingleFamilies();

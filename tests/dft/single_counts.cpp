@@ -39,7 +39,7 @@ std::string stages(const plan::Plan& plan) {
     return std::to_string(plan.length);
 }
 
-TEST(SingleCounts, CompositeLengths) {
+TEST(ComplexBinary32Counts, AreThoseOfTheTableAtCompositeLengths) {
     test::CountCheck check("complex_f32_composite");
     for (const auto& family : dft::complexSingleFamilies())
         for (const auto& row : test::dataTable("complex_f32_composite").rows()) {
@@ -55,7 +55,7 @@ TEST(SingleCounts, CompositeLengths) {
     EXPECT_EQ(check.report(), "");
 }
 
-TEST(SingleCounts, RaderPrimes) {
+TEST(ComplexBinary32Counts, AreThoseOfTheTablesAtRaderPrimes) {
     test::CountCheck check("complex_f32_rader");
     test::CountCheck distinct("complex_f32_factors");
     for (const auto& family : dft::complexSingleFamilies())
@@ -79,7 +79,7 @@ TEST(SingleCounts, RaderPrimes) {
 
 // The embedded factors, out of the composite rows that hold them: length 2 p has two of them beside
 // p two-point butterflies.
-TEST(SingleCounts, EmbeddedFactors) {
+TEST(ComplexBinary32Counts, AreThoseOfTheTableInsideCompositeLengths) {
     test::CountCheck check("complex_f32_factors");
     const auto forward = dft::complexSingleFamilies()[0];
     for (const auto& row : test::dataTable("complex_f32_factors").rows()) {
@@ -97,7 +97,7 @@ TEST(SingleCounts, EmbeddedFactors) {
     EXPECT_EQ(complaints, "");
 }
 
-TEST(SingleCounts, MixedProducts) {
+TEST(ComplexBinary32Counts, ProductsThatMixThePartsAreThoseOfTheTable) {
     test::CountCheck check("complex_f32_mixed_products");
     for (const auto& family : dft::complexSingleFamilies())
         for (const auto& row : test::dataTable("complex_f32_mixed_products").rows()) {
@@ -110,7 +110,7 @@ TEST(SingleCounts, MixedProducts) {
 }
 
 // Length 26 has two factors 13: every constant of one real lane four times.
-TEST(SingleCounts, ConstantsOfFactor13) {
+TEST(ComplexBinary32Counts, FactorThirteenHasTheConstantsOfTheTable) {
     const auto kernel = dft::complexSingleFamilies()[0].kernel(26);
     std::map<double, long> found;
     for (const auto& node : kernel.flow.nodes())
@@ -135,7 +135,7 @@ TEST(SingleCounts, ConstantsOfFactor13) {
     for (const auto& [value, count] : found) EXPECT_EQ(count, 0) << value;
 }
 
-TEST(SingleCounts, BluesteinPrimes) {
+TEST(ComplexBinary32Counts, AreThoseOfTheTableAtBluesteinPrimes) {
     test::CountCheck check("complex_f32_bluestein");
     for (const auto& family : dft::complexSingleFamilies())
         for (const auto& row : test::dataTable("complex_f32_bluestein").rows())

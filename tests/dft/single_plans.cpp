@@ -61,7 +61,7 @@ std::vector<long> factorsNamed(const std::string& top) {
 // A Cooley-Tukey join at the top has twiddles of the whole length. Under a Good-Thomas one every
 // twiddle belongs to one of the coprime factors, also where the stages of one stand inside the
 // other (18, 50 and 54).
-TEST(PlansOfComplexBinary32, TheJoinAtTheTopIsThatOfTheTable) {
+TEST(ComplexBinary32Plans, TheJoinAtTheTopIsThatOfTheTable) {
     for (const auto& row : test::dataTable("complex_f32_composite").rows()) {
         const long n = row.integer("length");
         const std::string top = row.text("top");
@@ -101,7 +101,7 @@ TEST(PlansOfComplexBinary32, TheJoinAtTheTopIsThatOfTheTable) {
     }
 }
 
-TEST(PlansOfComplexBinary32, CyclesAreThoseOfTheTable) {
+TEST(ComplexBinary32Plans, CyclesAreThoseOfTheTable) {
     for (const auto& row : test::dataTable("complex_f32_rader").rows()) {
         const long p = row.integer("length");
         const auto* rader = dft::singleLength(static_cast<int>(p)).plan->as<plan::ComplexRader>();
@@ -124,7 +124,7 @@ void collectBlocks(const Plan& plan, int p, std::vector<const Plan*>& found) {
     for (const auto& factor : factors(plan)) collectBlocks(*factor, p, found);
 }
 
-TEST(PlansOfComplexBinary32, PrimeFactorsHaveTheFormOfTheTable) {
+TEST(ComplexBinary32Plans, PrimeFactorsHaveTheFormOfTheTable) {
     for (const auto& row : test::dataTable("complex_f32_factors").rows()) {
         const auto p = static_cast<int>(row.integer("factor"));
         const std::string form = row.text("form");
@@ -145,7 +145,7 @@ TEST(PlansOfComplexBinary32, PrimeFactorsHaveTheFormOfTheTable) {
 
 // Butterflies of 2 to 5 points are kernels of their own, in scalar code; those of 7 and 11 points
 // stand inside length 2 p, two of them beside p two-point butterflies.
-TEST(PlansOfComplexBinary32, ButterfliesHaveTheCountsOfTheTables) {
+TEST(ComplexBinary32Plans, ButterfliesHaveTheCountsOfTheTables) {
     for (const auto& family : dft::complexSingleFamilies()) {
         test::CountCheck base("complex_f32_base"), composite("complex_f32_composite");
         test::CountCheck alone("complex_f32_factors");

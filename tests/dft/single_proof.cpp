@@ -10,9 +10,9 @@ namespace {
 using flows::Direction;
 using kernelgen::Real;
 
-class SingleProof : public testing::TestWithParam<int> {};
+class ComplexBinary32Flows : public testing::TestWithParam<int> {};
 
-TEST_P(SingleProof, IsTheTransform) {
+TEST_P(ComplexBinary32Flows, ComputeTheTransform) {
     const auto families = dft::complexSingleFamilies();
     const Direction directions[] = {Direction::Forward, Direction::Inverse};
     for (std::size_t d = 0; d < 2; ++d) {
@@ -23,7 +23,7 @@ TEST_P(SingleProof, IsTheTransform) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Lengths, SingleProof,
+INSTANTIATE_TEST_SUITE_P(Lengths, ComplexBinary32Flows,
                          testing::ValuesIn(dft::complexSingleFamilies()[0].lengths),
                          [](const auto& length) { return std::to_string(length.param); });
 

@@ -84,7 +84,7 @@ Numbers transform(const Stages& s, std::size_t first, std::size_t step, const Nu
     return y;
 }
 
-TEST(SingleStages, OrderIsThatOfTheTable) {
+TEST(ComplexBinary32Stages, RunInTheOrderOfTheTable) {
     const auto forward = dft::complexSingleFamilies()[0];
     int compared = 0;
     for (const auto& row : test::dataTable("complex_f32_composite").rows()) {
