@@ -111,5 +111,38 @@ TEST(WrittenLengths, FiftyFourHasItsTwoInsideTwentySeven) {
     compare(54, [](Sign sign, const Numbers& x) { return twoInside(sign, 3, x, eighteen); });
 }
 
+// The other joins, one length each: twiddles before and behind Good-Thomas, with rows that fill
+// their lanes and rows that do not.
+auto blocks(Sign sign) {
+    return [sign](const Numbers& z) { return butterfly(sign, z); };
+}
+auto blocks(Sign sign, std::size_t R, std::size_t M) {
+    return [=](const Numbers& z) { return goodThomas(R, M, z, blocks(sign), blocks(sign)); };
+}
+
+TEST(WrittenLengths, TwentyFourIsFourThenThreeAndTwo) {
+    compare(24, [](Sign sign, const Numbers& x) {
+        return cooleyTukey(sign, 4, 6, x, blocks(sign), blocks(sign, 3, 2));
+    });
+}
+
+TEST(WrittenLengths, FortyFiveIsFiveAndThreeThenThree) {
+    compare(45, [](Sign sign, const Numbers& x) {
+        return cooleyTukey(sign, 15, 3, x, blocks(sign, 5, 3), blocks(sign));
+    });
+}
+
+TEST(WrittenLengths, FortyEightIsFourThenThreeAndFour) {
+    compare(48, [](Sign sign, const Numbers& x) {
+        return cooleyTukey(sign, 4, 12, x, blocks(sign), blocks(sign, 3, 4));
+    });
+}
+
+TEST(WrittenLengths, FiftySixIsSevenAndTwoThenFour) {
+    compare(56, [](Sign sign, const Numbers& x) {
+        return cooleyTukey(sign, 14, 4, x, blocks(sign, 7, 2), blocks(sign));
+    });
+}
+
 }  // namespace
 }  // namespace orvgen::test

@@ -75,16 +75,30 @@ inline Number minusTurned(Sign sign, Number m, Number p) {
     return plusTurned(sign == Sign::Forward ? Sign::Inverse : Sign::Forward, m, p);
 }
 
-// A sum of sines of the direct form begins with its first positive term.
-inline float positiveFirst(const std::vector<float>& c, const std::vector<float>& d) {
+// sum + c d: a negative constant is stored without its sign, and its product subtracted.
+inline float withTerm(float sum, float c, float d) { return c < 0 ? sum - -c * d : sum + c * d; }
+
+// A sum of sines of the direct form begins with its first positive term. Where none is positive the
+// sum of the magnitudes is formed and stands with a minus in what follows.
+struct Sines {
+    float sum;
+    bool minus;
+};
+inline Sines positiveFirst(std::vector<float> c, const std::vector<float>& d) {
     std::size_t first = 0;
     while (first < c.size() && c[first] < 0) ++first;
-    if (first == c.size()) first = 0;
+    const bool minus = first == c.size();
+    if (minus) {
+        first = 0;
+        for (float& constant : c) constant = -constant;
+    }
     float sum = c[first] * d[first];
     for (std::size_t j = 0; j < c.size(); ++j)
-        if (j != first) sum += c[j] * d[j];
-    return sum;
+        if (j != first) sum = withTerm(sum, c[j], d[j]);
+    return {sum, minus};
 }
+inline float operator+(float a, Sines b) { return b.minus ? a - b.sum : a + b.sum; }
+inline float operator-(float a, Sines b) { return b.minus ? a + b.sum : a - b.sum; }
 
 // 7 and 11: the real and the imaginary part of a sum of sines each by its own signs.
 inline Numbers direct(Sign sign, const Numbers& z) {
@@ -101,16 +115,17 @@ inline Numbers direct(Sign sign, const Numbers& z) {
         Number a = z[0];
         std::vector<float> forRe, forIm, re, im;
         for (std::size_t j = 1; j <= h; ++j) {
-            a = a + cosine(j * k, p) * s[j - 1];
+            const float c = cosine(j * k, p);
+            a = {withTerm(a.re, c, s[j - 1].re), withTerm(a.im, c, s[j - 1].im)};
             const float b = sine(j * k, p);
             forRe.push_back(sign == Sign::Forward ? b : -b);
             forIm.push_back(-forRe.back());
             re.push_back(d[j - 1].re);
             im.push_back(d[j - 1].im);
         }
-        const Number b{positiveFirst(forRe, im), positiveFirst(forIm, re)};
-        y[k] = a + b;
-        y[p - k] = a - b;
+        const Sines bRe = positiveFirst(forRe, im), bIm = positiveFirst(forIm, re);
+        y[k] = {a.re + bRe, a.im + bIm};
+        y[p - k] = {a.re - bRe, a.im - bIm};
     }
     return y;
 }
@@ -172,6 +187,30 @@ Numbers goodThomas(std::size_t R, std::size_t M, const Numbers& x, const First& 
         for (const Numbers& column : u) z.push_back(column[k1]);
         const Numbers out = second(z);
         for (std::size_t k = k1; k < N; k += R) y[k] = out[k % M];
+    }
+    return y;
+}
+
+// Cooley-Tukey, R-point columns first: column c takes x[c + M t], its row k has the twiddle
+// exp(-+ 2 pi i c k / (R M)), the row k of all columns gives y[k + R q]. Rows lie in lanes beside
+// each other, so that all products of a column run, but for the first one, which has none.
+template <class Column, class Row>
+Numbers cooleyTukey(Sign sign, std::size_t R, std::size_t M, const Numbers& x, const Column& column,
+                    const Row& row) {
+    std::vector<Numbers> v;
+    for (std::size_t c = 0; c < M; ++c) {
+        Numbers z;
+        for (std::size_t t = 0; t < R; ++t) z.push_back(x[c + M * t]);
+        v.push_back(column(z));
+        for (std::size_t k = 0; k < R && c > 0; ++k)
+            v[c][k] = twiddled(root(sign, c * k, R * M), v[c][k]);
+    }
+    Numbers y(R * M);
+    for (std::size_t k = 0; k < R; ++k) {
+        Numbers z;
+        for (const Numbers& rows : v) z.push_back(rows[k]);
+        const Numbers out = row(z);
+        for (std::size_t q = 0; q < M; ++q) y[k + R * q] = out[q];
     }
     return y;
 }
