@@ -18,6 +18,22 @@ function(orvgen_assemble_kernels out generator)
     set(${out} ${files} PARENT_SCOPE)
 endfunction()
 
+# orvgen_assemble_batch_kernels(OUT TARGETS name...): the assembly files of the kernels for batches, for the instruction
+# sets in the list TARGETS (avx2, avx512).
+function(orvgen_assemble_batch_kernels out targets)
+    set(files "")
+    foreach(kernel IN LISTS ARGN)
+        string(REGEX REPLACE "^orvg" "${ORVGEN_KERNEL_DIR}/owngBatch" stem ${kernel})
+        list(TRANSFORM targets REPLACE "(.+)" "${stem}_\\1.s" OUTPUT_VARIABLE written)
+        add_custom_command(OUTPUT ${written}
+                           COMMAND orvgen_kernelgen_program batch ${kernel} ${ORVGEN_KERNEL_DIR} ${targets}
+                           DEPENDS orvgen_kernelgen_program
+                           COMMENT "Generating ${kernel} for batches" VERBATIM)
+        list(APPEND files ${written})
+    endforeach()
+    set(${out} ${files} PARENT_SCOPE)
+endfunction()
+
 # orvgen_add_kernels(FAMILY ELEMENT): all members of a family that the public header lists, as a part of the product.
 function(orvgen_add_kernels family element)
     orvgen_family_members(${family} ${element} members)

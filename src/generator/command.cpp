@@ -5,6 +5,7 @@
 #include <iostream>
 #include <optional>
 
+#include "kernelgen/batch.h"
 #include "kernelgen/compile.h"
 #include "kernelgen/count.h"
 #include "kernelgen/error_bound.h"
@@ -34,8 +35,30 @@ std::optional<Member> findMember(const std::vector<Family>& families, const std:
     return std::nullopt;
 }
 
-void emit(const Kernel& kernel, const std::string& file) {
-    writeKernelFile(file, keyOf(kernel), [&] { return compileKernel(kernel).assembly; });
+const Target& targetOf(const std::string& name) {
+    for (const Target* target : {&kSse2, &kAvx2, &kAvx512})
+        if (name == target->name) return *target;
+    throw std::runtime_error("no such target: " + name);
+}
+
+void emit(const Kernel& kernel, const std::string& file, const Target& target) {
+    writeKernelFile(file, keyOf(kernel), [&] { return compileKernel(kernel, target).assembly; });
+}
+
+// What the arrays of a kernel hold.
+WideOptions layoutsOf(const std::string& kernel) {
+    const auto has = [&](const char* part) { return kernel.find(part) != std::string::npos; };
+    WideOptions options;
+    if (has("_CToC_") || has("_CCSToR_")) options.src = Layout::Complex;
+    if (has("_PackToR_")) options.src = Layout::PackedBins;
+    if (has("_CToC_") || has("_RToCCS_")) options.dst = Layout::Complex;
+    return options;
+}
+
+void emitBatch(const Kernel& kernel, const std::string& folder, const std::string& name) {
+    const Target& target = targetOf(name);
+    writeKernelFile(folder + "/" + batchName(kernel.name, target) + ".s", keyOf(kernel),
+                    [&] { return compileBatch(kernel, target, layoutsOf(kernel.name)).assembly; });
 }
 
 // What there is to say of a flow: its operations, the rows of the tables, its error bound.
@@ -93,15 +116,20 @@ int runCommand(int argc, char** argv, const std::vector<Family>& families) {
                     std::cout << memberName(family.name, length) << "\n";
             return 0;
         }
-        if ((command != "emit" || argc != 4) && (command != "show" || (argc != 3 && argc != 4)))
-            return fail("usage: list | emit NAME FILE | show NAME [FOLDER OF TABLES]");
+        if ((command != "emit" || (argc != 4 && argc != 5)) && (command != "batch" || argc < 5) &&
+            (command != "show" || (argc != 3 && argc != 4)))
+            return fail(
+                "usage: list | emit NAME FILE [TARGET] | batch NAME FOLDER TARGET... | "
+                "show NAME [FOLDER OF TABLES]");
         const std::optional<Member> member = findMember(families, argv[2]);
         if (!member) return fail("no such kernel: " + std::string(argv[2]));
         const Kernel kernel = member->family->kernel(member->length);
         if (command == "show")
             show(kernel, argc == 4 ? argv[3] : "");
+        else if (command == "batch")
+            for (int i = 4; i < argc; ++i) emitBatch(kernel, argv[3], argv[i]);
         else
-            emit(kernel, argv[3]);
+            emit(kernel, argv[3], argc == 5 ? targetOf(argv[4]) : kSse2);
         return 0;
     } catch (const std::exception& e) {
         return fail(e.what());

@@ -7,7 +7,11 @@
 
 namespace orvgen::generator {
 
-// emit NAME FILE      writes the assembly of one kernel
+// emit NAME FILE [TARGET]
+//                     writes the assembly of one kernel, for every processor or for the target avx2
+// batch NAME FOLDER TARGET...
+//                     writes that of many transforms at once, for each of the targets (avx2,
+//                     avx512)
 // show NAME [FOLDER]  prints what there is to say about it, beside the rows of the tables in
 //                     FOLDER, and its assembly
 // list                prints the names of all kernels

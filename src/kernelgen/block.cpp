@@ -5,7 +5,6 @@
 
 #include "core_model.h"
 #include "layout.h"
-#include "order.h"
 
 namespace orvgen::kernelgen {
 
@@ -17,10 +16,10 @@ constexpr double kInstructionWeight = 0.02;
 }  // namespace
 
 Block compileBlock(const Code& code, const Target& target, const AllocationOptions& options,
-                   int frameLimit) {
+                   int frameLimit, Search search) {
     std::optional<Allocation> best;
     Block block;
-    for (const std::vector<int>& order : candidateOrders(code, target)) {
+    for (const std::vector<int>& order : candidateOrders(code, target, search)) {
         Allocation allocation = allocate(code, order, target, options);
         const int frame = frameBytes(allocation.slotSizes);
         if (frameLimit >= 0 && frame > frameLimit) continue;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "allocate.h"
+#include "order.h"
 
 namespace orvgen::kernelgen {
 
@@ -19,7 +20,7 @@ struct Block {
 
 // Orders that need a larger frame than `frameLimit` are passed over; a negative one is none.
 Block compileBlock(const Code& code, const Target& target, const AllocationOptions& options,
-                   int frameLimit = -1);
+                   int frameLimit = -1, Search search = Search::Long);
 
 // The best block of several codes for the same work.
 Block compileForms(const std::vector<Code>& forms, const Target& target,

@@ -57,7 +57,12 @@ class KernelCompiler {
 
   private:
     Step step(const Pass& pass) const {
-        return {pass, compileForms(pass.forms, target_, pass.allocation, pass.frameLimit)};
+        AllocationOptions allocation = pass.allocation;
+        if (target_.unalignedOperands) {  // src is at hand in memory whatever its alignment
+            allocation.foldSrc = true;
+            allocation.loadSrcOnce = false;
+        }
+        return {pass, compileForms(pass.forms, target_, allocation, pass.frameLimit)};
     }
 
     KernelFigures figures() const {

@@ -317,8 +317,24 @@ std::string twinName(const std::string& kernel) { return "owng" + kernel.substr(
 
 std::string poolLabel(const std::string& kernel) { return ".L" + kernel + "_pool"; }
 
+namespace {
+
+// One body takes any alignment: the twin is another name of it.
+std::string secondName(const std::string& function, const std::string& name) {
+    return "\t.globl\t" + name + "\n\t.hidden\t" + name + "\n\t.type\t" + name +
+           ", @function\n\t.set\t" + name + ", " + function + "\n\n";
+}
+
+}  // namespace
+
 std::string printFunctions(const Kernel& kernel, const CompiledBody& body, const Target& target) {
     FunctionPrinter printer(kernel, body, target);
+    if (target.unalignedOperands) {
+        std::string text = printer.function(kernel.name, true, {Variant::AnyAlignment});
+        if (kernel.alignment == Alignment::Twin)
+            text += secondName(kernel.name, twinName(kernel.name));
+        return text;
+    }
     switch (kernel.alignment) {
         case Alignment::Any:
             return printer.function(kernel.name, true, {Variant::AnyAlignment});

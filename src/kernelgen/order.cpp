@@ -227,20 +227,20 @@ Order windowed(const Dependences& d, const Order& base, std::size_t window, int 
 
 }  // namespace
 
-std::vector<std::vector<int>> candidateOrders(const Code& code, const Target& target) {
+std::vector<std::vector<int>> candidateOrders(const Code& code, const Target& target,
+                                              Search search) {
     const Dependences d(code);
     const std::size_t n = code.instructions.size();
-    const std::vector<Order> bases = {
-        d.body,
-        depthFirst(d, code, false),
-        depthFirst(d, code, true),
-        Bisection(d, n, false).run(),
-        Bisection(d, n, true).run(),
-    };
+    std::vector<Order> bases = {d.body, Bisection(d, n, false).run(), Bisection(d, n, true).run()};
+    std::vector<int> liveLimits = {target.registers};
+    if (search == Search::Long) {
+        bases.insert(bases.begin() + 1, {depthFirst(d, code, false), depthFirst(d, code, true)});
+        liveLimits = {target.registers - 4, target.registers - 2, target.registers};
+    }
     std::vector<Order> orders;
     for (const Order& base : bases) {
         orders.push_back(base);
-        for (const int live : {target.registers - 4, target.registers - 2, target.registers})
+        for (const int live : liveLimits)
             for (const std::size_t window : {8U, 16U, 32U, 64U})
                 orders.push_back(windowed(d, base, window, live));
     }

@@ -1,0 +1,23 @@
+// A kernel for batches: W transforms at once, one in each lane of the widest vectors of a target.
+//
+//     void f(const R* srcRe, const R* srcIm, ptrdiff_t srcStep,
+//            R* dstRe, R* dstIm, ptrdiff_t dstStep, int32_t scale);
+//
+// Element n of the W transforms is one vector, aligned or not, at srcRe + n srcStep (its real part,
+// or the real element) and srcIm + n srcStep (the imaginary part); results likewise. Steps are in
+// bytes. A side of real numbers has no second pointer: what is passed for it is not used. `scale`
+// is a ScaleKind. Equal pointers and steps on both sides are harmless, any other overlap is not.
+#pragma once
+
+#include "compile.h"
+#include "lower_wide.h"
+
+namespace orvgen::kernelgen {
+
+// orvgHartley_16_32f on the target avx2 is owngBatchHartley_16_32f_avx2.
+std::string batchName(const std::string& kernel, const Target& target);
+
+// Which sides are complex is `options`' to say; the flow is the single kernel's own.
+CompiledKernel compileBatch(const Kernel& kernel, const Target& target, WideOptions options);
+
+}  // namespace orvgen::kernelgen
