@@ -20,8 +20,7 @@ TEST(RaderConstants, AreThoseOfTheTableAtSeven) {
 
 TEST(RaderConstants, HaveOneModulusButTheFirst) {
     for (const long p : test::dataTable("complex_f32_rader").list("length")) {
-        const auto B =
-            dft::raderConstants(dft::Direction::Forward, static_cast<std::size_t>(p));
+        const auto B = dft::raderConstants(dft::Direction::Forward, static_cast<std::size_t>(p));
         const auto L = static_cast<double>(p - 1);
         ASSERT_EQ(B.size(), static_cast<std::size_t>(p - 1));
         EXPECT_EQ(B[0].re.asDouble(), -1 / L);

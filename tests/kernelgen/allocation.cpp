@@ -142,8 +142,10 @@ TEST(Allocation, ConversionsDoNotWaitForStrangers) {
     const auto clears = [](int since) {
         WrittenCode c;
         const Register single = c.code.fresh();
-        c.code.instructions.push_back(
-            {.op = Opcode::LoadSS, .dst = single, .hasAddress = true, .address = {Base::Src, 8 * 30}});
+        c.code.instructions.push_back({.op = Opcode::LoadSS,
+                                       .dst = single,
+                                       .hasAddress = true,
+                                       .address = {Base::Src, 8 * 30}});
         // Fifteen values keep their registers; the conversion gets the one that is left.
         std::vector<Register> kept;
         for (int i = 0; i < 15; ++i) kept.push_back(c.difference(c.load(i + 1), c.load(20)));
