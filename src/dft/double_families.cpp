@@ -1,6 +1,8 @@
 // The complex binary64 kernels: two bodies in one function up to length 4, twins from 5 up.
 #include "double_flow.h"
+#include "double_plans.h"
 #include "families.h"
+#include "plan/notation.h"
 
 namespace orvgen::dft {
 
@@ -20,7 +22,7 @@ Family family(const std::string& name, Direction direction) {
         return Kernel{
             kernelgen::memberName(name, n),
             n,
-            doubleMethod(n),
+            plan::notation(*doublePlans().plan(n)),
             direction == Direction::Forward ? ScaleRule::ForwardByN : ScaleRule::InverseByN,
             n < 5 ? Alignment::TwoBodies : Alignment::Twin,
             false,

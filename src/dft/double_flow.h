@@ -14,7 +14,6 @@
 #pragma once
 
 #include "flows/direction.h"
-#include "flows/plan.h"
 #include "kernelgen/value.h"
 
 namespace orvgen::dft {
@@ -28,11 +27,6 @@ inline kernelgen::Value timesMinusI(const kernelgen::Value& q) {
     kernelgen::Graph& g = q.graph();
     return {g, g.flip(g.swap(q.id()), true), q.negative()};
 }
-
-// The plans of length n: those of the forward real transform, but for some blocks.
-flows::Plans doublePlans(int n);
-// How length n is made, in words of its plan.
-std::string doubleMethod(int n);
 
 kernelgen::Graph doubleFlow(flows::Direction direction, int n);
 

@@ -1,150 +1,103 @@
-// Good-Thomas joins: n = ab with coprime factors, a-point blocks first, no twiddles.
-//
-// Samples t = b t1 + a t2 and bins k = b k1 + a k2, both modulo n, so that
-//   w(n)^(e t k) = w(a)^(e b t1 k1) w(b)^(e a t2 k2):
-// the blocks are transforms with the root exponents e b and e a.
+// Good-Thomas joins: N = R M with coprime factors, no twiddles (plan::GoodThomasMap).
 //
 // I. J. Good, The interaction algorithm and practical Fourier analysis, J. R. Statist. Soc. B,
 // 1958.
 #pragma once
 
-#include "flow.h"
+#include "rows.h"
 
 namespace orvgen::flows {
 
-inline std::size_t at(long k, long n) { return static_cast<std::size_t>(modulo(k, n)); }
-
+// R-point transforms of the columns, then M-point transforms of the rows.
 template <class V>
-Bins<V> goodThomasReal(Flow<V>& flow, const Plan& plan, long e, const std::vector<V>& x) {
-    const int n = plan.length;
-    const int a = plan.parts[0]->length;
-    const int b = plan.parts[1]->length;
-    flow.stage(std::to_string(a) + "-point blocks");
-    std::vector<Bins<V>> u;  // by t2
-    for (int t2 = 0; t2 < b; ++t2) {
-        std::vector<V> row;
-        for (int t1 = 0; t1 < a; ++t1) row.push_back(x[at(b * t1 + a * t2, n)]);
-        const typename Flow<V>::Scope scope(flow, "first" + std::to_string(t2));
-        u.push_back(flow.real(plan.parts[0], e * b, row));
-    }
-    flow.stage(std::to_string(b) + "-point blocks");
-    Bins<V> half(binCount(n));
-    for (int k1 = 0; 2 * k1 <= a; ++k1) {
-        const typename Flow<V>::Scope scope(flow, "second" + std::to_string(k1));
-        const auto row = static_cast<std::size_t>(k1);
-        if (k1 == 0 || 2 * k1 == a) {
-            std::vector<V> across;
-            for (const Bins<V>& bins : u) across.push_back(bins[row].re.formed());
-            const Bins<V> y = flow.real(plan.parts[1], e * a, across);
-            for (int k2 = 0; 2 * k2 <= b; ++k2)
-                setBin(half, n, b * k1 + a * k2, y[static_cast<std::size_t>(k2)]);
-        } else {
-            Bins<V> across;
-            for (const Bins<V>& bins : u) across.push_back(bins[row]);
-            const Bins<V> y = flow.complex(plan.parts[1], plan.complexParts[1], e * a, across);
-            for (int k2 = 0; k2 < b; ++k2)
-                setBin(half, n, b * k1 + a * k2, y[static_cast<std::size_t>(k2)]);
-        }
-    }
-    return half;
-}
+Sequence<V> goodThomas(Flow<V>& flow, const Plan& plan, const plan::GoodThomas& join, long e,
+                       const Sequence<V>& x) {
+    const auto& [columns, rows] = join;
+    const long R = columns[0]->length, M = rows[0]->length, N = R * M;
+    const plan::GoodThomasMap map{R, M};
 
-template <class V>
-std::vector<V> goodThomasInverseReal(Flow<V>& flow, const Plan& plan, long e, const Bins<V>& z) {
-    const int n = plan.length;
-    const int a = plan.parts[0]->length;
-    const int b = plan.parts[1]->length;
-    flow.stage(std::to_string(a) + "-point blocks");
-    std::vector<Bins<V>> u(static_cast<std::size_t>(a));  // by t1, half spectra over k2
-    for (int k2 = 0; 2 * k2 <= b; ++k2) {
-        const typename Flow<V>::Scope scope(flow, "first" + std::to_string(k2));
-        if (k2 == 0 || 2 * k2 == b) {
-            Bins<V> row;
-            for (int k1 = 0; 2 * k1 <= a; ++k1) row.push_back(binAt(z, n, b * k1 + a * k2));
-            const std::vector<V> y = flow.inverseReal(plan.parts[0], e * b, row);
-            for (std::size_t t1 = 0; t1 < u.size(); ++t1) u[t1].push_back({y[t1], {}});
-        } else {
-            Bins<V> row;
-            for (int k1 = 0; k1 < a; ++k1) row.push_back(binAt(z, n, b * k1 + a * k2));
-            const Bins<V> y = flow.inverseComplex(plan.parts[0], plan.complexParts[0], e * b, row);
-            for (std::size_t t1 = 0; t1 < u.size(); ++t1) u[t1].push_back(y[t1]);
-        }
+    flow.stage(pointBlocks(R));
+    std::vector<Sequence<V>> u;  // u[c][k]
+    for (long c = 0; c < M; ++c) {
+        Sequence<V> column;
+        for (long t = 0; t < R; ++t) column.push_back(x[map.sample(c, t)]);
+        u.push_back(flow.run(*columns[c], e * M, column));
     }
-    flow.stage(std::to_string(b) + "-point blocks");
-    std::vector<V> x(static_cast<std::size_t>(n));
-    for (int t1 = 0; t1 < a; ++t1) {
-        const typename Flow<V>::Scope scope(flow, "second" + std::to_string(t1));
-        const std::vector<V> y =
-            flow.inverseReal(plan.parts[1], e * a, u[static_cast<std::size_t>(t1)]);
-        for (int t2 = 0; t2 < b; ++t2) x[at(b * t1 + a * t2, n)] = y[static_cast<std::size_t>(t2)];
-    }
-    return x;
-}
-
-template <class V>
-Bins<V> goodThomasComplex(Flow<V>& flow, const Plan& plan, long e, const Bins<V>& z) {
-    const int n = plan.length;
-    const int a = plan.parts[0]->length;
-    const int b = plan.parts[1]->length;
-    std::vector<Bins<V>> u;  // by t2
-    for (int t2 = 0; t2 < b; ++t2) {
-        Bins<V> row;
-        for (int t1 = 0; t1 < a; ++t1) row.push_back(z[at(b * t1 + a * t2, n)]);
-        const typename Flow<V>::Scope scope(flow, "first" + std::to_string(t2));
-        u.push_back(flow.complex(plan.parts[0], plan.complexParts[0], e * b, row));
-    }
-    Bins<V> y(static_cast<std::size_t>(n));
-    for (int k1 = 0; k1 < a; ++k1) {
-        Bins<V> across;
-        for (const Bins<V>& bins : u) across.push_back(bins[static_cast<std::size_t>(k1)]);
-        const typename Flow<V>::Scope scope(flow, "second" + std::to_string(k1));
-        const Bins<V> v = flow.complex(plan.parts[1], plan.complexParts[1], e * a, across);
-        for (int k2 = 0; k2 < b; ++k2) y[at(b * k1 + a * k2, n)] = v[static_cast<std::size_t>(k2)];
+    flow.stage(pointBlocks(M));
+    Sequence<V> y(keptBins(plan.transform, N));
+    for (long k = 0; k < std::ssize(rows); ++k) {
+        const Sequence<V> v = flow.run(*rows[k], e * R, rowOf(*rows[k], u, k));
+        for (long q = 0; q < std::ssize(v); ++q) setBin(plan.transform, y, N, map.bin(k, q), v[q]);
     }
     return y;
 }
 
-// Odd frequencies of length n = 2q, q odd: over the period 4q of the odd frequencies the samples
-// stand at q t1 + 4 t2 (beyond n with a minus), and the frequencies f = 1 modulo 4 give one complex
-// transform of length q, f modulo q being its bin; the others are the conjugates.
+// The mirror: M-point transforms of the rows, then R-point transforms of the columns.
 template <class V>
-Bins<V> goodThomasOdd(Flow<V>& flow, const Plan& plan, const Samples<V>& x) {
-    const int n = plan.length;
-    const int q = plan.parts[1]->length;
-    if (plan.parts[0]->length != 2 || q % 2 == 0)
-        throw std::logic_error("odd frequencies without twiddles take 2 and an odd factor");
-    const auto sample = [&](long t) {
-        t = modulo(t, 2 * n);
-        return t < n ? x[static_cast<std::size_t>(t)] : -x[static_cast<std::size_t>(t - n)];
+Sequence<V> inverseGoodThomas(Flow<V>& flow, const Plan& plan, const plan::GoodThomas& join, long e,
+                              const Sequence<V>& z) {
+    const auto& [rows, columns] = join;
+    const long M = rows[0]->length, R = columns[0]->length, N = R * M;
+    const plan::GoodThomasMap map{R, M};
+
+    flow.stage(pointBlocks(M));
+    std::vector<Sequence<V>> u(M);  // u[c][k]
+    for (long k = 0; k < std::ssize(rows); ++k) {
+        Sequence<V> row;
+        for (long q = 0; q < keptBins(rows[k]->transform, M); ++q)
+            row.push_back(binAt(plan.transform, z, N, map.bin(k, q)));
+        const Sequence<V> v = backwards(flow, *rows[k], e * R, row);
+        for (long c = 0; c < M; ++c) u[c].push_back(v[c]);
+    }
+    flow.stage(pointBlocks(R));
+    Sequence<V> x(N);
+    for (long c = 0; c < M; ++c) {
+        const Sequence<V> column = flow.run(*columns[c], e * M, u[c]);
+        for (long t = 0; t < R; ++t) x[map.sample(c, t)] = column[t];
+    }
+    return x;
+}
+
+// Odd frequencies of length N = 2 M, M odd: over the period 4 M of the odd frequencies the samples
+// stand at M t + 4 c (beyond N with a minus), and the frequencies f = 1 modulo 4 are one complex
+// row, f modulo M being its bin; the others are the conjugates.
+inline long oddRowFrequency(long i) { return 4 * i + 1; }
+
+template <class V>
+Sequence<V> goodThomasOdd(Flow<V>& flow, const plan::GoodThomas& join, const Sequence<V>& x) {
+    const auto& [columns, rows] = join;
+    const long M = rows[0]->length, N = 2 * M;
+    const auto sample = [&](long n) {
+        n = modulo(n, 2 * N);
+        return n < N ? x[n] : realNumber<V>(-x[n - N].re);
     };
-    Bins<V> across;
-    for (long t2 = 0; t2 < q; ++t2) across.push_back({sample(4 * t2), -sample(q + 4 * t2)});
-    const typename Flow<V>::Scope scope(flow, "second");
-    const Bins<V> y = flow.complex(plan.parts[1], plan.complexParts[1], 1, across);
-    Bins<V> half(oddBinCount(n));
-    for (long f = 1; f < 2 * n; f += 4) setOddBin(half, n, f, y[at(f, q)]);
-    return half;
+    std::vector<Sequence<V>> u;
+    for (long c = 0; c < M; ++c)
+        u.push_back(flow.run(*columns[c], 1, {sample(4 * c), sample(M + 4 * c)}));
+    const Sequence<V> v = flow.run(*rows[0], 1, rowOf(*rows[0], u, 0));
+    Sequence<V> y(M);
+    for (long i = 0; i < M; ++i) setBin(Transform::Odd, y, N, 2 * i, v[oddRowFrequency(i) % M]);
+    return y;
 }
 
 template <class V>
-std::vector<V> goodThomasInverseOdd(Flow<V>& flow, const Plan& plan, const Bins<V>& z) {
-    const int n = plan.length;
-    const int q = plan.parts[1]->length;
-    if (plan.parts[0]->length != 2 || q % 2 == 0)
-        throw std::logic_error("odd frequencies without twiddles take 2 and an odd factor");
-    Bins<V> row(static_cast<std::size_t>(q));
-    for (long f = 1; f < 2 * n; f += 4) row[at(f, q)] = oddBinAt(z, n, f);
-    const typename Flow<V>::Scope scope(flow, "first");
-    const Bins<V> y = flow.inverseComplex(plan.parts[1], plan.complexParts[1], 1, row);
-    std::vector<V> x(static_cast<std::size_t>(n));
-    const auto setSample = [&](long t, const V& v) {
-        t = modulo(t, 2 * n);
-        x[static_cast<std::size_t>(t < n ? t : t - n)] = t < n ? v : -v;
+Sequence<V> inverseGoodThomasOdd(Flow<V>& flow, const plan::GoodThomas& join,
+                                 const Sequence<V>& z) {
+    const auto& [rows, columns] = join;
+    const long M = rows[0]->length, N = 2 * M;
+    Sequence<V> row(M);
+    for (long i = 0; i < M; ++i)
+        row[oddRowFrequency(i) % M] = binAt(Transform::InverseOdd, z, N, 2 * i);
+    const Sequence<V> v = backwards(flow, *rows[0], 1, row);
+    Sequence<V> x(N);
+    const auto setSample = [&](long n, const Expression<V>& value) {
+        n = modulo(n, 2 * N);
+        x[n % N] = realNumber<V>(n < N ? value : -value);
     };
-    for (long t2 = 0; t2 < q; ++t2) {
-        const Bin<V>& v = y[static_cast<std::size_t>(t2)];
-        setSample(4 * t2, v.re.formed());
-        setSample(q + 4 * t2, -v.im.formed());
+    for (long c = 0; c < M; ++c) {
+        const Sequence<V> column = flow.run(*columns[c], 1, {v[c]});
+        setSample(4 * c, column[0].re);
+        setSample(M + 4 * c, column[1].re);
     }
     return x;
 }

@@ -16,133 +16,108 @@
 
 namespace orvgen::flows {
 
+// Frequencies 0 .. L/2 of a cycle, by parity.
 template <class V>
-Bins<V> raderReal(Flow<V>& flow, const Plan& plan, long e, const std::vector<V>& x) {
-    const int p = plan.length;
-    const int cycle = p - 1;
-    const int m = cycle / 2;
-    const long g = smallestRoot(p);
-    const RaderConstants k(p, e);
+struct CycleHalves {
+    Sequence<V> even, odd;
 
-    flow.stage("transform of the cycle of length " + std::to_string(cycle));
-    std::vector<V> samples;
-    for (int q = 0; q < cycle; ++q)
-        samples.push_back(x[static_cast<std::size_t>(powerModulo(g, q, p))]);
-    Bins<V> a;
-    {
-        const typename Flow<V>::Scope scope(flow, "cycle");
-        a = flow.real(plan.parts[0], 1, samples);
-    }
+    explicit CycleHalves(long m) : even(m / 2 + 1), odd((m + 1) / 2) {}
+    CycleHalves(Sequence<V> evenOnes, Sequence<V> oddOnes)
+        : even(std::move(evenOnes)), odd(std::move(oddOnes)) {}
+
+    Bin<V>& operator[](long i) { return i % 2 == 0 ? even[i / 2] : odd[i / 2]; }
+    const Bin<V>& operator[](long i) const { return i % 2 == 0 ? even[i / 2] : odd[i / 2]; }
+};
+
+template <class V>
+Sequence<V> raderReal(Flow<V>& flow, const plan::RealRader& plan, long p, long e,
+                      const Sequence<V>& x) {
+    const long L = p - 1, m = L / 2;
+    const long g = smallestRoot(p);
+    const RaderConstants K(p, e);
+
+    flow.stage("transform of the cycle of length " + std::to_string(L));
+    Sequence<V> samples;
+    for (long q = 0; q < L; ++q) samples.push_back(x[powerModulo(g, q, p)]);
+    const Sequence<V> a = flow.run(*plan.cycle, 1, samples);
 
     flow.stage("pointwise products");
-    const auto last = static_cast<std::size_t>(m);
-    const V x0 = narrow(x[0]);
+    const V x0 = narrow(x[0].re);
     const V sum = narrow(a[0].re);
-    Bins<V> even(binCount(m));  // frequencies 0, 2, 4, ..
-    Bins<V> odd(oddBinCount(m));
-    const auto z = [&](std::size_t i) -> Bin<V>& { return i % 2 == 0 ? even[i / 2] : odd[i / 2]; };
-    z(0) = {x0 + k.re[0] * sum, {}};
-    for (std::size_t i = 1; i < last; ++i) {
+    CycleHalves<V> z(m);
+    z[0] = {x0 + K.re[0] * sum, {}};
+    for (long i = 1; i < m; ++i) {
         const V u = narrow(a[i].re);
         const V v = narrow(a[i].im);
-        z(i) = {Expression<V>::ofProducts(k.re[i], u, k.im[i], v),
-                Expression<V>::ofProducts(k.im[i], u, -k.re[i], v)};
+        z[i] = {Expression<V>::ofProducts(K.re[i], u, K.im[i], v),
+                Expression<V>::ofProducts(K.im[i], u, -K.re[i], v)};
     }
-    z(last) = {k.re[last] * narrow(a[last].re), {}};
+    z[m] = {K.re[m] * narrow(a[m].re), {}};
 
-    std::vector<V> re, im;
     flow.stage("real parts: the even frequencies of the cycle");
-    {
-        const typename Flow<V>::Scope scope(flow, "even");
-        re = flow.inverseReal(plan.parts[1], 1, even);
-    }
+    const Sequence<V> re = flow.run(*plan.even, 1, z.even);
     flow.stage("imaginary parts: the odd frequencies of the cycle");
-    {
-        const typename Flow<V>::Scope scope(flow, "odd");
-        im = flow.inverseOdd(plan.parts[2], odd);
-    }
-    Bins<V> half(binCount(p));
-    half[0] = {sum + x0, {}};
-    for (int r = 0; r < m; ++r) {
-        const auto i = static_cast<std::size_t>(r);
-        setBin(half, p, powerModulo(g, r, p), {re[i], im[i]});
-    }
-    return half;
+    const Sequence<V> im = flow.run(*plan.odd, 1, z.odd);
+
+    Sequence<V> y(m + 1);
+    y[0] = {sum + x0, {}};
+    for (long r = 0; r < m; ++r)
+        setBin(Transform::Real, y, p, powerModulo(g, r, p), {re[r].re, im[r].re});
+    return y;
 }
 
 // The mirror: the real parts of the bins, in the order of the powers of 1/g, make the even
 // frequencies of the cycle, the imaginary parts the odd ones; one inverse transform of length L, or
 // two of half the length, gives the samples.
 template <class V>
-std::vector<V> raderInverseReal(Flow<V>& flow, const Plan& plan, long e, const Bins<V>& z) {
-    const int p = plan.length;
-    const int cycle = p - 1;
-    const int m = cycle / 2;
+Sequence<V> raderInverseReal(Flow<V>& flow, const plan::InverseRealRader& plan, long p, long e,
+                             const Sequence<V>& z) {
+    const long L = p - 1, m = L / 2;
     const long g = smallestRoot(p);
-    const long inverse = inverseModulo(g, p);
-    const RaderConstants k(p, e);
+    const RaderConstants K(p, e);
 
-    flow.stage("even and odd frequencies of the cycle of length " + std::to_string(cycle));
-    std::vector<V> re;
-    Samples<V> im;
-    for (int q = 0; q < m; ++q) {
-        const Bin<V> bin = binAt(z, p, powerModulo(inverse, q, p));
-        re.push_back(bin.re.formed());
-        im.push_back(bin.im);
+    flow.stage("even and odd frequencies of the cycle of length " + std::to_string(L));
+    Sequence<V> re, im;
+    for (long q = 0; q < m; ++q) {
+        const Bin<V> bin =
+            binAt(Transform::InverseReal, z, p, powerModulo(inverseModulo(g, p), q, p));
+        re.push_back(realNumber<V>(bin.re.formed()));
+        im.push_back(realNumber<V>(bin.im));
     }
-    Bins<V> even, odd;
-    {
-        const typename Flow<V>::Scope scope(flow, "even");
-        even = flow.real(plan.parts[0], 1, re);
-    }
-    {
-        const typename Flow<V>::Scope scope(flow, "odd");
-        odd = flow.odd(plan.parts[1], im);
-    }
+    const Sequence<V> even = flow.run(*plan.even, 1, re);
+    const Sequence<V> odd = flow.run(*plan.odd, 1, im);
+    const CycleHalves<V> a(even, odd);
 
     flow.stage("pointwise products");
-    const auto last = static_cast<std::size_t>(m);
-    const auto a = [&](std::size_t i) -> const Bin<V>& {
-        return i % 2 == 0 ? even[i / 2] : odd[i / 2];
-    };
-    const V sum = narrow(a(0).re);
-    Bins<V> product(last + 1);
-    product[0] = {flow.operand(z[0].re) + k.re[0] * sum, {}};
-    for (std::size_t i = 1; i < last; ++i) {
-        const V u = narrow(a(i).re);
-        const V v = narrow(a(i).im);
-        product[i] = {Expression<V>::ofProducts(k.re[i], u, -k.im[i], v),
-                      Expression<V>::ofProducts(k.im[i], u, k.re[i], v)};
+    const V sum = narrow(a[0].re);
+    CycleHalves<V> b(m);
+    b[0] = {operand(z[0].re, plan.unrounded == Unrounded::Head) + K.re[0] * sum, {}};
+    for (long i = 1; i < m; ++i) {
+        const V u = narrow(a[i].re);
+        const V v = narrow(a[i].im);
+        b[i] = {Expression<V>::ofProducts(K.re[i], u, -K.im[i], v),
+                Expression<V>::ofProducts(K.im[i], u, K.re[i], v)};
     }
-    product[last] = {k.re[last] * narrow(a(last).re), {}};
+    b[m] = {K.re[m] * narrow(a[m].re), {}};
 
     flow.stage("inverse transform of the cycle");
-    std::vector<V> x(static_cast<std::size_t>(p));
-    x[0] = sum + narrow(z[0].re);
-    const auto place = [&](int r) { return static_cast<std::size_t>(powerModulo(g, r, p)); };
-    if (!plan.isSplit()) {
-        const typename Flow<V>::Scope scope(flow, "cycle");
-        const std::vector<V> y = flow.inverseReal(plan.parts[2], 1, product);
-        for (int r = 0; r < cycle; ++r) x[place(r)] = y[static_cast<std::size_t>(r)];
+    Sequence<V> x(p);
+    x[0] = realNumber<V>(sum + narrow(z[0].re));
+    const auto place = [&](long r) { return powerModulo(g, r, p); };
+    if (plan.cycle) {
+        Sequence<V> frequencies;
+        for (long i = 0; i <= m; ++i) frequencies.push_back(b[i]);
+        const Sequence<V> y = flow.run(*plan.cycle, 1, frequencies);
+        for (long r = 0; r < L; ++r) x[place(r)] = y[r];
         return x;
     }
-    Bins<V> evenProduct, oddProduct;
-    for (std::size_t i = 0; i <= last; ++i)
-        (i % 2 == 0 ? evenProduct : oddProduct).push_back(product[i]);
-    std::vector<V> ye, yo;
-    {
-        const typename Flow<V>::Scope scope(flow, "cycle-even");
-        ye = flow.inverseReal(plan.parts[2], 1, evenProduct);
-    }
-    {
-        const typename Flow<V>::Scope scope(flow, "cycle-odd");
-        yo = flow.inverseOdd(plan.parts[3], oddProduct);
-    }
-    for (int r = 0; r < m; ++r) {
-        const V s = narrow(ye[static_cast<std::size_t>(r)]);
-        const V d = narrow(yo[static_cast<std::size_t>(r)]);
-        x[place(r)] = s + d;
-        x[place(r + m)] = s - d;
+    const Sequence<V> ye = flow.run(*plan.cycleEven, 1, b.even);
+    const Sequence<V> yo = flow.run(*plan.cycleOdd, 1, b.odd);
+    for (long r = 0; r < m; ++r) {
+        const V s = narrow(ye[r].re);
+        const V d = narrow(yo[r].re);
+        x[place(r)] = realNumber<V>(s + d);
+        x[place(r + m)] = realNumber<V>(s - d);
     }
     return x;
 }

@@ -13,13 +13,13 @@ using kernelgen::ExactReal;
 using kernelgen::Real;
 using kernelgen::sinTurn;
 
-RaderConstants::RaderConstants(int p, long e) {
-    const int cycle = p - 1;
+RaderConstants::RaderConstants(long p, long e) {
+    const long cycle = p - 1;
     const long g = smallestRoot(p);
     e = (e % p + p) % p;
     const std::string root =
         "rader " + std::to_string(p) + (e == 1 ? "" : " root " + std::to_string(e));
-    for (int k = 0; 2 * k <= cycle; ++k) {
+    for (long k = 0; 2 * k <= cycle; ++k) {
         const bool isInner = k != 0 && 2 * k != cycle;
         Real sumRe = 0;
         Real sumIm = 0;

@@ -13,7 +13,7 @@ namespace orvgen::flows {
 struct RaderConstants {
     std::vector<kernelgen::Constant> re, im;  // k = 0..L/2
 
-    RaderConstants(int p, long e);
+    RaderConstants(long p, long e);
 };
 
 }  // namespace orvgen::flows

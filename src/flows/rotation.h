@@ -5,7 +5,7 @@
 // and 2 sums, as two expressions that the next block forms or merges.
 #pragma once
 
-#include "flow.h"
+#include "spectrum.h"
 
 namespace orvgen::flows {
 

@@ -1,6 +1,7 @@
 #include "families.h"
 
 #include "hartley.h"
+#include "realdft/packed_format.h"
 
 namespace orvgen::hartley {
 
@@ -16,8 +17,8 @@ std::vector<Family> hartleyFamilies() {
         for (int n = realdft::kShortest; n <= realdft::kLongest; ++n) family.lengths.push_back(n);
         family.kernel = [name = family.name, arithmetic](int n) {
             return Kernel{
-                kernelgen::memberName(name, n), n,     method(n), kernelgen::ScaleRule::BothByN,
-                kernelgen::Alignment::Any,      false, false,     hartleyGraph(n, arithmetic)};
+                kernelgen::memberName(name, n), n,     notation(n), kernelgen::ScaleRule::BothByN,
+                kernelgen::Alignment::Any,      false, false,       hartleyGraph(n, arithmetic)};
         };
         families.push_back(family);
     }

@@ -1,9 +1,13 @@
 #include "hartley.h"
 
+#include "transform.h"
+
 namespace orvgen::hartley {
 
 using kernelgen::Graph;
 using kernelgen::Value;
+
+template std::vector<Value> transform(int n, const std::vector<Value>& x, Graph* graph);
 
 Graph hartleyGraph(int n, kernelgen::Arithmetic arithmetic) {
     Graph graph(arithmetic);

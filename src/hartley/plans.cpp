@@ -1,57 +1,46 @@
+#include "realdft/plans.h"
+
 #include <algorithm>
 #include <iterator>
 
 #include "hartley.h"
+#include "plan/notation.h"
 
 namespace orvgen::hartley {
 
-using flows::Carry;
-using realdft::Arrangement;
-using realdft::PackedFormat;
+using namespace plan;
 
 namespace {
 
 constexpr int kForward[] = {2,  3,  4,  5,  6,  7,  8,  9,  11, 16, 17, 19, 21, 22,
                             24, 26, 29, 38, 39, 41, 47, 49, 50, 52, 57, 59, 61, 63};
 
-// The others run the inverse real flow of their length, but for this order of the factors
-struct PlanRow {
-    int length;
-    const char* plan;
-};
-constexpr PlanRow kPlans[] = {
-    {58, "2x29"},
-};
-
-// and for these values that go on unrounded.
-constexpr int kOtherCarries[] = {46, 54, 58};
-constexpr Carry kCarries[] = {
-    {54, "/first0/second1:re"},
-    {54, "/first1/second1:re"},
-};
-
-bool contains(const int* begin, const int* end, int n) { return std::find(begin, end, n) != end; }
+// The others run the inverse real flow of their length, but for the order of the factors at 58 and
+// for values that are all rounded here at 46 and 58 and that go on unrounded in both blocks alike
+// at 54.
+const Table& inverseRealPlans() {
+    static const Table plans(
+        Transform::InverseReal,
+        {{46, goodThomas(23, 2)}, {54, goodThomas(27, 2)}, {58, goodThomas(2, 29)}},
+        &realdft::inversePlans(realdft::PackedFormat::Pack));
+    return plans;
+}
 
 }  // namespace
 
-bool runsForwardFlow(int n) { return contains(std::begin(kForward), std::end(kForward), n); }
+bool runsForwardFlow(int n) { return std::ranges::count(kForward, n) != 0; }
 
-Arrangement arrangement(int n) {
-    Arrangement a = realdft::inverseArrangement(n, PackedFormat::Pack);
-    for (const PlanRow& row : kPlans)
-        if (row.length == n) a.plan = flows::parsePlan(row.plan);
-    if (contains(std::begin(kOtherCarries), std::end(kOtherCarries), n)) a.carries.clear();
-    for (const Carry& c : kCarries)
-        if (c.length == n) a.carries.push_back(c.place);
-    return a;
+bool hasOwnLastLayer(int n) { return n == 5 || n == 7 || n == 8 || n == 11; }
+
+PlanPtr planOf(int n) {
+    return runsForwardFlow(n) ? realdft::forwardPlans().plan(n) : inverseRealPlans().plan(n);
 }
 
-std::string method(int n) {
-    if (runsForwardFlow(n)) return "forward real, " + realdft::forwardMethod(n);
-    std::string plan = realdft::inverseMethod(n, PackedFormat::Pack);
-    for (const PlanRow& row : kPlans)
-        if (row.length == n) plan = row.plan;
-    return "inverse real, " + plan;
+std::string notation(int n) {
+    const char* way = !runsForwardFlow(n)  ? "inverse real: "
+                      : hasOwnLastLayer(n) ? "forward real, last layer of its own: "
+                                           : "forward real: ";
+    return way + plan::notation(*planOf(n));
 }
 
 }  // namespace orvgen::hartley

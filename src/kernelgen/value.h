@@ -26,6 +26,7 @@ class Value {
     NodeId id() const { return id_; }
     bool negative() const { return negative_; }
     Type type() const { return graph_->node(id_).type; }
+    bool isDouble() const { return type() == Type::F64 || type() == Type::F64x2; }
     bool valid() const { return graph_ != nullptr; }
 
     friend Value operator-(const Value& a) { return {*a.graph_, a.id_, !a.negative_}; }

@@ -12,7 +12,10 @@ std::string inBraces(const std::vector<std::string>& words) {
     return text.empty() ? "" : "{" + text + "}";
 }
 
-bool isJoin(const Plan& plan) { return plan.as<GoodThomas>() || plan.as<CooleyTukey>(); }
+bool isJoin(const Plan& plan) {
+    if (const auto* odd = plan.as<Alternating>()) return isJoin(*odd->plan);
+    return plan.as<GoodThomas>() || plan.as<CooleyTukey>();
+}
 
 std::string factorText(const Plan& plan) {
     return isJoin(plan) ? "(" + notation(plan) + ")" : notation(plan);

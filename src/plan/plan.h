@@ -25,8 +25,8 @@ enum class Transform : std::uint8_t {
 
 struct Plan;
 using PlanPtr = std::shared_ptr<const Plan>;
-// The blocks of one stage of a join, by number: those of the R-point stage by column c, those of
-// the M-point stage by row k (an inverse transform runs the rows first).
+// The blocks of one stage of a join, by number: those of R points by column c, those of M points
+// by row k (see index_maps.h).
 using Stage = std::vector<PlanPtr>;
 
 // Which operand of a block is rounded for the sum that takes it and goes on unrounded into the
@@ -34,7 +34,7 @@ using Stage = std::vector<PlanPtr>;
 enum class Unrounded : std::uint8_t {
     None,
     Head,      // x[0], or bin 0 of an inverse transform
-    Both,      // the two operands of a two-point block
+    Both,      // the two operands of a two-point block: its sums are double expressions
     RealPart,  // that of bin 1 of an inverse three-point block
 };
 
@@ -71,14 +71,15 @@ struct Block {
     std::optional<SumOrder> sums = {};
 };
 
-// N = R M, R and M coprime: R-point blocks first, no twiddles.
+// N = R M, R and M coprime, no twiddles. The columns are the first stage and the rows the second;
+// inverse transforms of half spectra begin with the rows.
 struct GoodThomas {
     Stage first, second;
 };
 
 enum class TwiddleLanes : std::uint8_t { Rows, Columns };
 
-// N = R M: R-point blocks first, then twiddles, then M-point blocks.
+// The same with twiddles between the stages, for any R and M.
 struct CooleyTukey {
     Stage first, second;
     // For complex data: representatives c of the residues modulo M and k of those modulo R, 0, 1,

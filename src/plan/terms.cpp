@@ -47,24 +47,24 @@ PlanPtr realBlock(Transform transform, int length, const Block& choices) {
     return make(transform, length, choices);
 }
 
-// The transforms that the two stages of a join consist of.
+// The transforms that the stages of a join consist of: M columns of R points, R rows of M points.
 struct Stages {
-    std::vector<Transform> first, second;
+    std::vector<Transform> columns, rows;
 };
 
-// Rows k = 0 .. of a half spectrum of n bins: real for k = 0, `middle` for k = n/2, else complex.
-std::vector<Transform> rowsOfHalf(int n, Transform real, Transform middle) {
+// Rows k = 0 .. of a half spectrum of R bins: real for k = 0, `middle` for k = R/2, else complex.
+std::vector<Transform> rowsOfHalf(int R, Transform real, Transform middle) {
     std::vector<Transform> rows;
-    for (int k = 0; 2 * k <= n; ++k)
-        rows.push_back(k == 0 ? real : 2 * k == n ? middle : Transform::Complex);
+    for (int k = 0; 2 * k <= R; ++k)
+        rows.push_back(k == 0 ? real : 2 * k == R ? middle : Transform::Complex);
     return rows;
 }
 
 // The same of a half spectrum at odd frequencies.
-std::vector<Transform> rowsOfOddHalf(int n, Transform middle) {
+std::vector<Transform> rowsOfOddHalf(int R, Transform middle) {
     std::vector<Transform> rows;
-    for (int k = 0; 2 * k + 1 <= n; ++k)
-        rows.push_back(2 * k + 1 == n ? middle : Transform::Complex);
+    for (int k = 0; 2 * k + 1 <= R; ++k)
+        rows.push_back(2 * k + 1 == R ? middle : Transform::Complex);
     return rows;
 }
 
@@ -75,13 +75,13 @@ std::vector<Transform> times(int count, Transform transform) {
 Stages goodThomasStages(Transform transform, int R, int M) {
     switch (transform) {
         case Transform::Real:
-            return {times(M, transform), rowsOfHalf(R, transform, transform)};
         case Transform::InverseReal:
-            return {rowsOfHalf(M, transform, transform), times(R, transform)};
+            return {times(M, transform), rowsOfHalf(R, transform, transform)};
         case Transform::Complex:
             return {times(M, transform), times(R, transform)};
         default:
-            refuse(R * M, "there is no Good-Thomas join at odd frequencies");
+            if (R != 2) refuse(R * M, "at odd frequencies one factor of a Good-Thomas join is 2");
+            return {times(M, transform), {Transform::Complex}};
     }
 }
 
@@ -90,14 +90,31 @@ Stages cooleyTukeyStages(Transform transform, int R, int M) {
         case Transform::Real:
             return {times(M, transform), rowsOfHalf(R, transform, Transform::Odd)};
         case Transform::InverseReal:
-            return {rowsOfHalf(M, transform, Transform::InverseOdd), times(R, transform)};
-        case Transform::Odd:
-            return {times(M, transform), rowsOfOddHalf(R, transform)};
-        case Transform::InverseOdd:
-            return {rowsOfOddHalf(M, transform), times(R, transform)};
-        default:
+            return {times(M, transform), rowsOfHalf(R, transform, Transform::InverseOdd)};
+        case Transform::Complex:
             return {times(M, transform), times(R, transform)};
+        default:
+            return {times(M, transform), rowsOfOddHalf(R, transform)};
     }
+}
+
+// A join of the two factors in the order in which they run.
+template <class Join>
+Join joined(Transform transform, const Factor& first, const Factor& second, const Table& table,
+            Stages (*stagesOf)(Transform, int, int)) {
+    if (isInverse(transform)) {
+        const Stages stages = stagesOf(transform, second.length(), first.length());
+        return {.first = first.resolve(transform, stages.rows, table),
+                .second = second.resolve(transform, stages.columns, table)};
+    }
+    const Stages stages = stagesOf(transform, first.length(), second.length());
+    return {.first = first.resolve(transform, stages.columns, table),
+            .second = second.resolve(transform, stages.rows, table)};
+}
+
+bool hasComplexRows(const Stage& rows) {
+    return std::ranges::any_of(
+        rows, [](const PlanPtr& row) { return row->transform == Transform::Complex; });
 }
 
 // Representatives of the residues modulo n, 0 .. n-1 if none are named: a multiple of their
@@ -195,38 +212,32 @@ Term block(int length, const Block& choices) {
 }
 
 Term goodThomas(const Factor& first, const Factor& second) {
-    const int R = first.length(), M = second.length(), N = R * M;
-    if (std::gcd(R, M) != 1) refuse(N, "the factors of a Good-Thomas join are coprime");
+    const int N = first.length() * second.length();
+    if (std::gcd(first.length(), second.length()) != 1)
+        refuse(N, "the factors of a Good-Thomas join are coprime");
     return {N, [=](Transform transform, const Table& table) {
-                const Stages kinds = goodThomasStages(transform, R, M);
                 return make(transform, N,
-                            GoodThomas{.first = first.resolve(transform, kinds.first, table),
-                                       .second = second.resolve(transform, kinds.second, table)});
+                            joined<GoodThomas>(transform, first, second, table, goodThomasStages));
             }};
 }
 
 Term cooleyTukey(const Factor& first, const Factor& second, const TwiddledJoin& choices) {
     const int R = first.length(), M = second.length(), N = R * M;
-    return {
-        N, [=](Transform transform, const Table& table) {
-            const Stages kinds = cooleyTukeyStages(transform, R, M);
-            CooleyTukey join{.first = first.resolve(transform, kinds.first, table),
-                             .second = second.resolve(transform, kinds.second, table)};
-            if (transform == Transform::Complex) {
-                join.columns = representatives(choices.columns, M);
-                join.rows = representatives(choices.rows, R);
-            } else if (!choices.columns.empty() || !choices.rows.empty()) {
-                refuse(N, "joins of complex transforms have representatives");
-            }
-            if (transform != Transform::Complex && choices.twiddleLanes != TwiddleLanes::Rows)
-                refuse(N, "joins of complex transforms have lanes of twiddles");
-            if (choices.conjugateRows &&
-                (!isInverse(transform) || std::ranges::count(kinds.first, Transform::Complex) == 0))
-                refuse(N, "the join has no row that could be its conjugate");
-            join.twiddleLanes = choices.twiddleLanes;
-            join.conjugateRows = choices.conjugateRows;
-            return make(transform, N, std::move(join));
-        }};
+    return {N, [=](Transform transform, const Table& table) {
+                auto join = joined<CooleyTukey>(transform, first, second, table, cooleyTukeyStages);
+                if (transform == Transform::Complex) {
+                    join.columns = representatives(choices.columns, M);
+                    join.rows = representatives(choices.rows, R);
+                } else if (!choices.columns.empty() || !choices.rows.empty() ||
+                           choices.twiddleLanes != TwiddleLanes::Rows) {
+                    refuse(N, "joins of complex data have representatives and lanes of twiddles");
+                }
+                if (choices.conjugateRows && !(isInverse(transform) && hasComplexRows(join.first)))
+                    refuse(N, "the join has no row that could be its conjugate");
+                join.twiddleLanes = choices.twiddleLanes;
+                join.conjugateRows = choices.conjugateRows;
+                return make(transform, N, std::move(join));
+            }};
 }
 
 Term rader(const RaderParts& parts) {

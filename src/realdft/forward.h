@@ -4,25 +4,16 @@
 #include <stdexcept>
 #include <vector>
 
-#include "flows/blocks.h"
+#include "flows/flow.h"
 #include "kernelgen/kernel.h"
-#include "packed_format.h"
+#include "plans.h"
 
 namespace orvgen::realdft {
 
-// The plans of the forward transforms, and the places that carry on unrounded.
-const flows::Plans& forwardPlans();
-const std::vector<flows::Carry>& forwardCarries();
-// How length n is made, as the table of plans has it.
-std::string forwardMethod(int n);
-
 // The half spectrum, not scaled yet.
 template <class V>
-flows::Bins<V> forwardBins(int n, const std::vector<V>& x, kernelgen::Graph* graph = nullptr) {
-    flows::Flow<V> flow(forwardPlans(), graph);
-    for (const flows::Carry& c : forwardCarries())
-        if (c.length == n) flow.carry(c.place);
-    return flow.real(flows::parsePlan(std::to_string(n)), 1, x);
+flows::Sequence<V> forwardBins(int n, const std::vector<V>& x, kernelgen::Graph* graph = nullptr) {
+    return flows::Flow<V>(graph).run(*forwardPlans().plan(n), 1, flows::realNumbers(x));
 }
 
 // The terms as they are stored: scaled in the form in which they stand, an imaginary part that
@@ -35,7 +26,7 @@ struct Term {
 };
 
 template <class V, class Scale>
-std::vector<Term<V>> forwardTerms(const flows::Bins<V>& bins, Scale&& scale) {
+std::vector<Term<V>> forwardTerms(const flows::Sequence<V>& bins, Scale&& scale) {
     std::vector<Term<V>> terms;
     for (std::size_t k = 0; k < bins.size(); ++k) {
         const V re = bins[k].re.formed();

@@ -1,5 +1,6 @@
 #include "families.h"
 #include "forward.h"
+#include "plan/notation.h"
 
 namespace orvgen::realdft {
 
@@ -17,7 +18,7 @@ Family forwardFamily(PackedFormat format, Arithmetic arithmetic) {
     family.kernel = [name = family.name, format, arithmetic](int n) {
         return Kernel{kernelgen::memberName(name, n),
                       n,
-                      forwardMethod(n),
+                      plan::notation(*forwardPlans().plan(n)),
                       kernelgen::ScaleRule::ForwardByN,
                       kernelgen::Alignment::Any,
                       false,

@@ -9,44 +9,30 @@
 #pragma once
 
 #include <stdexcept>
-#include <string>
 #include <vector>
 
-#include "flows/blocks.h"
+#include "flows/flow.h"
 #include "kernelgen/kernel.h"
-#include "packed_format.h"
+#include "plans.h"
 
 namespace orvgen::realdft {
 
-const flows::Plans& inversePlans();
-
-// How one inverse transform is made: its plan, and the places that carry on unrounded.
-struct Arrangement {
-    flows::PlanPtr plan;
-    std::vector<std::string> carries;
-};
-Arrangement inverseArrangement(int n, PackedFormat format);
-// How length n is made, as the table of plans has it.
-std::string inverseMethod(int n, PackedFormat format);
-
 // The samples of a half spectrum whose full bins are doubled already, not scaled yet.
 template <class V>
-std::vector<V> inverseSamples(const Arrangement& arrangement, const flows::Bins<V>& bins,
+std::vector<V> inverseSamples(const plan::Plan& plan, const flows::Sequence<V>& bins,
                               kernelgen::Graph* graph = nullptr) {
-    flows::Flow<V> flow(inversePlans(), graph);
-    for (const std::string& place : arrangement.carries) flow.carry(place);
-    std::vector<V> y = flow.inverseReal(arrangement.plan, 1, bins);
-    for (V& v : y) {
-        v = narrow(v);
-        if (v.negative()) throw std::logic_error("a sample with a minus");
+    std::vector<V> y;
+    for (const flows::Bin<V>& sample : flows::Flow<V>(graph).run(plan, 1, bins)) {
+        y.push_back(narrow(sample.re));
+        if (y.back().negative()) throw std::logic_error("a sample with a minus");
     }
     return y;
 }
 
 // The bins out of the elements of a packed array; `element` gives one of them as a value.
 template <class V, class Element>
-flows::Bins<V> packedBins(int n, PackedFormat format, Element&& element) {
-    flows::Bins<V> bins;
+flows::Sequence<V> packedBins(int n, PackedFormat format, Element&& element) {
+    flows::Sequence<V> bins;
     bins.push_back({element(realPosition(format, n, 0)), {}});
     for (int k = 1; k <= fullBins(n); ++k)
         bins.push_back({flows::Expression<V>::ofDouble(element(realPosition(format, n, k))),

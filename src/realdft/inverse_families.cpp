@@ -1,5 +1,6 @@
 #include "families.h"
 #include "inverse.h"
+#include "plan/notation.h"
 
 namespace orvgen::realdft {
 
@@ -17,7 +18,7 @@ Family inverseFamily(PackedFormat format, Arithmetic arithmetic) {
     family.kernel = [name = family.name, format, arithmetic](int n) {
         return Kernel{kernelgen::memberName(name, n),
                       n,
-                      inverseMethod(n, format),
+                      plan::notation(*inversePlans(format).plan(n)),
                       kernelgen::ScaleRule::InverseByN,
                       kernelgen::Alignment::Any,
                       false,

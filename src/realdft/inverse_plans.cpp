@@ -1,192 +1,178 @@
-#include "inverse.h"
+#include "plans.h"
 
 namespace orvgen::realdft {
 
-using flows::Carry;
-using flows::PlanPtr;
-using flows::PlanRow;
-using flows::Plans;
-using flows::Transform;
+using namespace plan;
 
 namespace {
 
-// How each length is made; what is not named is a direct block. The first factor runs first, on the
-// half spectrum; the last one gives the samples. It is a decomposition of its own, not the forward
-// one run backwards: the order of the factors is often another.
-constexpr PlanRow kInverse[] = {
-    {Transform::InverseReal, 6, "2x3"},
-    {Transform::InverseReal, 8, "4.2"},
-    {Transform::InverseReal, 9, "3.3"},
-    {Transform::InverseReal, 10, "2x5"},
-    {Transform::InverseReal, 11, "inverse-rader(5; 5; 2x5)"},
-    {Transform::InverseReal, 12, "3x4"},
-    {Transform::InverseReal, 13, "inverse-rader(3x2; 2.3; 3x4)"},
-    {Transform::InverseReal, 14, "2x7"},
-    {Transform::InverseReal, 15, "3x5"},
-    {Transform::InverseReal, 16, "8.2"},
-    {Transform::InverseReal, 17, "inverse-rader(8; 8; 16)"},
-    {Transform::InverseReal, 18, "2x9"},
-    {Transform::InverseReal, 19, "inverse-rader(9; 9; 18)"},
-    {Transform::InverseReal, 20, "5x4"},
-    {Transform::InverseReal, 21, "3x7"},
-    {Transform::InverseReal, 22, "inverse-rader(5; 5; 5x2)x2"},
-    {Transform::InverseReal, 23, "inverse-rader(11d; 11d; 11d x 2)"},
-    {Transform::InverseReal, 24, "8x3"},
-    {Transform::InverseReal, 25, "5.5"},
-    {Transform::InverseReal, 26, "2x13"},
-    {Transform::InverseReal, 27, "9.3"},
-    {Transform::InverseReal, 28, "4x7"},
-    {Transform::InverseReal, 29, "inverse-rader(14; 14; 7x4)"},
-    {Transform::InverseReal, 30, "15x2"},
-    {Transform::InverseReal, 31, "inverse-rader(15; 15; 2x15)"},
-    {Transform::InverseReal, 32, "16.2"},
-    {Transform::InverseReal, 33, "3x11"},
-    {Transform::InverseReal, 34, "17x2"},
-    {Transform::InverseReal, 35, "5x7"},
-    {Transform::InverseReal, 36, "4x9"},
-    {Transform::InverseReal, 37, "inverse-rader(18; 3.6; 9x4)"},
-    {Transform::InverseReal, 38, "2x19"},
-    {Transform::InverseReal, 39, "13x3"},
-    {Transform::InverseReal, 40, "5x8"},
-    {Transform::InverseReal, 41, "inverse-rader(4x5; 5.4; 5x8)"},
-    {Transform::InverseReal, 42, "2x21"},
-    {Transform::InverseReal, 43, "inverse-rader(7x3; 7x3; (3x2)x7)"},
-    {Transform::InverseReal, 44, "4x11"},
-    {Transform::InverseReal, 45, "5x9"},
-    {Transform::InverseReal, 46, "23x2"},
-    {Transform::InverseReal, 47, "inverse-rader(23; 23; 23x2)"},
-    {Transform::InverseReal, 48, "16x3"},
-    {Transform::InverseReal, 49, "7.7"},
-    {Transform::InverseReal, 50, "25x2"},
-    {Transform::InverseReal, 51, "3x17"},
-    {Transform::InverseReal, 52, "13x4"},
-    {Transform::InverseReal, 53, "inverse-rader(13x2; 13.2; 13x4)"},
-    {Transform::InverseReal, 54, "27x2"},
-    {Transform::InverseReal, 55, "5x11"},
-    {Transform::InverseReal, 56, "8x7"},
-    {Transform::InverseReal, 57, "3x19"},
-    {Transform::InverseReal, 58, "29x2"},
-    {Transform::InverseReal, 59, "inverse-rader(29; 29; 2x29)"},
-    {Transform::InverseReal, 60, "(4x3)|(4x3)x5"},
-    {Transform::InverseReal, 61, "inverse-rader(3x(2x5); 15.2; (4x3)x5)"},
-    {Transform::InverseReal, 62, "31x2"},
-    {Transform::InverseReal, 63, "9x7"},
-    {Transform::InverseReal, 64, "32.2"},
+// Parts of several lengths. A prime's own transform runs forward transforms of the real and of the
+// imaginary parts of its bins first: eight, nine .. are these.
 
-    // Odd frequencies: the bins k + M/2 of binary lengths, the imaginary parts of Rader lengths.
-    {Transform::InverseOdd, 4, "2.2"},
-    {Transform::InverseOdd, 8, "4.2"},
-    {Transform::InverseOdd, 16, "8.2"},
-    {Transform::InverseOdd, 32, "2.16"},
-    {Transform::Odd, 4, "2.2"},
-    {Transform::Odd, 6, "2.3"},
-    {Transform::Odd, 8, "2.4"},
-    {Transform::Odd, 14, "7.2"},
+constexpr Unrounded kHead = Unrounded::Head;
 
-    // Complex rows. What is not named runs its real form in lanes.
-    {Transform::Complex, 9, "3.3"},
-    {Transform::Complex, 13, "lanes(rader(3x4; 3x2; 2x3))"},
-    {Transform::Complex, 16, "2.8"},
+Term withHead(int length) { return block(length, {.unrounded = kHead}); }
+const Term direct11 = block(11);
 
-    // Forward transforms inside Rader lengths, on the real parts of the bins.
-    {Transform::Real, 6, "3x2"},
-    {Transform::Real, 8, "2.4"},
-    {Transform::Real, 9, "3.3"},
-    {Transform::Real, 13, "rader(3x4; 2x3; 2.3)"},
-    {Transform::Real, 14, "2x7"},
-    {Transform::Real, 15, "3x5"},
-    {Transform::Real, 18, "2x9"},
-    {Transform::Real, 22, "2x11"},
-    {Transform::Real, 23, "rader(22; 11; 11)"},
-    {Transform::Real, 28, "4x7"},
-    {Transform::Real, 29, "rader(28; 14; 14)"},
-    {Transform::InverseOdd, 14, "2.7"},
-};
+const Factor fourWithOddRow = factor(4).oddRow(cooleyTukey(2, 2));
+const Term eight = cooleyTukey(2, fourWithOddRow);
+const Term complexNine = cooleyTukey(3, 3);
+const Factor nineWithComplexRows = factor(9).complexRows(complexNine);
 
-// From CCS the real terms of these two are summed in another order.
-struct FormatRow {
-    int length;
-    const char* plan;
-};
-constexpr FormatRow kFromCcs[] = {
-    {7, "7g"},
-    {49, "7g|7.7g"},
-};
+// The row of the real and of the imaginary parts: which head of its blocks goes on unrounded.
+Term nine(const Term& re, const Term& im) { return cooleyTukey(3, factor(3).at(1, lanes(re, im))); }
+const Term nineWithReHead = nine(withHead(3), 3);
+const Term nineWithBothHeads = nine(withHead(3), withHead(3));
 
-constexpr Carry kCarries[] = {
-    // the centre of the first 3-block of a 9-block
-    {19, "/even/second1/re"},
-    {19, "/odd/second1/re"},
-    {37, "/even/second0/second1/re"},
-    {37, "/even/second1/second1/re"},
-    {38, "/second0/even/second1/re"},
-    {38, "/second0/odd/second1/re"},
-    {38, "/second1/even/second1/re"},
-    {38, "/second1/odd/second1/re"},
-    {38, "/second0/even/second1/im"},
-    {57, "/second0/even/second1/re"},
-    {57, "/second0/odd/second1/re"},
-    {57, "/second1/even/second1/re"},
-    {57, "/second1/odd/second1/re"},
-    {57, "/second2/even/second1/re"},
-    {57, "/second2/odd/second1/re"},
-    {57, "/second0/even/second1/im"},
-    {57, "/second1/even/second1/im"},
-    // a rotated output of the complex 9-block of 27, real part
-    {27, "/second1:re"},
-    {54, "/first0/second1:re"},
-    {54, "/first1/second1:re"},
-    {54, "/first0/second2:re"},
-    // x[0] - S/L of a Rader block, and the product at half its cycle
-    {22, "/first0/cycle/first0"},
-    {39, "/first0/cycle/first0"},
-    {39, "/first1/re/even/first0"},
-    {39, "/first1/im/even/first0"},
-    {46, "/first0/cycle/first0"},
-    {47, "/cycle/first0"},
-    {47, "/cycle/first1"},
-    {47, "/even/even"},
-    {47, "/even/odd"},
-    {47, "/odd/even"},
-    {52, "/first1/re/even/first0"},
-    {52, "/first1/im/even/first0"},
-    {53, "/cycle/first1/re/even/first0"},
-    {53, "/cycle/first1/im/even/first0"},
-    {58, "/first0/cycle/first0"},
-    {59, "/cycle/second0/cycle/first0"},
-    {59, "/cycle/second1/cycle/first0"},
-    // the centre of the first 3-block of the 15-point transform of a cycle
-    {62, "/first0/even/second1/re"},
-};
+Term thirteen(const Term& threeOfTheFirstRow) {
+    return inverseRader({.even = goodThomas(3, 2),
+                         .odd = cooleyTukey(2, 3),
+                         .cycle = goodThomas(factor(3).at(0, threeOfTheFirstRow), 4)});
+}
+
+Term nineteen(const Term& even) {
+    return inverseRader({.even = even, .odd = nineWithReHead, .cycle = 18});
+}
+
+Term twentyThree(const Term& firstEleven, Unrounded head = Unrounded::None) {
+    return inverseRader({.even = 11,
+                         .odd = 11,
+                         .cycle = goodThomas(factor(direct11).at(0, firstEleven), 2),
+                         .unrounded = head});
+}
+
+Term twentyNine(const Term& firstSeven) {
+    return inverseRader({.even = goodThomas(2, 7),
+                         .odd = cooleyTukey(7, 2),
+                         .cycle = goodThomas(factor(7).at(0, firstSeven), 4)});
+}
+
+Term thirtyOne(const Term& even) {
+    return inverseRader({.even = even, .odd = goodThomas(3, 5), .cycle = goodThomas(2, 15)});
+}
+
+// The first factor runs first, on the half spectrum; the last one gives the samples. What is not
+// named is a block.
+Table commonTable() {
+    const Term oddSixteen = cooleyTukey(eight, 2);
+    const Term realPartOfThree = block(3, {.unrounded = Unrounded::RealPart});
+    const Factor columnsOf27 = factor(3).at(1, realPartOfThree);
+
+    // complex rows of thirteen points, in lanes
+    const Term sixBackWithHead = goodThomas(factor(3).at(0, withHead(3)), 2);
+    const Term thirteenInLanes =
+        rader({.cycle = goodThomas(3, 4), .even = sixBackWithHead, .odd = goodThomas(3, 2)});
+    const Term forwardThirteen =
+        rader({.cycle = goodThomas(3, 4), .even = goodThomas(2, 3), .odd = cooleyTukey(2, 3)});
+    const auto elevenBack = [](Unrounded head) {
+        return inverseRader({.even = 5, .odd = 5, .cycle = goodThomas(2, 5), .unrounded = head});
+    };
+    const auto forwardTwentyThree = [&](Unrounded oddHead) {
+        return rader(
+            {.cycle = goodThomas(2, 11), .even = elevenBack(kHead), .odd = elevenBack(oddHead)});
+    };
+    const Term forwardTwentyNine =
+        rader({.cycle = goodThomas(4, 7), .even = goodThomas(2, 7), .odd = cooleyTukey(2, 7)});
+    const auto elevenOf22 = [](const Term& firstFive) {
+        return inverseRader(
+            {.even = 5, .odd = 5, .cycle = goodThomas(factor(5).at(0, firstFive), 2)});
+    };
+
+    return {
+        Transform::InverseReal,
+        {
+            {6, goodThomas(2, 3)},
+            {8, cooleyTukey(fourWithOddRow, 2)},
+            {9, cooleyTukey(3, 3)},
+            {10, goodThomas(2, 5)},
+            {11, elevenBack(Unrounded::None)},
+            {12, goodThomas(3, 4)},
+            {13, thirteen(3)},
+            {14, goodThomas(2, 7)},
+            {15, goodThomas(3, 5)},
+            {16, cooleyTukey(factor(8).oddRow(cooleyTukey(4, 2)), 2)},
+            {17, inverseRader({.even = eight, .odd = cooleyTukey(2, 4), .cycle = 16})},
+            {18, goodThomas(2, 9)},
+            {19, inverseRader({.even = nineWithReHead, .odd = nineWithReHead, .cycle = 18})},
+            {20, goodThomas(5, 4)},
+            {21, goodThomas(3, 7)},
+            {22, goodThomas(factor(elevenOf22(5)).at(0, elevenOf22(withHead(5))), 2)},
+            {23, twentyThree(direct11)},
+            {24, goodThomas(factor(8).complexRows(lanes(eight)), 3)},
+            {25, cooleyTukey(5, 5)},
+            {26, goodThomas(2, 13)},
+            {27, cooleyTukey(nineWithComplexRows, columnsOf27)},
+            {28, goodThomas(4, 7)},
+            {29, twentyNine(7)},
+            {30, goodThomas(15, 2)},
+            {31, thirtyOne(goodThomas(3, 5))},
+            {32, cooleyTukey(factor(16).oddRow(oddSixteen), 2)},
+            {33, goodThomas(3, 11)},
+            {34, goodThomas(17, 2)},
+            {35, goodThomas(5, 7)},
+            {36, goodThomas(4, 9)},
+            {37, inverseRader(
+                     {.even = goodThomas(2, nineWithReHead),
+                      .odd = cooleyTukey(3, factor(goodThomas(3, 2)).oddRow(cooleyTukey(2, 3))),
+                      .cycle = goodThomas(nineWithComplexRows, 4)})},
+            {38,
+             goodThomas(2, factor(nineteen(nineWithBothHeads)).at(1, nineteen(nineWithReHead)))},
+            {39, goodThomas(factor(thirteen(withHead(3))).complexRows(lanes(thirteenInLanes)), 3)},
+            {40, goodThomas(5, 8)},
+            {41, inverseRader({.even = goodThomas(4, 5),
+                               .odd = cooleyTukey(5, fourWithOddRow),
+                               .cycle = goodThomas(5, 8)})},
+            {42, goodThomas(2, 21)},
+            {43, inverseRader({.even = goodThomas(7, 3),
+                               .odd = goodThomas(7, 3),
+                               .cycle = goodThomas(goodThomas(3, 2), 7)})},
+            {44, goodThomas(4, 11)},
+            {45, goodThomas(5, 9)},
+            {46, goodThomas(factor(23).at(0, twentyThree(withHead(11))), 2)},
+            {47, inverseRader({.even = forwardTwentyThree(kHead),
+                               .odd = forwardTwentyThree(Unrounded::None),
+                               .cycle = goodThomas(twentyThree(direct11, kHead), 2)})},
+            {48, goodThomas(factor(16).complexRows(cooleyTukey(2, lanes(eight))), 3)},
+            {49, cooleyTukey(7, 7)},
+            {50, goodThomas(25, 2)},
+            {51, goodThomas(3, 17)},
+            {52, goodThomas(factor(13).complexRows(lanes(thirteenInLanes)), 4)},
+            {53, inverseRader(
+                     {.even = goodThomas(forwardThirteen, 2),
+                      .odd = cooleyTukey(forwardThirteen, 2),
+                      .cycle = goodThomas(factor(13).complexRows(lanes(thirteenInLanes)), 4)})},
+            {54, goodThomas(factor(27).at(0, cooleyTukey(nineWithComplexRows,
+                                                         columnsOf27.at(2, realPartOfThree))),
+                            2)},
+            {55, goodThomas(5, 11)},
+            {56, goodThomas(factor(8).complexRows(lanes(eight)), 7)},
+            {57,
+             goodThomas(3, factor(nineteen(nineWithBothHeads)).at(2, nineteen(nineWithReHead)))},
+            {58, goodThomas(factor(29).at(0, twentyNine(withHead(7))), 2)},
+            {59, inverseRader({.even = forwardTwentyNine,
+                               .odd = forwardTwentyNine,
+                               .cycle = goodThomas(2, twentyNine(withHead(7)))})},
+            {60, goodThomas(factor(goodThomas(4, 3)).complexRows(goodThomas(4, 3)), 5)},
+            {61, inverseRader({.even = goodThomas(3, goodThomas(2, 5)),
+                               .odd = cooleyTukey(goodThomas(3, 5), 2),
+                               .cycle = goodThomas(goodThomas(4, 3), 5)})},
+            {62, goodThomas(factor(31).at(0, thirtyOne(goodThomas(
+                                                 3, factor(5).at(1, lanes(withHead(5), 5))))),
+                            2)},
+            {63, goodThomas(nineWithComplexRows, 7)},
+            {64, cooleyTukey(factor(32).oddRow(cooleyTukey(2, oddSixteen)), 2)},
+        }};
+}
 
 }  // namespace
 
-const Plans& inversePlans() {
-    static const Plans plans = [] {
-        Plans p;
-        p.add(kInverse);
-        return p;
-    }();
-    return plans;
-}
-
-Arrangement inverseArrangement(int n, PackedFormat format) {
-    Arrangement a{flows::parsePlan(std::to_string(n)), {}};
-    if (format == PackedFormat::Ccs)
-        for (const FormatRow& row : kFromCcs)
-            if (row.length == n) a.plan = flows::parsePlan(row.plan);
-    for (const Carry& c : kCarries)
-        if (c.length == n) a.carries.push_back(c.place);
-    return a;
-}
-
-std::string inverseMethod(int n, PackedFormat format) {
-    if (format == PackedFormat::Ccs)
-        for (const FormatRow& row : kFromCcs)
-            if (row.length == n) return row.plan;
-    for (const PlanRow& row : kInverse)
-        if (row.transform == Transform::InverseReal && row.length == n) return row.plan;
-    return "direct";
+const Table& inversePlans(PackedFormat format) {
+    static const Table common = commonTable();
+    // From CCS the real terms of these two are summed in another order.
+    const SumOrder byRoot{.cosinePairs = SumOrder::Pairs::PowersOfRoot};
+    static const Table fromCcs(Transform::InverseReal,
+                               {{7, block(7, {.sums = byRoot})}, {49, cooleyTukey(7, 7)}}, &common);
+    return format == PackedFormat::Ccs ? fromCcs : common;
 }
 
 }  // namespace orvgen::realdft

@@ -11,6 +11,7 @@
 
 #include "dft/complex_proof.h"
 #include "dft/double_flow.h"
+#include "dft/double_plans.h"
 #include "dft/families.h"
 #include "flows/number_theory.h"
 #include "kernelgen/count.h"
@@ -23,12 +24,11 @@ namespace orvgen::test {
 namespace {
 
 using flows::Direction;
-using flows::Method;
-using flows::PlanPtr;
-using flows::Transform;
 using kernelgen::Graph;
 using kernelgen::Node;
 using kernelgen::Op;
+using plan::Plan;
+using plan::PlanPtr;
 
 const std::vector<Direction> kDirections = {Direction::Forward, Direction::Inverse};
 using Samples = std::vector<double>;  // real and imaginary parts in turn
@@ -102,42 +102,41 @@ TEST(DoubleCounts, EveryRow) {
 // The prime lengths: which method, with what inside, and where the cycle's transform begins.
 class Primes {
   public:
-    explicit Primes(int p) : plans_(dft::doublePlans(p)) {
-        look(Transform::Real, flows::parsePlan(std::to_string(p)), true);
+    explicit Primes(int p) : plan_(dft::doublePlans().plan(p)) {
+        for (const PlanPtr& part : forwardParts(*plan_)) look(*part);
     }
-    std::string method() const { return method_; }
-    long firstRadix() const { return radix_; }
+    std::string method() const { return plan_->as<plan::RealRader>() ? "rader" : "direct"; }
+    long firstRadix() const {
+        const auto* rader = plan_->as<plan::RealRader>();
+        return rader ? firstRadixOf(*rader->cycle) : 0;
+    }
     const std::set<std::string>& inside() const { return words_; }
 
   private:
-    void look(Transform transform, const PlanPtr& named, bool outermost) {
-        const PlanPtr plan = plans_.resolve(transform, named);
-        if (outermost) {
-            method_ = plan->method == Method::Rader ? "rader" : "direct";
-            if (plan->method == Method::Rader) radix_ = firstRadixOf(plan->parts[0]);
-        } else if (plan->length > 5) {  // smaller blocks are butterflies, in whatever form
-            if (plan->method == Method::Rader)
-                words_.insert("nested:" + std::to_string(plan->length));
-            if (plan->method == Method::Direct)
-                words_.insert("direct:" + std::to_string(plan->length));
+    // Of a Rader block the cycle's transform; of a join both factors, by their real rows.
+    static std::vector<PlanPtr> forwardParts(const Plan& plan) {
+        if (const auto* rader = plan.as<plan::RealRader>()) return {rader->cycle};
+        if (const auto* join = plan.as<plan::GoodThomas>())
+            return {join->first[0], join->second[0]};
+        if (const auto* join = plan.as<plan::CooleyTukey>())
+            return {join->first[0], join->second[0]};
+        return {};
+    }
+    void look(const Plan& plan) {
+        if (plan.length > 5) {  // smaller blocks are butterflies, in whatever form
+            if (plan.as<plan::RealRader>()) words_.insert("nested:" + std::to_string(plan.length));
+            if (plan.as<plan::Block>()) words_.insert("direct:" + std::to_string(plan.length));
         }
-        // of a Rader block the cycle's transform; of a join both factors
-        if (plan->method == Method::Rader)
-            look(Transform::Real, plan->parts[0], false);
-        else
-            for (const PlanPtr& part : plan->parts) look(transform, part, false);
+        for (const PlanPtr& part : forwardParts(plan)) look(*part);
     }
     // The stage that runs first; a block of 4 points is two stages of radix 2.
-    long firstRadixOf(const PlanPtr& named) const {
-        const PlanPtr plan = plans_.resolve(Transform::Real, named);
-        if (plan->method == Method::GoodThomas || plan->method == Method::CooleyTukey)
-            return firstRadixOf(plan->parts[0]);
-        return plan->length == 4 ? 2 : plan->length;
+    static long firstRadixOf(const Plan& plan) {
+        const auto parts = forwardParts(plan);
+        if (parts.size() == 2) return firstRadixOf(*parts[0]);
+        return plan.length == 4 ? 2 : plan.length;
     }
 
-    flows::Plans plans_;
-    std::string method_;
-    long radix_ = 0;
+    PlanPtr plan_;
     std::set<std::string> words_;
 };
 

@@ -1,6 +1,7 @@
 // The Hartley flows by their bits: against the same algorithms on plain numbers, against the forms
 // of the smallest lengths written down by hand, and against the forward transform.
 #include "hartley/hartley.h"
+#include "realdft/forward.h"
 #include "support/flow_runs.h"
 
 namespace orvgen::test {

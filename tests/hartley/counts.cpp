@@ -3,6 +3,7 @@
 
 #include "hartley/hartley.h"
 #include "kernelgen/count.h"
+#include "realdft/forward.h"
 #include "support/closed_sets.h"
 #include "support/count_check.h"
 #include "support/data_table.h"

@@ -68,6 +68,7 @@ TEST(PlanNotation, BlocksThatDiffer) {
     // the middle row of an odd length has the plan of the others, with alternating signs
     EXPECT_EQ(printed(Real, cooleyTukey(4, 3)), "4 T 3");
     EXPECT_EQ(printed(Odd, cooleyTukey(2, factor(3).complexRows(3))), "2 T 3");
+    EXPECT_EQ(printed(Odd, cooleyTukey(goodThomas(3, 5), 2)), "(3, 5) T 2");
 }
 
 TEST(PlanNotation, Choices) {

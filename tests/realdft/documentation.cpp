@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "forward_flows.h"
+#include "support/plan_tree.h"
 
 namespace orvgen::test {
 namespace {
@@ -43,16 +44,22 @@ TEST(Documentation, PackedFormats) {
             EXPECT_TRUE(lines.count(layoutRow(format, n))) << layoutRow(format, n);
 }
 
-// The lengths at which a value is carried on, as the page names them.
-TEST(Documentation, CarriedValues) {
-    std::set<int> lengths;
-    for (const auto& carry : realdft::forwardCarries()) lengths.insert(carry.length);
+// The lengths at which a value is carried on, as the pages name them.
+void expectCarries(const std::string& page, const plan::Table& plans) {
     std::string list;
-    for (const int n : lengths) list += (list.empty() ? "" : ", ") + std::to_string(n);
+    for (int n = realdft::kShortest; n <= realdft::kLongest; ++n)
+        if (unroundedValues(*plans.plan(n)) > 0)
+            list += (list.empty() ? "" : ", ") + std::to_string(n);
     bool found = false;
-    for (const std::string& line : linesOf("real-forward.md"))
+    for (const std::string& line : linesOf(page))
         found = found || line.find("(" + list + ")") != std::string::npos;
-    EXPECT_TRUE(found) << list;
+    EXPECT_TRUE(found) << page << ": " << list;
+}
+
+TEST(Documentation, CarriedValues) {
+    expectCarries("real-forward.md", realdft::forwardPlans());
+    for (const Format format : realdft::kPackedFormats)
+        expectCarries("real-inverse.md", realdft::inversePlans(format));
 }
 
 }  // namespace

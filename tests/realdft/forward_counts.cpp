@@ -8,6 +8,7 @@
 #include "support/count_check.h"
 #include "support/data_table.h"
 #include "support/packed_format.h"
+#include "support/plan_tree.h"
 #include "support/proof.h"
 
 namespace orvgen::test {
@@ -58,46 +59,11 @@ TEST(ForwardCounts, ClosedSets) {
     }
 }
 
-// The column "method" as the plans have it: the blocks of nested Good-Thomas joins one by one.
-void goodThomasFactors(const flows::PlanPtr& plan, std::string& words) {
-    const flows::PlanPtr p = realdft::forwardPlans().resolve(flows::Transform::Real, plan);
-    if (p->method != flows::Method::GoodThomas) {
-        words += " " + std::to_string(p->length);
-        return;
-    }
-    for (const flows::PlanPtr& part : p->parts) goodThomasFactors(part, words);
-}
-
-std::string twiddledFactors(const flows::PlanPtr& plan) {
-    const flows::PlanPtr p = realdft::forwardPlans().resolve(flows::Transform::Real, plan);
-    if (p->method != flows::Method::CooleyTukey) return " " + std::to_string(p->length);
-    return twiddledFactors(p->parts[0]) + twiddledFactors(p->parts[1]);
-}
-
-std::string methodOf(int n) {
-    const flows::PlanPtr named = flows::parsePlan(std::to_string(n));
-    const flows::PlanPtr p = realdft::forwardPlans().resolve(flows::Transform::Real, named);
-    const bool isBinary = (n & (n - 1)) == 0;
-    switch (p->method) {
-        case flows::Method::Direct:
-            return n == 2 ? "butterfly" : isBinary ? "binary" : "direct";
-        case flows::Method::Rader:
-            return "rader " + std::to_string(p->parts[0]->length);
-        case flows::Method::CooleyTukey:
-            return isBinary ? "binary" : "twiddled" + twiddledFactors(named);
-        case flows::Method::GoodThomas: {
-            std::string words;
-            goodThomasFactors(named, words);
-            return "good-thomas" + words;
-        }
-        default:
-            return "?";
-    }
-}
-
 TEST(ForwardCounts, Methods) {
-    for (const DataRow& row : dataTable("real_forward").rows())
-        EXPECT_EQ(methodOf(static_cast<int>(row.integer("length"))), row.text("method"));
+    for (const DataRow& row : dataTable("real_forward").rows()) {
+        const auto n = static_cast<int>(row.integer("length"));
+        EXPECT_EQ(methodWords(*realdft::forwardPlans().plan(n)), row.text("method"));
+    }
 }
 
 // The layouts come from the table of positions here, not from the product's own description.

@@ -62,7 +62,7 @@ TYPED_TEST(InverseBits, GraphAndPlainNumbersAgree) {
                 const auto bins = realdft::packedBins<PlainNumber<T>>(
                     n, format, [&](int i) { return plain[static_cast<std::size_t>(i)]; });
                 const auto y =
-                    realdft::inverseSamples(realdft::inverseArrangement(n, format), bins);
+                    realdft::inverseSamples(*realdft::inversePlans(format).plan(n), bins);
                 EXPECT_TRUE(sameBits(invert<T>(n, format, src, scale), storedNumbers<T>(y, scale)))
                     << n;
             }

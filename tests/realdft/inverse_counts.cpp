@@ -3,7 +3,6 @@
 
 #include <map>
 
-#include "flows/plan.h"
 #include "kernelgen/count.h"
 #include "realdft/inverse.h"
 #include "support/closed_sets.h"
@@ -11,13 +10,12 @@
 #include "support/data_table.h"
 #include "support/flow_rules.h"
 #include "support/packed_format.h"
+#include "support/plan_tree.h"
 #include "support/proof.h"
 
 namespace orvgen::test {
 namespace {
 
-using flows::Method;
-using flows::PlanPtr;
 using kernelgen::Arithmetic;
 using kernelgen::Graph;
 using realdft::inverseGraph;
@@ -66,46 +64,13 @@ TEST(InverseReal, CountsOfTheTable) {
     }
 }
 
-// The factors of a plan in order of execution, as the table writes them.
-void factors(const PlanPtr& plan, Method join, std::string& text) {
-    const PlanPtr p =
-        plan->method == Method::Named && plan->length != 11
-            ? realdft::inversePlans().find(flows::Transform::InverseReal, plan->length)
-            : nullptr;
-    const PlanPtr& inner = p ? p : plan;
-    if (inner->method == join)
-        for (const PlanPtr& part : inner->parts) factors(part, join, text);
-    else
-        text += " " + std::to_string(plan->length);
-}
-
-std::string methodOf(int n) {
-    const PlanPtr named = realdft::inverseArrangement(n, realdft::PackedFormat::Ccs).plan;
-    PlanPtr plan = realdft::inversePlans().resolve(flows::Transform::InverseReal, named);
-    std::string text;
-    switch (plan->method) {
-        case Method::GoodThomas:
-            factors(named, Method::GoodThomas, text);
-            return "good-thomas" + text;
-        case Method::CooleyTukey:
-            if ((n & (n - 1)) == 0) return "binary";
-            factors(named, Method::CooleyTukey, text);
-            return "twiddled" + text;
-        case Method::InverseRader:
-            return "rader " + std::to_string(n - 1);
-        case Method::Direct:
-            return n == 2 ? "butterfly" : n == 4 ? "binary" : "direct";
-        default:
-            return "?";
-    }
-}
-
 TEST(InverseReal, MethodsOfTheTable) {
     for (const DataRow& row : dataTable("real_inverse").rows()) {
         const auto n = static_cast<int>(row.integer("length"));
         // The operations of row 11 are those of a Rader block with the cycle 10.
         const std::string expected = n == 11 ? "rader 10" : row.text("method");
-        EXPECT_EQ(methodOf(n), expected) << n;
+        for (const auto format : kPackedFormats)
+            EXPECT_EQ(methodWords(*realdft::inversePlans(format).plan(n)), expected) << n;
     }
 }
 
@@ -135,9 +100,7 @@ TEST(InverseReal, RulesOfPrecision) {
             EXPECT_EQ(r.complaints, "") << n;
             EXPECT_EQ(r.scaledInDouble, 0) << n;
             EXPECT_EQ(r.scaledInSingle, n);
-            EXPECT_EQ(static_cast<std::size_t>(r.carried),
-                      realdft::inverseArrangement(n, format).carries.size())
-                << n;
+            EXPECT_EQ(r.carried, unroundedValues(*realdft::inversePlans(format).plan(n))) << n;
         }
     }
 }
