@@ -1,16 +1,14 @@
 #include "command.h"
 
-#include <cstdio>
 #include <exception>
 #include <iostream>
 #include <optional>
 
 #include "kernelgen/batch.h"
 #include "kernelgen/compile.h"
-#include "kernelgen/count.h"
-#include "kernelgen/error_bound.h"
 #include "kernelgen/kernel_file.h"
-#include "required.h"
+#include "names.h"
+#include "page.h"
 
 namespace orvgen::generator {
 
@@ -18,15 +16,23 @@ using namespace kernelgen;
 
 namespace {
 
-int fail(const std::string& what) {
+int fail(const std::string& what, int status) {
+    std::cout.flush();
     std::cerr << "kernelgen: " << what << "\n";
-    return 2;
+    return status;
 }
 
 struct Member {
     const Family* family;
     int length;
 };
+
+std::vector<std::string> namesOf(const std::vector<Family>& families) {
+    std::vector<std::string> names;
+    for (const Family& family : families)
+        for (const int length : family.lengths) names.push_back(memberName(family.name, length));
+    return names;
+}
 
 std::optional<Member> findMember(const std::vector<Family>& families, const std::string& name) {
     for (const Family& family : families)
@@ -61,48 +67,14 @@ void emitBatch(const Kernel& kernel, const std::string& folder, const std::strin
                     [&] { return compileBatch(kernel, target, layoutsOf(kernel.name)).assembly; });
 }
 
-// What there is to say of a flow: its operations, the rows of the tables, its error bound.
-void showFlow(const Kernel& kernel, const std::string& tables) {
-    if (kernel.flow.arithmetic() == Arithmetic::SingleLanes) {
-        const LaneCounts c = countLanes(kernel.flow);
-        std::cout << "  additions        " << c.distinctAdditions << " distinct, "
-                  << c.liveAdditions << " on live lanes, " << c.executedAdditions
-                  << " in all lanes\n"
-                  << "  multiplications  " << c.distinctMultiplications << " distinct, "
-                  << c.liveMultiplications << " on live lanes, " << c.executedMultiplications
-                  << " in all lanes; the scale apart\n";
-    } else {
-        const Counts c = countOperations(kernel.flow);
-        std::cout << "  additions        " << c.additions << ", of these sign steps " << c.signSteps
-                  << "\n"
-                  << "  multiplications  " << c.multiplications() << ": " << c.constantProducts
-                  << " by constants, " << c.doublings << " by 2, " << c.scaleProducts
-                  << " by the scale\n"
-                  << "  conversions      " << c.conversions() << "\n";
+void show(const std::vector<Family>& families, const std::string& tables,
+          const std::vector<std::string>& words) {
+    const std::vector<std::string> names = calledBy(namesOf(families), words);
+    for (const std::string& name : names) {
+        const Member member = *findMember(families, name);
+        if (name != names.front()) std::cout << "\n";
+        printPage(std::cout, member.family->kernel(member.length), tables);
     }
-    for (const RequiredRow& row : requiredRows(tables, kernel.name, kernel.length)) {
-        std::cout << "  the table says  ";
-        for (const auto& [column, value] : row.cells)
-            std::cout << " " << column << " " << value << ";";
-        std::cout << " (" << row.table << ")\n";
-    }
-    const ErrorBound e = errorBound(kernel.flow);
-    std::printf(
-        "  error bound      %.2f u for |x| <= 1 in the worst output (sum of |weights| %.2f)\n",
-        e.absolute, e.magnitude);
-}
-
-void show(const Kernel& kernel, const std::string& tables) {
-    const CompiledKernel compiled = compileKernel(kernel);
-    const KernelFigures& f = compiled.figures;
-    std::cout << kernel.name << "\n"
-              << "  computed as      " << kernel.method << "\n";
-    if (!kernel.passes) showFlow(kernel, tables);
-    std::printf("  instructions     %d in the body\n", f.instructions);
-    std::printf("  frame            %d bytes, %d spills\n", f.frameBytes, f.spills);
-    std::printf("  cycles           %.0f by the core model, port bound %.1f\n\n", f.modelCycles,
-                f.portBound);
-    std::cout << compiled.assembly;
 }
 
 }  // namespace
@@ -111,28 +83,31 @@ int runCommand(int argc, char** argv, const std::vector<Family>& families) {
     try {
         const std::string command = argc > 1 ? argv[1] : "";
         if (command == "list" && argc == 2) {
-            for (const Family& family : families)
-                for (const int length : family.lengths)
-                    std::cout << memberName(family.name, length) << "\n";
+            for (const std::string& name : namesOf(families)) std::cout << name << "\n";
             return 0;
         }
-        if ((command != "emit" || (argc != 4 && argc != 5)) && (command != "batch" || argc < 5) &&
-            (command != "show" || (argc != 3 && argc != 4)))
+        if (command == "show" && argc >= 4) {
+            show(families, argv[2], {argv + 3, argv + argc});
+            return 0;
+        }
+        if ((command != "emit" || (argc != 4 && argc != 5)) && (command != "batch" || argc < 5))
             return fail(
                 "usage: list | emit NAME FILE [TARGET] | batch NAME FOLDER TARGET... | "
-                "show NAME [FOLDER OF TABLES]");
+                "show FOLDER_OF_TABLES NAME...",
+                2);
         const std::optional<Member> member = findMember(families, argv[2]);
-        if (!member) return fail("no such kernel: " + std::string(argv[2]));
+        if (!member) return fail("no such kernel: " + std::string(argv[2]), 2);
         const Kernel kernel = member->family->kernel(member->length);
-        if (command == "show")
-            show(kernel, argc == 4 ? argv[3] : "");
-        else if (command == "batch")
+        if (command == "batch")
             for (int i = 4; i < argc; ++i) emitBatch(kernel, argv[3], argv[i]);
         else
             emit(kernel, argv[3], argc == 5 ? targetOf(argv[4]) : kSse2);
         return 0;
+    } catch (const UnknownName& e) {
+        return fail(
+            e.what() + std::string("\n  and the DCT-IV, which runs by plans (docs/dct4.md)"), 2);
     } catch (const std::exception& e) {
-        return fail(e.what());
+        return fail(e.what(), 1);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "required.h"
 
+#include <bit>
 #include <fstream>
 
 namespace orvgen::generator {
@@ -30,6 +31,7 @@ std::vector<std::string> tablesOf(const std::string& kernel) {
     if (has("Hartley")) return {"hartley"};
     if (has("DFTFwd")) return {"real_forward"};
     if (has("DFTInv")) return {"real_inverse"};
+    if (has("WHT")) return {"wht_bodies", "wht_straight", "wht_passes", "wht_buffer"};
     return {};
 }
 
@@ -37,6 +39,10 @@ std::vector<std::string> tablesOf(const std::string& kernel) {
 
 std::vector<RequiredRow> requiredRows(const std::string& folder, const std::string& kernel,
                                       int length) {
+    const bool wide = kernel.find("_64f") != std::string::npos;
+    const bool byOrder = kernel.find("WHT") != std::string::npos;
+    const std::string number =
+        std::to_string(byOrder ? std::countr_zero(static_cast<unsigned>(length)) : length);
     std::vector<RequiredRow> rows;
     for (const std::string& table : tablesOf(kernel)) {
         std::ifstream file(folder + "/" + table + ".csv");
@@ -48,10 +54,15 @@ std::vector<RequiredRow> requiredRows(const std::string& folder, const std::stri
                 columns = values;
                 continue;
             }
-            if (values[0] != std::to_string(length)) continue;
+            // The number stands first, or behind the element type.
+            const std::size_t at = columns[0] == "type" ? 1 : 0;
+            if (values[at] != number || (at == 1 && values[0] != (wide ? "f64" : "f32"))) continue;
             RequiredRow row{table, {}};
-            for (std::size_t i = 1; i < values.size() && i < columns.size(); ++i)
-                row.cells.emplace_back(columns[i], values[i]);
+            for (std::size_t i = at + 1; i < values.size() && i < columns.size(); ++i) {
+                // Some tables serve both types and count the conversions of binary32.
+                if (!values[i].empty() && (!wide || columns[i] != "conversions"))
+                    row.cells.emplace_back(columns[i], values[i]);
+            }
             rows.push_back(row);
         }
     }

@@ -1,5 +1,7 @@
-// Prints the datasheet of the build: every kernel of a length or order of its own with its counts,
-// its code, its speed and its errors. Usage: write_datasheet [TABLE.CSV of the benchmark].
+// Prints the datasheet of the build: every kernel of a length or order of its own, or those named,
+// with its counts, its code, its speed and its errors. Usage: write_datasheet TABLE [NAME...], with
+// the benchmark's table, which may be missing, and the names of kernels as generator/names.h has
+// them.
 #include <cstdio>
 #include <fstream>
 #include <iomanip>
@@ -7,9 +9,11 @@
 #include <limits>
 #include <map>
 #include <random>
+#include <set>
 #include <sstream>
 
 #include "accuracy.h"
+#include "generator/names.h"
 #include "generator/registry.h"
 #include "kernelgen/compile.h"
 #include "kernelgen/count.h"
@@ -24,7 +28,7 @@ namespace {
 using namespace orvgen;
 using test::ListedKernel;
 
-// Measured cycles by kernel, from the benchmark's table.
+// Measured cycles by kernel, from the benchmark's table; none where that is missing.
 std::map<std::string, std::string> readCycles(const char* path) {
     std::map<std::string, std::string> cycles;
     std::ifstream file(path);
@@ -98,11 +102,15 @@ test::Accuracy orderAccuracy(const test::OrderFunctions<T>& f) {
 }
 
 template <class T>
-void printOrders(const test::MachineCode& code, const std::map<std::string, std::string>& cycles) {
-    const auto& functions = test::orderFunctions<T>();
+void printOrders(const test::MachineCode& code, const std::map<std::string, std::string>& cycles,
+                 const std::set<std::string>& chosen) {
+    auto functions = test::orderFunctions<T>();
+    std::erase_if(functions, [&](const auto& f) { return !chosen.contains(f.name); });
+    if (functions.empty()) return;
     const std::string family = test::isSingle<T> ? "orvgWHT_32f" : "orvgWHT_64f";
     for (const kernelgen::Family& f : generator::allFamilies()) {
         if (f.name != family) continue;
+        std::cerr << "write_datasheet: " << family << "\n";
         std::cout
             << "\n## " << family
             << "\n\n| order | passes | add | mul | instructions | bytes | cycles | L2 error | "
@@ -111,7 +119,8 @@ void printOrders(const test::MachineCode& code, const std::map<std::string, std:
             const test::Accuracy a = orderAccuracy(o);
             const test::Function& function = code.function(o.name);
             const auto measured = cycles.find(o.name);
-            std::cout << "| " << o.order << " | " << passesOf(f.assembly(o.order)) << " | "
+            std::cout << "| " << o.order << " | "
+                      << passesOf(kernelgen::compileKernel(f.kernel(o.order)).assembly) << " | "
                       << o.points() * static_cast<std::size_t>(o.order) << " | " << o.points()
                       << " | " << function.instructions.size() << " | " << function.symbol.size
                       << " | " << (measured == cycles.end() ? "" : measured->second) << " | "
@@ -123,11 +132,25 @@ void printOrders(const test::MachineCode& code, const std::map<std::string, std:
     throw std::runtime_error("no family " + family);
 }
 
+std::set<std::string> chosenKernels(const std::vector<std::string>& words) {
+    std::vector<std::string> names;
+    for (const ListedKernel& k : test::listedKernels()) names.push_back(k.name);
+    for (const auto& f : test::orderFunctions<Orv32f>()) names.push_back(f.name);
+    for (const auto& f : test::orderFunctions<Orv64f>()) names.push_back(f.name);
+    const std::vector<std::string> chosen = generator::calledBy(names, words);
+    return {chosen.begin(), chosen.end()};
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     try {
-        const auto cycles = argc > 1 ? readCycles(argv[1]) : std::map<std::string, std::string>();
+        if (argc < 2) {
+            std::cerr << "write_datasheet: usage: write_datasheet TABLE [NAME...]\n";
+            return 2;
+        }
+        const std::set<std::string> chosen = chosenKernels({argv + 2, argv + argc});
+        const auto cycles = readCycles(argv[1]);
         const test::ElfImage library(ORVGEN_LIBRARY_FILE);
         std::cout
             << "# Datasheet\n\n"
@@ -141,6 +164,8 @@ int main(int argc, char** argv) {
                "those of the function; a DCT-IV runs by its plan (docs/dct4.md).\n";
         std::string family;
         for (const ListedKernel& k : test::listedKernels()) {
+            if (!chosen.contains(k.name)) continue;
+            if (k.family != family) std::cerr << "write_datasheet: " << k.family << "\n";
             if (k.family != family)
                 std::cout << "\n## " << (family = k.family)
                           << "\n\n| N | method | add | mul | conv | instructions | bytes | frame | "
@@ -152,11 +177,14 @@ int main(int argc, char** argv) {
             std::fflush(stdout);
         }
         const test::MachineCode code(ORVGEN_LIBRARY_FILE);
-        printOrders<Orv32f>(code, cycles);
-        printOrders<Orv64f>(code, cycles);
+        printOrders<Orv32f>(code, cycles, chosen);
+        printOrders<Orv64f>(code, cycles, chosen);
         return 0;
-    } catch (const std::exception& e) {
+    } catch (const generator::UnknownName& e) {
         std::cerr << "write_datasheet: " << e.what() << "\n";
         return 2;
+    } catch (const std::exception& e) {
+        std::cerr << "write_datasheet: " << e.what() << "\n";
+        return 1;
     }
 }

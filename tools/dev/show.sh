@@ -1,5 +1,7 @@
-#: ./dev show NAME                    one kernel: decomposition, counts, error bound, figures and the emitted assembly
+#: ./dev show NAME...                 kernels: decomposition, counts, error bound, figures and the emitted assembly
+# A NAME is a kernel's in full or short (orvgDFTFwd_CToC_64_32fc, DFTFwd_CToC_64_32fc, CToC_64_32fc), a family's for all
+# its lengths (DFTFwd_CToC_32fc), or a pattern ('*Pack_1?_64f').
 # shellcheck shell=bash
-[[ $# -ge 1 ]] || misused "show: which kernel? For instance DFTFwd_CToC_64_32fc"
+[[ $# -gt 0 ]] || misused "show: which kernel? For instance DFTFwd_CToC_64_32fc"
 made orvgen_kernelgen_program
-"$build/bin/kernelgen" show "$1" tests/data
+"$build/bin/kernelgen" show tests/data "$@"

@@ -1,0 +1,15 @@
+// The page of a kernel: how it is computed, what it costs, its assembly.
+#pragma once
+
+#include <iosfwd>
+#include <string>
+
+#include "kernelgen/kernel.h"
+
+namespace orvgen::generator {
+
+// `tables`: the folder of the count tables; empty for none. Every family has the same lines; counts
+// are of real operations, the scale included.
+void printPage(std::ostream& out, const kernelgen::Kernel& kernel, const std::string& tables);
+
+}  // namespace orvgen::generator
