@@ -72,14 +72,11 @@ void printRow(const ListedKernel& k, const test::ElfImage& library, const std::s
                 cycles.c_str(), f.modelCycles, f.portBound, a.relativeL2, a.largest, e.absolute);
 }
 
-// The head comment of a Walsh-Hadamard kernel but for its name and counts: passes, code, memory.
-std::string passesOf(const std::string& assembly) {
-    std::string text;
-    std::istringstream lines(assembly);
-    std::string line;
-    for (int i = 0; std::getline(lines, line) && line.starts_with("# "); ++i)
-        if (i >= 2) text += (text.empty() ? "" : " ") + line.substr(2);
-    return text;
+// The passes of a Walsh-Hadamard kernel, in words.
+std::string wordsOf(const kernelgen::Passes& passes) {
+    std::string text = passes.tiles > 1 ? std::to_string(passes.tiles) + " tiles: " : "";
+    for (const kernelgen::Pass& pass : passes.tile) text += pass.what + "; ";
+    return text + passes.last.what;
 }
 
 template <class T>
@@ -119,8 +116,7 @@ void printOrders(const test::MachineCode& code, const std::map<std::string, std:
             const test::Accuracy a = orderAccuracy(o);
             const test::Function& function = code.function(o.name);
             const auto measured = cycles.find(o.name);
-            std::cout << "| " << o.order << " | "
-                      << passesOf(kernelgen::compileKernel(f.kernel(o.order)).assembly) << " | "
+            std::cout << "| " << o.order << " | " << wordsOf(*f.kernel(o.order).passes) << " | "
                       << o.points() * static_cast<std::size_t>(o.order) << " | " << o.points()
                       << " | " << function.instructions.size() << " | " << function.symbol.size
                       << " | " << (measured == cycles.end() ? "" : measured->second) << " | "
