@@ -76,7 +76,7 @@ void printRow(const ListedKernel& k, const test::ElfImage& library, const std::s
 std::string wordsOf(const kernelgen::Passes& passes) {
     std::string text = passes.tiles > 1 ? std::to_string(passes.tiles) + " tiles: " : "";
     for (const kernelgen::Pass& pass : passes.tile) text += pass.what + "; ";
-    return text + passes.last.what;
+    return text + (passes.last.what.empty() ? "one block" : passes.last.what);
 }
 
 template <class T>
