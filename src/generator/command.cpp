@@ -9,6 +9,7 @@
 #include "kernelgen/kernel_file.h"
 #include "names.h"
 #include "page.h"
+#include "plans_page.h"
 
 namespace orvgen::generator {
 
@@ -86,13 +87,17 @@ int runCommand(int argc, char** argv, const std::vector<Family>& families) {
             for (const std::string& name : namesOf(families)) std::cout << name << "\n";
             return 0;
         }
+        if (command == "plans" && argc == 2) {
+            std::cout << plansPage(families);
+            return 0;
+        }
         if (command == "show" && argc >= 4) {
             show(families, argv[2], {argv + 3, argv + argc});
             return 0;
         }
         if ((command != "emit" || (argc != 4 && argc != 5)) && (command != "batch" || argc < 5))
             return fail(
-                "usage: list | emit NAME FILE [TARGET] | batch NAME FOLDER TARGET... | "
+                "usage: list | plans | emit NAME FILE [TARGET] | batch NAME FOLDER TARGET... | "
                 "show FOLDER_OF_TABLES NAME...",
                 2);
         const std::optional<Member> member = findMember(families, argv[2]);

@@ -15,6 +15,7 @@ namespace orvgen::generator {
 // show NAME [FOLDER]  prints what there is to say about it, beside the rows of the tables in
 //                     FOLDER, and its assembly
 // list                prints the names of all kernels
+// plans               prints a page in Markdown: how every length is computed
 // Returns the exit status: 0, or 2 with one line on standard error.
 int runCommand(int argc, char** argv, const std::vector<kernelgen::Family>& families);
 

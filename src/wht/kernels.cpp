@@ -89,12 +89,19 @@ class Arrangement {
     Passes passes_;
 };
 
+// "passes of 6, 3, 4 layers"
+std::string passesOf(const Cut& cut) {
+    std::string text = cut.passes() == 1 ? "one pass of " : "passes of ";
+    for (int i = 0; i < cut.passes(); ++i) text += (i > 0 ? ", " : "") + number(cut.layers[i]);
+    return text + (cut.order() == 1 ? " layer" : " layers");
+}
+
 Kernel kernel(const std::string& family, Element element, int order) {
     const long n = 1L << order;
     const bool twoBodies = element == Element::F64 && order == 3;
     Kernel k{.name = kernelgen::memberName(family, order),
              .length = static_cast<int>(n),
-             .method = number(order) + " layers, " + number(n * order) + " additions, " +
+             .method = passesOf(cutOf(element, order)) + ": " + number(n * order) + " additions, " +
                        number(n) + " multiplications",
              .scale = kernelgen::ScaleRule::BothByN,
              .alignment = isScalar(element, order) ? Alignment::Any

@@ -1,0 +1,13 @@
+// How a length of the DCT-IV is computed, in one line.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace orvgen::dct4 {
+
+// "straight line" or "r = 32, n = 16 T 8": the radix of the second stage, and the odd-frequency
+// transform of the first one as its joins, inner kernels first. For lengths that have a plan.
+std::string notation(std::int32_t length);
+
+}  // namespace orvgen::dct4

@@ -1,0 +1,39 @@
+// The page of all plans in the documentation is the one that the program prints, and its links lead
+// somewhere.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <regex>
+
+#include "generator/plans_page.h"
+#include "generator/registry.h"
+
+namespace orvgen::test {
+namespace {
+
+const std::filesystem::path kDocs = ORVGEN_DOCS;
+
+std::string documented() {
+    std::ifstream file(kDocs / "plans.md");
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+TEST(PlansPage, IsTheOneOfTheDocumentation) {
+    EXPECT_EQ(generator::plansPage(generator::allFamilies()), documented())
+        << "./dev show --all-plans > docs/plans.md";
+}
+
+TEST(PlansPage, LinksLeadToFiles) {
+    const std::string page = documented();
+    const std::regex link("\\]\\(([^)]*)\\)");
+    int links = 0;
+    for (auto at = std::sregex_iterator(page.begin(), page.end(), link);
+         at != std::sregex_iterator(); ++at, ++links)
+        EXPECT_TRUE(std::filesystem::exists(kDocs / (*at)[1].str())) << (*at)[1];
+    EXPECT_GT(links, 10);
+}
+
+}  // namespace
+}  // namespace orvgen::test
