@@ -2,17 +2,19 @@
 // single kernels are not of the kernel compiler's making, or are loops over memory. Included by the
 // file of each target, in its namespace, behind layout.h.
 
-// The layers of bits low .. low + count - 1 on 2^count slots, `step` numbers apart: of every pair
-// that differs in the bit, sum and difference, the lowest bit first.
+// The layers of `count` bits on 2^count vectors: of every pair that differs in a bit, sum and
+// difference, the lowest bit first.
 template <class R, int count>
 ORVGEN_DCT4_INLINE void butterflies(typename Vectors<R>::V (&v)[1 << count]) {
-    for (int bit = 0; bit < count; ++bit)
-        for (int i = 0; i < 1 << count; ++i)
-            if ((i & 1 << bit) == 0) {
+    unroll<count>([&](auto bit) ORVGEN_DCT4_INLINE_LAMBDA {
+        unroll<1 << count>([&](auto i) ORVGEN_DCT4_INLINE_LAMBDA {
+            if constexpr ((i & 1 << bit) == 0) {
                 const auto a = v[i], b = v[i | 1 << bit];
                 v[i] = a + b;
                 v[i | 1 << bit] = a - b;
             }
+        });
+    });
 }
 
 // One pass over all slots: `count` layers from bit `low` on. Scaled where it is the last.
@@ -24,11 +26,15 @@ void whtPass(const R* src, std::ptrdiff_t srcStep, R* dst, std::ptrdiff_t dstSte
     for (int high = 0; high < 1 << order; high += inner << count)
         for (int at = high; at < high + inner; ++at) {
             typename Vs::V v[1 << count];
-            for (int i = 0; i < 1 << count; ++i) v[i] = Vs::load(src + (at + i * inner) * srcStep);
+            unroll<1 << count>([&](auto i) ORVGEN_DCT4_INLINE_LAMBDA {
+                v[i] = Vs::load(src + (at + i * inner) * srcStep);
+            });
             butterflies<R, count>(v);
             if (scale != nullptr)
-                for (auto& x : v) x = x * *scale;
-            for (int i = 0; i < 1 << count; ++i) Vs::store(dst + (at + i * inner) * dstStep, v[i]);
+                unroll<1 << count>([&](auto i) ORVGEN_DCT4_INLINE_LAMBDA { v[i] = v[i] * *scale; });
+            unroll<1 << count>([&](auto i) ORVGEN_DCT4_INLINE_LAMBDA {
+                Vs::store(dst + (at + i * inner) * dstStep, v[i]);
+            });
         }
 }
 

@@ -9,6 +9,9 @@
 
 namespace orvgen::batch::avx2 {
 
+using dct4::Index;
+using dct4::unroll;
+
 template <class R>
 struct Vectors;
 
@@ -23,14 +26,15 @@ struct Vectors<float> {
     static void store(float* p, V v) { _mm256_storeu_ps(p, v); }
     static V zero() { return _mm256_setzero_ps(); }
     static V spread(float x) { return _mm256_set1_ps(x); }
-    // 16 bytes from each place, and back; of the last `parts` places only the first `valid` are
-    // written.
-    static V loadParts(const float* const* p, std::ptrdiff_t step) {
-        return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(p[0])),
-                                    _mm_loadu_ps(p[step]), 1);
+    // 16 bytes from the place of each part; one part to its place.
+    template <class Place>
+    static V loadParts(const Place& place) {
+        return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(place(Index<0>{}))),
+                                    _mm_loadu_ps(place(Index<1>{})), 1);
     }
-    static void storePart(float* p, V v, int part) {
-        _mm_storeu_ps(p, part == 0 ? _mm256_castps256_ps128(v) : _mm256_extractf128_ps(v, 1));
+    template <int part>
+    static void storePart(float* p, V v, Index<part>) {
+        _mm_storeu_ps(p, _mm256_extractf128_ps(v, part));
     }
     // columns x columns elements change places in every part.
     static void transposeParts(V (&v)[4]) {
@@ -67,12 +71,14 @@ struct Vectors<double> {
     static void store(double* p, V v) { _mm256_storeu_pd(p, v); }
     static V zero() { return _mm256_setzero_pd(); }
     static V spread(double x) { return _mm256_set1_pd(x); }
-    static V loadParts(const double* const* p, std::ptrdiff_t step) {
-        return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_loadu_pd(p[0])),
-                                    _mm_loadu_pd(p[step]), 1);
+    template <class Place>
+    static V loadParts(const Place& place) {
+        return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_loadu_pd(place(Index<0>{}))),
+                                    _mm_loadu_pd(place(Index<1>{})), 1);
     }
-    static void storePart(double* p, V v, int part) {
-        _mm_storeu_pd(p, part == 0 ? _mm256_castpd256_pd128(v) : _mm256_extractf128_pd(v, 1));
+    template <int part>
+    static void storePart(double* p, V v, Index<part>) {
+        _mm_storeu_pd(p, _mm256_extractf128_pd(v, part));
     }
     static void transposeParts(V (&v)[2]) {
         const V low = _mm256_unpacklo_pd(v[0], v[1]);

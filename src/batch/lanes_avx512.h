@@ -9,6 +9,9 @@
 
 namespace orvgen::batch::avx512 {
 
+using dct4::Index;
+using dct4::unroll;
+
 template <class R>
 struct Vectors;
 
@@ -23,23 +26,16 @@ struct Vectors<float> {
     static void store(float* p, V v) { _mm512_storeu_ps(p, v); }
     static V zero() { return _mm512_setzero_ps(); }
     static V spread(float x) { return _mm512_set1_ps(x); }
-    static V loadParts(const float* const* p, std::ptrdiff_t step) {
-        V v = _mm512_castps128_ps512(_mm_loadu_ps(p[0]));
-        v = _mm512_insertf32x4(v, _mm_loadu_ps(p[step]), 1);
-        v = _mm512_insertf32x4(v, _mm_loadu_ps(p[2 * step]), 2);
-        return _mm512_insertf32x4(v, _mm_loadu_ps(p[3 * step]), 3);
+    template <class Place>
+    static V loadParts(const Place& place) {
+        V v = _mm512_castps128_ps512(_mm_loadu_ps(place(Index<0>{})));
+        v = _mm512_insertf32x4(v, _mm_loadu_ps(place(Index<1>{})), 1);
+        v = _mm512_insertf32x4(v, _mm_loadu_ps(place(Index<2>{})), 2);
+        return _mm512_insertf32x4(v, _mm_loadu_ps(place(Index<3>{})), 3);
     }
-    static void storePart(float* p, V v, int part) {
-        switch (part) {
-            case 0:
-                return _mm_storeu_ps(p, _mm512_castps512_ps128(v));
-            case 1:
-                return _mm_storeu_ps(p, _mm512_extractf32x4_ps(v, 1));
-            case 2:
-                return _mm_storeu_ps(p, _mm512_extractf32x4_ps(v, 2));
-            default:
-                return _mm_storeu_ps(p, _mm512_extractf32x4_ps(v, 3));
-        }
+    template <int part>
+    static void storePart(float* p, V v, Index<part>) {
+        _mm_storeu_ps(p, _mm512_extractf32x4_ps(v, part));
     }
     static void transposeParts(V (&v)[4]) {
         const __m512d a = _mm512_castps_pd(_mm512_unpacklo_ps(v[0], v[1]));
@@ -80,23 +76,16 @@ struct Vectors<double> {
     static void store(double* p, V v) { _mm512_storeu_pd(p, v); }
     static V zero() { return _mm512_setzero_pd(); }
     static V spread(double x) { return _mm512_set1_pd(x); }
-    static V loadParts(const double* const* p, std::ptrdiff_t step) {
-        V v = _mm512_castpd128_pd512(_mm_loadu_pd(p[0]));
-        v = _mm512_insertf64x2(v, _mm_loadu_pd(p[step]), 1);
-        v = _mm512_insertf64x2(v, _mm_loadu_pd(p[2 * step]), 2);
-        return _mm512_insertf64x2(v, _mm_loadu_pd(p[3 * step]), 3);
+    template <class Place>
+    static V loadParts(const Place& place) {
+        V v = _mm512_castpd128_pd512(_mm_loadu_pd(place(Index<0>{})));
+        v = _mm512_insertf64x2(v, _mm_loadu_pd(place(Index<1>{})), 1);
+        v = _mm512_insertf64x2(v, _mm_loadu_pd(place(Index<2>{})), 2);
+        return _mm512_insertf64x2(v, _mm_loadu_pd(place(Index<3>{})), 3);
     }
-    static void storePart(double* p, V v, int part) {
-        switch (part) {
-            case 0:
-                return _mm_storeu_pd(p, _mm512_castpd512_pd128(v));
-            case 1:
-                return _mm_storeu_pd(p, _mm512_extractf64x2_pd(v, 1));
-            case 2:
-                return _mm_storeu_pd(p, _mm512_extractf64x2_pd(v, 2));
-            default:
-                return _mm_storeu_pd(p, _mm512_extractf64x2_pd(v, 3));
-        }
+    template <int part>
+    static void storePart(double* p, V v, Index<part>) {
+        _mm_storeu_pd(p, _mm512_extractf64x2_pd(v, part));
     }
     static void transposeParts(V (&v)[2]) {
         const V low = _mm512_unpacklo_pd(v[0], v[1]);

@@ -53,35 +53,44 @@ std::size_t walkBlocks(std::size_t count, int worthwhile, const Run& block) {
 }
 
 // Numbers of contiguous transforms, 16 bytes of each at a time: a transpose brings together what
-// belongs to one slot. The last 16 bytes overlap those before them.
+// belongs to one slot. The last 16 bytes overlap those before them. Loops over lanes are written
+// out by unroll, so that the vectors stay in registers.
 template <class R>
 void gatherRows(const Array<const R>& a, const Block<R>& block, int slots, R* to) {
     using Vs = Vectors<R>;
     const R* row[Vs::lanes];
-    for (int l = 0; l < Vs::lanes; ++l) row[l] = a.re + block.transform(l) * a.distance;
+    unroll<Vs::lanes>(
+        [&](auto l) ORVGEN_DCT4_INLINE_LAMBDA { row[l] = a.re + block.transform(l) * a.distance; });
     for (int at = 0; at < slots; at += Vs::columns) {
         const int j = at + Vs::columns <= slots ? at : slots - Vs::columns;
-        const R* place[Vs::lanes];
-        for (int l = 0; l < Vs::lanes; ++l) place[l] = row[l] + j;
         typename Vs::V v[Vs::columns];
-        for (int c = 0; c < Vs::columns; ++c) v[c] = Vs::loadParts(place + c, Vs::columns);
+        unroll<Vs::columns>([&](auto c) ORVGEN_DCT4_INLINE_LAMBDA {
+            v[c] = Vs::loadParts([&](auto part) ORVGEN_DCT4_INLINE_LAMBDA {
+                return row[c + part * Vs::columns] + j;
+            });
+        });
         Vs::transposeParts(v);
-        for (int c = 0; c < Vs::columns; ++c) Vs::store(to + (j + c) * Vs::lanes, v[c]);
+        unroll<Vs::columns>(
+            [&](auto c) ORVGEN_DCT4_INLINE_LAMBDA { Vs::store(to + (j + c) * Vs::lanes, v[c]); });
     }
 }
 
-template <class R>
+template <class R, bool complete>
 void scatterRows(const R* from, int slots, const Block<R>& block, const Array<R>& a) {
     using Vs = Vectors<R>;
+    R* row[Vs::lanes];
+    unroll<Vs::lanes>(
+        [&](auto l) ORVGEN_DCT4_INLINE_LAMBDA { row[l] = a.re + block.transform(l) * a.distance; });
     for (int at = 0; at < slots; at += Vs::columns) {
         const int j = at + Vs::columns <= slots ? at : slots - Vs::columns;
         typename Vs::V v[Vs::columns];
-        for (int c = 0; c < Vs::columns; ++c) v[c] = Vs::load(from + (j + c) * Vs::lanes);
+        unroll<Vs::columns>(
+            [&](auto c) ORVGEN_DCT4_INLINE_LAMBDA { v[c] = Vs::load(from + (j + c) * Vs::lanes); });
         Vs::transposeParts(v);
-        for (int p = 0; p < Vs::parts; ++p)
-            for (int c = 0; c < Vs::columns; ++c)
-                if (const int l = c + p * Vs::columns; l < block.valid)
-                    Vs::storePart(a.re + (block.first + l) * a.distance + j, v[c], p);
+        unroll<Vs::lanes>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            if (complete || l < block.valid)
+                Vs::storePart(row[l] + j, v[l % Vs::columns], Index<l / Vs::columns>{});
+        });
     }
 }
 
@@ -181,7 +190,8 @@ void scatter(Path path, const R* from, Layout layout, int n, const Block<R>& blo
     const int slots = paired ? 2 * elements : elements;
     switch (pathOf(path, block, slots)) {
         case Path::Rows:
-            return scatterRows(from, slots, block, a);
+            return block.valid == lanes ? scatterRows<R, true>(from, slots, block, a)
+                                        : scatterRows<R, false>(from, slots, block, a);
         case Path::Columns:
             return scatterColumns(from, slots, block, a);
         case Path::PairedColumns:
