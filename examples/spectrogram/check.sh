@@ -36,7 +36,7 @@ says() { grep -q -e "$1" "$folder/out" || fail "no '$1': $(cat "$folder/out")"; 
 runs "$folder/tone.wav"
 says "^recording: tone (8 kHz, mono, 0.5 s)$"
 says "^shown: the whole band of 4 kHz, not resampled$"
-says "^transforms: [0-9 ]* of 64 samples (Hann window, hop 2, 125 Hz a row)"
+says "^transforms: [0-9 ]* of 64 samples (Hann window, hop 2, 125 Hz a row), [0-9]* ns each in batches, [0-9]* ns by a loop"
 says "^levels: .* at most -[0-9.]* dB, at 1 kHz and "
 says "^picture: $folder/picture.png$"
 runs --band 1000 "$folder/tone.wav"

@@ -92,10 +92,10 @@ int run(const Arguments& arguments) {
     const Spectrogram s = analyse(recording, arguments.band, ProgressLine("transforming"));
     for (const std::string& remark : recording.remarks())
         std::cerr << "spectrogram: " << remark << "\n";
-    const double each = 1e9 * s.transformSeconds / static_cast<double>(s.transforms);
     std::cout << "shown: " << treatment(recording, s) << "\n"
               << "transforms: " << grouped(s.transforms) << transformation(s) << ", "
-              << std::lround(each) << " ns each with the clock's own time\n"
+              << std::lround(s.batchNanoseconds) << " ns each in batches, "
+              << std::lround(s.singleNanoseconds) << " ns by a loop of single calls\n"
               << "levels: " << levelsOf(s) << "\n";
     writePicture(s, recording.title(),
                  recording.origin() + "; " + treatment(recording, s) + "; " +

@@ -1,6 +1,6 @@
 #include "spectrum.h"
 
-#include <orvgen.h>
+#include <orvgen_batch.h>
 
 #include <algorithm>
 #include <chrono>
@@ -44,6 +44,29 @@ struct Peak {
     void merge(const Peak& other) { value = std::max(value, other.value); }
 };
 
+// Transforms and the time that they took.
+struct Stopwatch {
+    std::chrono::steady_clock::duration spent{};
+    std::size_t transforms = 0;
+
+    template <class Work>
+    void time(std::size_t count, const Work& work) {
+        const auto begin = std::chrono::steady_clock::now();
+        const OrvStatus status = work();
+        spent += std::chrono::steady_clock::now() - begin;
+        transforms += count;
+        if (status != orvOk) throw std::runtime_error("the transforms failed");
+    }
+    void merge(const Stopwatch& other) {
+        spent += other.spent;
+        transforms += other.transforms;
+    }
+    double nanoseconds() const {
+        return std::chrono::duration<double, std::nano>(spent).count() /
+               static_cast<double>(transforms);
+    }
+};
+
 // Transforms every whole window of a channel.
 class Windows {
   public:
@@ -53,26 +76,47 @@ class Windows {
     template <class Found>
     void add(const std::vector<float>& block, const Found& found) {
         samples_.insert(samples_.end(), block.begin(), block.end());
+        x_.clear();
         std::size_t start = 0;
-        for (; start + N <= samples_.size(); start += hop_) found(transform(&samples_[start]));
+        for (; start + N <= samples_.size(); start += hop_)
+            for (std::size_t n = 0; n < N; ++n) x_.push_back(samples_[start + n] * window[n]);
         samples_.erase(samples_.begin(), samples_.begin() + static_cast<std::ptrdiff_t>(start));
+
+        const std::size_t count = x_.size() / N;
+        transform(count);
+        for (std::size_t t = 0; t < count; ++t) {
+            Power power;
+            power.windows = 1;
+            for (std::size_t k = 0; k < bins; ++k)
+                power.sum[k] = sqr(z_[t * bins + k].re) + sqr(z_[t * bins + k].im);
+            found(power);
+        }
     }
-    std::chrono::steady_clock::duration spent() const { return spent_; }
+    const Stopwatch& batches() const { return batches_; }
+    const Stopwatch& singles() const { return singles_; }
 
   private:
-    // One window of real samples; their half spectrum comes as the bins 0 to N/2 in (re, im) pairs.
-    Power transform(const float* samples) {
-        for (std::size_t n = 0; n < N; ++n) x_[n] = samples[n] * window[n];
+    // The rows of x_ by one call; of each the half spectrum, bins 0 to N/2, as a row of z_.
+    void transform(std::size_t count) {
+        if (count == 0) return;
+        z_.resize(count * bins);
+        batches_.time(count, [&] {
+            return orvgBatchDFTFwd_RToCCS_32f(x_.data(), 1, N, z_.data(), 1, bins, N, count,
+                                              orvScaleNone);
+        });
+        constexpr std::size_t tried = 10000;
+        if (singles_.transforms < tried) loop(count);
+    }
 
-        const auto begin = std::chrono::steady_clock::now();
-        const OrvStatus status = orvgDFTFwd_RToCCS_64_32f(x_.data(), z_.data(), orvScaleNone);
-        spent_ += std::chrono::steady_clock::now() - begin;
-        if (status != orvOk) throw std::runtime_error("the transform failed");
-
-        Power power;
-        power.windows = 1;
-        for (std::size_t k = 0; k < bins; ++k) power.sum[k] = sqr(z_[2 * k]) + sqr(z_[2 * k + 1]);
-        return power;
+    // The same by single calls, for the time that they take.
+    void loop(std::size_t count) {
+        single_.resize(z_.size());
+        singles_.time(count, [&] {
+            OrvStatus status = orvOk;
+            for (std::size_t t = 0; t < count && status == orvOk; ++t)
+                status = orvgDFTFwd_RToCCS_64_32f(&x_[t * N], &single_[t * bins].re, orvScaleNone);
+            return status;
+        });
     }
 
     static double sqr(float v) { return static_cast<double>(v) * v; }
@@ -80,10 +124,10 @@ class Windows {
     inline static const Window window = hann();
 
     std::size_t hop_;
-    std::chrono::steady_clock::duration spent_{};
+    Stopwatch batches_, singles_;
     std::vector<float> samples_;
-    std::array<float, N> x_{};
-    std::array<float, N + 2> z_{};
+    std::vector<float> x_;
+    std::vector<Orv32fc> z_, single_;
 };
 
 // The samples of one channel on their way to powers.
@@ -98,7 +142,7 @@ class Channel {
         if (resampler_) resampler_->convert(block, last, converted_);
         windows_.add(resampler_ ? converted_ : block, found);
     }
-    std::chrono::steady_clock::duration spent() const { return windows_.spent(); }
+    const Windows& windows() const { return windows_; }
 
   private:
     Windows windows_;
@@ -210,7 +254,12 @@ Spectrogram analyse(Recording& recording, std::optional<double> band, const Prog
     s.seconds = static_cast<double>(recording.frames()) / recording.rate();
     for (const Panel& panel : panels) s.channels.push_back(columnsOf(panel, s));
     s.transforms = static_cast<std::int64_t>(panels.front().powers.count() * channels.size());
-    for (const Channel& channel : channels)
-        s.transformSeconds += std::chrono::duration<double>(channel.spent()).count();
+    Stopwatch batches, singles;
+    for (const Channel& channel : channels) {
+        batches.merge(channel.windows().batches());
+        singles.merge(channel.windows().singles());
+    }
+    s.batchNanoseconds = batches.nanoseconds();
+    s.singleNanoseconds = singles.nanoseconds();
     return s;
 }
