@@ -1,22 +1,22 @@
 // The benchmark: every kernel beside other libraries and beside the bound of its own operations, in
 // core cycles. Ratios come first: their cycles over ours, above 1 where ours is faster.
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <memory>
 #include <random>
-#include <regex>
+#include <set>
 #include <stdexcept>
 
+#include "generator/names.h"
+#include "load.h"
 #include "measure.h"
 #include "operations.h"
 #include "peers.h"
 #include "port_table.h"
+#include "program.h"
 #include "report.h"
 #include "subject.h"
 #include "support/machine_code.h"
@@ -25,7 +25,7 @@ namespace orvgen::bench {
 namespace {
 
 struct Options {
-    std::string only;
+    std::vector<std::string> names;  // of kernels, as generator/names.h has them; none: all
     std::string ports;
     std::filesystem::path out = ORVGEN_BENCH_OUT;
     bool quick = false;
@@ -85,6 +85,32 @@ Timing timingOf(const Measurement& measure, const std::vector<Subject>& subjects
     return t;
 }
 
+// The lines above the table that say what its columns are.
+std::vector<std::string> legend(const std::string& ports) {
+    return {
+        "fftw, kissfft, plain: cycles of the other library over ours, above 1 where ours is faster",
+        "/bound: our cycles over the bound of the kernel's own operations on this core (" + ports +
+            ")",
+        "cycles, median: core cycles of a call in long bursts, least and median of the samples",
+        "short: in bursts of 8 calls after other kernels; latency: each call waits for the last",
+        "bound: cycles that the operations take at least, without call, gate and return"};
+}
+
+// A DCT-IV of 8 points (orvgDCT4_32f of 8) is called as if it were a kernel of that length.
+std::string calledName(const Subject& s) {
+    if (s.problem.transform != Transform::dct4) return s.name;
+    return "orvgDCT4_" + std::to_string(s.problem.length) + (s.problem.wide ? "_64f" : "_32f");
+}
+
+std::vector<Subject> chosen(std::vector<Subject> subjects, const std::vector<std::string>& words) {
+    std::vector<std::string> names;
+    for (const Subject& s : subjects) names.push_back(calledName(s));
+    const std::vector<std::string> called = generator::calledBy(names, words);
+    const std::set<std::string> wanted(called.begin(), called.end());
+    std::erase_if(subjects, [&](const Subject& s) { return !wanted.contains(calledName(s)); });
+    return subjects;
+}
+
 int run(const Options& options) {
     Effort effort;
     if (options.quick) {
@@ -102,10 +128,8 @@ int run(const Options& options) {
     std::unique_ptr<Fftw> same;
     std::vector<Peer> peers;
     Heading heading;
-    heading.notes = {
-        "their cycles over ours (above 1: ours is faster), then our cycles: long bursts, "
-        "short bursts, latency; bound by the port table " +
-        ports.name()};
+    heading.notes = legend(ports.name());
+    if (const std::string busy = whatElseRuns(); !busy.empty()) heading.notes.push_back(busy);
     if (!installed.loaded()) throw std::runtime_error("FFTW is not installed");
     heading.notes.push_back("fftw: " + installed.version() + " as installed, patient plans");
     peers.push_back(
@@ -128,16 +152,11 @@ int run(const Options& options) {
     // The kernels of the library as it was built, and of copies of it.
     std::vector<KernelLibrary> libraries{KernelLibrary::asBuilt()};
     for (int i = 0; i < effort.copies; ++i) libraries.push_back(KernelLibrary::copy());
-    const std::regex only(options.only);
     std::vector<std::vector<Subject>> versions;
     for (const KernelLibrary& library : libraries) {
-        versions.emplace_back();
-        for (Subject& s : allSubjects(library)) {
-            if (std::regex_search(s.name, only)) versions.back().push_back(std::move(s));
-        }
+        versions.push_back(chosen(allSubjects(library), options.names));
     }
     const std::vector<Subject>& subjects = versions.front();
-    if (subjects.empty()) throw std::runtime_error("no such kernels");
     std::fputs(tableHead(heading).c_str(), stdout);
     std::vector<Result> results;
     Known known;
@@ -181,23 +200,30 @@ int run(const Options& options) {
 }  // namespace orvgen::bench
 
 int main(int argc, char** argv) {
-    try {
-        orvgen::bench::Options o;
-        CLI::App app(
-            "Every kernel in core cycles, beside other libraries and the bound of its own work.");
-        app.add_option("--only", o.only, "kernels whose name matches (for instance '_64_32fc|WHT')")
-            ->type_name("REGEX");
+    orvgen::bench::Options o;
+    const auto declare = [&o](CLI::App& app) {
+        app.add_option("NAME", o.names,
+                       "kernels: DFTFwd_CToC_64_32fc, a family (WHT_32f), a pattern ('*_64_*'); "
+                       "without any all")
+            ->type_name("");
         app.add_option("--ports", o.ports,
                        "zen5, golden-cove or a file that bench_ports wrote; by default this core's")
             ->type_name("TABLE");
         app.add_option("--out", o.out, "where the tables and the plots go")->type_name("FOLDER");
-        app.add_flag("--quick", o.quick, "fewer and shorter samples");
+        app.add_flag("--quick", o.quick, "fewer and shorter samples")->disable_flag_override();
         app.add_flag("--same-isa", o.sameIsa,
-                     "also an FFTW built here from Debian's source with SSE2 alone");
-        CLI11_PARSE(app, argc, argv);
-        return orvgen::bench::run(o);
-    } catch (const std::exception& e) {
-        std::fprintf(stderr, "bench: %s\n", e.what());
-        return 2;
-    }
+                     "also an FFTW built here from Debian's source with SSE2 alone")
+            ->disable_flag_override();
+    };
+    const auto body = [&o] {
+        try {
+            return orvgen::bench::run(o);
+        } catch (const orvgen::generator::UnknownName& e) {
+            throw BadInput(e.what());
+        }
+    };
+    return runProgram(
+        "bench",
+        "Every kernel in core cycles, beside other libraries and the bound of its own work.", argc,
+        argv, declare, body);
 }

@@ -1,0 +1,24 @@
+// Whether the machine has anything else to do while it measures.
+#pragma once
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <thread>
+
+namespace orvgen::bench {
+
+// A warning where more runs than leaves a core to the measurement; empty where the machine is idle.
+inline std::string whatElseRuns() {
+    double load = 0;
+    const auto cores = static_cast<double>(std::thread::hardware_concurrency());
+    if (getloadavg(&load, 1) != 1 || load < 0.5 * cores) return "";
+    char text[128];
+    std::snprintf(
+        text, sizeof text,
+        "WARNING: the machine is busy (load %.1f on %.0f cores); the figures are too high", load,
+        cores);
+    return text;
+}
+
+}  // namespace orvgen::bench
