@@ -51,7 +51,7 @@ extern "C" {
 std::int32_t owngDCT4_32fw7_env1_mem(std::int32_t length) { return sizeNode<Env1<Orv32f>>(length); }
 
 Env1<Orv32f>* owngDCT4_32fw7_env1___init__(void* memory, Arena* arena, std::int32_t length) {
-    return initNode<Env1<Orv32f>>(memory, arena, length);
+    return initRecord<Env1<Orv32f>>(memory, arena, length);
 }
 
 std::int32_t owngDCT4_32fw7_env1_plan(NodeHeader* node) { return planNode<Env1<Orv32f>>(node); }
@@ -67,7 +67,7 @@ std::int32_t owngDCT4_32fw7_env2_mem(std::int32_t r, std::int32_t length,
 
 Env2<Orv32f>* owngDCT4_32fw7_env2___init__(void* memory, Arena* arena, std::int32_t r,
                                            std::int32_t length, const NodeHeader* twiddle) {
-    return initNode<Env2<Orv32f>>(memory, arena, r, length, twiddle);
+    return initRecord<Env2<Orv32f>>(memory, arena, r, length, twiddle);
 }
 
 std::int32_t owngDCT4_32fw7_env2_plan(NodeHeader* node) { return planNode<Env2<Orv32f>>(node); }
@@ -82,7 +82,7 @@ std::int32_t owngDCT4_32fw7_env3_mem(std::int32_t n, std::int32_t length, std::i
 
 Env3<Orv32f>* owngDCT4_32fw7_env3___init__(void* memory, Arena* arena, std::int32_t n,
                                            std::int32_t length, std::int32_t r) {
-    return initNode<Env3<Orv32f>>(memory, arena, n, length, r);
+    return initRecord<Env3<Orv32f>>(memory, arena, n, length, r);
 }
 
 std::int32_t owngDCT4_32fw7_env3_plan(NodeHeader* node) { return planNode<Env3<Orv32f>>(node); }
@@ -107,7 +107,7 @@ std::int32_t owngDCT4_32fw7_env5_mem(std::int32_t n, std::int32_t length, std::i
 
 Env5<Orv32f>* owngDCT4_32fw7_env5___init__(void* memory, Arena* arena, std::int32_t n,
                                            std::int32_t length, std::int32_t r) {
-    return initNode<Env5<Orv32f>>(memory, arena, n, length, r);
+    return initRecord<Env5<Orv32f>>(memory, arena, n, length, r);
 }
 
 std::int32_t owngDCT4_32fw7_env5_plan(NodeHeader* node) { return planNode<Env5<Orv32f>>(node); }
@@ -128,7 +128,7 @@ std::int32_t owngDCT4_32fw7_env7_mem(std::int32_t n, std::int32_t length, std::i
 Env7<Orv32f>* owngDCT4_32fw7_env7___init__(void* memory, Arena* arena, std::int32_t n,
                                            std::int32_t length, std::int32_t inStride,
                                            std::int32_t outStride) {
-    return initNode<Env7<Orv32f>>(memory, arena, n, length, inStride, outStride);
+    return initRecord<Env7<Orv32f>>(memory, arena, n, length, inStride, outStride);
 }
 
 std::int32_t owngDCT4_32fw7_env7_plan(NodeHeader* node) { return planNode<Env7<Orv32f>>(node); }
@@ -145,7 +145,7 @@ OrvStatus owngDCT4_32fw7_env7_compute(const Env7<Orv32f>* node, Orv32f* dst, con
 Env8<Orv32f>* owngDCT4_32fw7_env8___init__(void* memory, Arena* arena, std::int32_t n,
                                            std::int32_t r, std::int32_t length, std::int32_t stride,
                                            const NodeHeader* frequency) {
-    return initNode<Env8<Orv32f>>(memory, arena, n, r, length, stride, frequency);
+    return initRecord<Env8<Orv32f>>(memory, arena, n, r, length, stride, frequency);
 }
 
 std::int32_t owngDCT4_32fw7_env8__chooseRule(const Env8<Orv32f>* node) { return chooseRule(*node); }
@@ -169,7 +169,7 @@ std::int32_t owngDCT4_32fw7_env9_mem(std::int32_t n, std::int32_t length, std::i
 Env9<Orv32f>* owngDCT4_32fw7_env9___init__(void* memory, Arena* arena, std::int32_t n,
                                            std::int32_t length, std::int32_t r,
                                            std::int32_t inStride, std::int32_t outStride) {
-    return initNode<Env9<Orv32f>>(memory, arena, n, length, r, inStride, outStride);
+    return initRecord<Env9<Orv32f>>(memory, arena, n, length, r, inStride, outStride);
 }
 
 std::int32_t owngDCT4_32fw7_env9_plan(NodeHeader* node) { return planNode<Env9<Orv32f>>(node); }
@@ -185,7 +185,7 @@ OrvStatus owngDCT4_32fw7_env9_compute(const Env9<Orv32f>* node, Orv32f* dst, con
 
 EnvfCompose<Orv32f>* owngDCT4_32fw7_envfCompose___init__(void* memory, Arena* arena, std::int32_t r,
                                                          std::int32_t length) {
-    return initFunction<EnvfCompose<Orv32f>>(memory, arena, r, length);
+    return initRecord<EnvfCompose<Orv32f>>(memory, arena, r, length);
 }
 
 double owngDCT4_32fw7_envfCompose_at(const NodeHeader* object, std::int32_t i, std::int32_t j,
@@ -204,7 +204,7 @@ void owngDCT4_32fw7_envfsplit___del__(NodeHeader*) {}
 
 EnvLambda<Orv32f>* owngDCT4_32fw7_envlambda___init__(void* memory, Arena* arena, std::int32_t n,
                                                      std::int32_t r) {
-    return initFunction<EnvLambda<Orv32f>>(memory, arena, n, r);
+    return initRecord<EnvLambda<Orv32f>>(memory, arena, n, r);
 }
 
 double owngDCT4_32fw7_envlambda_at(const NodeHeader* object, std::int32_t i, std::int32_t j,

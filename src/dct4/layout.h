@@ -1,9 +1,15 @@
 // Sizing and building a plan: one walk with two receivers.
 //
 // For each type of node there is one function layOut(node, to): it chooses the rule and hands on,
-// in the order of building, what the node takes. The receiver Building takes it from the arena,
-// lists the children and plans them; the receiver Sizing adds up what that would cost, on a node
-// that stands in no arena.
+// in the order of building, what the node takes:
+//
+//   to.function(place, children, arguments)      a function object, owned by the children list
+//   to.child(place, children, role, arguments)   a node, likewise, with a role; gives its status
+//   to.scratch(array, count)                     elements
+//   to.table(array, count, fill)                 elements that fill() writes
+//
+// The receiver Building takes it from the arena, lists the children and plans them. The receiver
+// Sizing adds up what that would cost, on a node that stands in no arena.
 #pragma once
 
 #include "dct4/elements.h"
@@ -26,27 +32,15 @@ class Building {
 
     void* takeRecord(std::uint64_t size) { return orvgArenaMalloc(arena_, size); }
 
-    // A type without an ___init__ is filled in here.
     template <class Function, class... Arguments>
     const NodeHeader* function(Place<Function> place, EnvList* children, Arguments... arguments) {
-        NodeHeader* object;
-        if constexpr (requires { Operations<Function>::init; }) {
-            object = Operations<Function>::init(place.memory, arena_, arguments...);
-        } else {
-            object = initFunction<Function>(place.memory, arena_, arguments...);
-        }
-        return EnvList_add(children, object);
+        return EnvList_add(children, create(place, arguments...));
     }
 
     template <class Node, class... Arguments>
     std::int32_t child(Place<Node> place, EnvList* children, EnvList* role,
                        Arguments... arguments) {
-        NodeHeader* node;
-        if constexpr (requires { Operations<Node>::init; }) {
-            node = Operations<Node>::init(place.memory, arena_, arguments...);
-        } else {
-            node = initNode<Node>(place.memory, arena_, arguments...);
-        }
+        NodeHeader* node = create(place, arguments...);
         EnvList_add(role, EnvList_add(children, node));
         return node->plan(node);
     }
@@ -63,6 +57,16 @@ class Building {
     }
 
   private:
+    // A type without an ___init__ of its own is filled in here.
+    template <class Record, class... Arguments>
+    Record* create(Place<Record> place, Arguments... arguments) {
+        if constexpr (requires { Operations<Record>::init; }) {
+            return Operations<Record>::init(place.memory, arena_, arguments...);
+        } else {
+            return initRecord<Record>(place.memory, arena_, arguments...);
+        }
+    }
+
     Arena* arena_;
 };
 

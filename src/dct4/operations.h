@@ -6,10 +6,12 @@
 //   _plan        chooses the rule, builds children, tables and scratch; 0 or -6
 //   ___del__     gives back what the two took, but for the record itself
 //   _compute     runs the transform
+//   _at          evaluates a function object
 //
-// A function object has ___init__, _at, which evaluates it, and ___del__. The operations stand
-// under their names in family32f.cpp and family64f.cpp; what is written here and in the headers of
-// the types is written once for both element types.
+// They stand under their names in family32f.cpp and family64f.cpp. The header of a type has what
+// they are made of, written once for both element types: setUp(record, arguments) gives the fields
+// that are no lists, layOut(node, to) is the walk of _mem and _plan (layout.h), giveBackArray(node)
+// gives back the table or scratch, compute(node, ...) runs.
 #pragma once
 
 #include "dct4/records.h"
@@ -36,35 +38,24 @@ inline std::int32_t wrapped(std::int64_t value) { return static_cast<std::int32_
 // 2N - 1: the sample at P >= N of a sequence is the one at mirror - P.
 inline std::int32_t mirrorOf(std::int32_t length) { return wrapped(2 * std::int64_t{length} - 1); }
 
-template <class Record>
-Record* placeRecord(void* memory, Arena* arena) {
+// ___init__ of a record.
+template <class Record, class... Arguments>
+Record* initRecord(void* memory, Arena* arena, Arguments... arguments) {
     Record* record = static_cast<Record*>(memory);
     record->destructor = Operations<Record>::del;
     record->size = static_cast<std::int32_t>(sizeof(Record));
     record->arena = arena;
-    return record;
-}
-
-// ___init__ of a transform node. setUp(node, arguments) gives the fields that are no lists.
-template <class Node, class... Arguments>
-Node* initNode(void* memory, Arena* arena, Arguments... arguments) {
-    Node* node = placeRecord<Node>(memory, arena);
-    node->plan = Operations<Node>::plan;
-    node->children = makeList(arena);
-    for (EnvList** role : node->roles()) {
-        *role = makeList(arena);
+    if constexpr (requires { Operations<Record>::at; }) {
+        record->at = Operations<Record>::at;
+    } else {
+        record->plan = Operations<Record>::plan;
+        record->children = makeList(arena);
+        for (EnvList** role : record->roles()) {
+            *role = makeList(arena);
+        }
     }
-    setUp(*node, arguments...);
-    return node;
-}
-
-// ___init__ of a function object.
-template <class Function, class... Arguments>
-Function* initFunction(void* memory, Arena* arena, Arguments... arguments) {
-    Function* object = placeRecord<Function>(memory, arena);
-    object->at = Operations<Function>::at;
-    setUp(*object, arguments...);
-    return object;
+    setUp(*record, arguments...);
+    return record;
 }
 
 // ___del__ of a transform node: its array, its role lists, its children.

@@ -18,7 +18,7 @@ std::string faultOf(Call call, const void* at) {
 
 // Arrays and block of exactly their sizes, in turn right behind and right before a page that nobody
 // may touch.
-TEST(Access, StaysInsideExactArrays) {
+TEST(Dct4Run, StaysInsideExactArrays) {
     for (std::int32_t N = 2; N <= 131072; N *= 2) {
         const std::vector<Real> x = randomVector(N, 1);
         const std::vector<Real> expected = Plan(N)(x);
@@ -45,7 +45,7 @@ TEST(Access, StaysInsideExactArrays) {
 
 // A plan of which only the rule can be read, what stands before it or what stands behind the radix,
 // which shares its eight bytes, being forbidden.
-TEST(Access, ReadsOfAShortPlanTheRuleAlone) {
+TEST(Dct4Run, ReadsOfAShortPlanTheRuleAlone) {
     constexpr std::size_t ruleAt = 64;
     for (std::int32_t N = 2, rule = 1; N <= 32; N *= 2, ++rule) {
         const std::vector<Real> x = randomVector(N, 2);
@@ -64,7 +64,7 @@ TEST(Access, ReadsOfAShortPlanTheRuleAlone) {
 }
 
 // Source and destination at any byte.
-TEST(Access, TakesArraysAtAnyAddress) {
+TEST(Dct4Run, TakesArraysAtAnyAddress) {
     for (std::int32_t N = 2; N <= 16384; N *= 2) {
         Plan plan(N);
         const std::vector<Real> x = randomVector(N, 3);
@@ -86,7 +86,7 @@ TEST(Access, TakesArraysAtAnyAddress) {
     }
 }
 
-TEST(Access, MayBeInPlaceAtAnyPower) {
+TEST(Dct4Run, MayBeInPlaceAtAnyPower) {
     for (std::int32_t N = 2; N <= 131072; N *= 2) {
         Plan plan(N);
         std::vector<Real> x = randomVector(N, 4);
@@ -105,7 +105,7 @@ std::vector<std::vector<Real>> arraysOf(Plan& plan) {
     return arrays;
 }
 
-TEST(Together, GivesTheBitsOfOneAfterTheOther) {
+TEST(Dct4KernelsTogether, GiveTheBitsOfOneAfterTheOther) {
     for (const std::int32_t power : {4096, 8192, 16384, 32768, 65536, 131072, 262144}) {
         for (const std::int32_t N : {power, power + 1}) {
             std::vector<Real> x = randomVector(N + 1, 5);
@@ -136,7 +136,7 @@ TEST(Together, GivesTheBitsOfOneAfterTheOther) {
     }
 }
 
-TEST(Together, HandsOnTheStatusOfANodeThatRefuses) {
+TEST(Dct4KernelsTogether, HandOnTheStatusOfANodeThatRefuses) {
     Plan plan(131072);
     const std::vector<Real> x = randomVector(131072, 6);
     ASSERT_TRUE(worthTogether<Real>(plan.env5()->r, 131072));

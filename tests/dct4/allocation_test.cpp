@@ -7,7 +7,7 @@
 #include <cstring>
 #include <vector>
 
-#include "orvgen.h"
+#include "dct4/exported.h"
 
 namespace {
 
@@ -42,64 +42,45 @@ __attribute__((visibility("default"))) void orvFree(void* block) {
 namespace orvgen::test::dct4 {
 namespace {
 
-template <class R, class S, OrvStatus (*getSize)(std::int32_t, std::int32_t*),
-          OrvStatus (*init)(S**, std::int32_t, std::uint8_t*),
-          OrvStatus (*initAlloc)(S**, std::int32_t), OrvStatus (*free)(S*),
-          OrvStatus (*run)(const R*, R*, S*)>
-struct Family {
-    using Real = R;
-    using Spec = S;
-    static OrvStatus GetSize(std::int32_t N, std::int32_t* size) { return getSize(N, size); }
-    static OrvStatus Init(S** spec, std::int32_t N, std::uint8_t* mem) {
-        return init(spec, N, mem);
-    }
-    static OrvStatus InitAlloc(S** spec, std::int32_t N) { return initAlloc(spec, N); }
-    static OrvStatus Free(S* spec) { return free(spec); }
-    static OrvStatus Run(const R* src, R* dst, S* spec) { return run(src, dst, spec); }
-};
-
-using Family32f = Family<Orv32f, OrvDCT4Spec_32f, orvgDCT4GetSize_32f, orvgDCT4Init_32f,
-                         orvgDCT4InitAlloc_32f, orvgDCT4Free_32f, orvgDCT4_32f>;
-using Family64f = Family<Orv64f, OrvDCT4Spec_64f, orvgDCT4GetSize_64f, orvgDCT4Init_64f,
-                         orvgDCT4InitAlloc_64f, orvgDCT4Free_64f, orvgDCT4_64f>;
-
-template <class F>
-class AllocationTest : public testing::Test {
+template <class Real>
+class Dct4AllocationTest : public testing::Test {
   protected:
-    AllocationTest() { allocator = {}; }
+    using Exported = ExportedOf<Real>;
+    using Spec = Exported::Spec;
+    Dct4AllocationTest() { allocator = {}; }
 };
-using Families = testing::Types<Family32f, Family64f>;
-TYPED_TEST_SUITE(AllocationTest, Families);
+using Elements = testing::Types<Orv32f, Orv64f>;
+TYPED_TEST_SUITE(Dct4AllocationTest, Elements);
 
-TYPED_TEST(AllocationTest, TakesOneBlockAndGivesItBack) {
+TYPED_TEST(Dct4AllocationTest, TakesOneBlockAndGivesItBack) {
     for (std::int32_t N = 2; N <= 131072; N *= 2) {
         allocator = {};
         std::int32_t size = 0;
-        ASSERT_EQ(TypeParam::GetSize(N, &size), orvOk);
-        typename TypeParam::Spec* spec = nullptr;
-        ASSERT_EQ(TypeParam::InitAlloc(&spec, N), orvOk);
+        ASSERT_EQ(TestFixture::Exported::getSize(N, &size), orvOk);
+        typename TestFixture::Spec* spec = nullptr;
+        ASSERT_EQ(TestFixture::Exported::initAlloc(&spec, N), orvOk);
         ASSERT_EQ(allocator.requests, std::vector<std::int32_t>{size}) << N;
         auto* const block = static_cast<std::uint8_t*>(allocator.last);
         EXPECT_EQ(reinterpret_cast<std::uint8_t*>(spec), block + 64);
 
-        std::vector<typename TypeParam::Real> x(static_cast<std::size_t>(N), 1), y(x.size());
-        EXPECT_EQ(TypeParam::Run(x.data(), y.data(), spec), orvOk);
+        std::vector<TypeParam> x(static_cast<std::size_t>(N), 1), y(x.size());
+        EXPECT_EQ(TestFixture::Exported::run(x.data(), y.data(), spec), orvOk);
         EXPECT_EQ(allocator.requests.size(), 1U) << "a run allocates nothing";
 
-        EXPECT_EQ(TypeParam::Free(spec), orvOk);
+        EXPECT_EQ(TestFixture::Exported::free(spec), orvOk);
         EXPECT_EQ(allocator.freed, std::vector<void*>{block}) << N;
         // The destructors brought the arena back to its start.
         EXPECT_EQ(allocator.bumpAtFree, reinterpret_cast<std::uint64_t>(block) + 64) << N;
     }
 }
 
-TYPED_TEST(AllocationTest, FailureReachesTheCallerAsANullBlock) {
+TYPED_TEST(Dct4AllocationTest, FailureReachesTheCallerAsANullBlock) {
     for (const std::int32_t N : {2, 32, 64, 4096}) {
         allocator = {};
         allocator.failing = true;
-        auto* const before = reinterpret_cast<typename TypeParam::Spec*>(&allocator);
+        auto* const before = reinterpret_cast<typename TestFixture::Spec*>(&allocator);
         auto* spec = before;
-        EXPECT_EQ(TypeParam::InitAlloc(&spec, N), orvErrNullPtr);
+        EXPECT_EQ(TestFixture::Exported::initAlloc(&spec, N), orvErrNullPtr);
         EXPECT_EQ(spec, before);
         EXPECT_EQ(allocator.requests.size(), 1U);
         EXPECT_EQ(allocator.freed, std::vector<void*>{nullptr})
@@ -107,46 +88,46 @@ TYPED_TEST(AllocationTest, FailureReachesTheCallerAsANullBlock) {
     }
 }
 
-TYPED_TEST(AllocationTest, RefusedLengthAllocatesNothing) {
+TYPED_TEST(Dct4AllocationTest, RefusedLengthAllocatesNothing) {
     for (const std::int32_t N : {0, 1, -1, 3, 96, 100, 1000, 1022, 3072, 134217728}) {
-        auto* const before = reinterpret_cast<typename TypeParam::Spec*>(&allocator);
+        auto* const before = reinterpret_cast<typename TestFixture::Spec*>(&allocator);
         auto* spec = before;
-        EXPECT_EQ(TypeParam::InitAlloc(&spec, N), orvErrSize) << N;
+        EXPECT_EQ(TestFixture::Exported::initAlloc(&spec, N), orvErrSize) << N;
         EXPECT_EQ(spec, before);
-        EXPECT_EQ(TypeParam::InitAlloc(nullptr, N), orvErrNullPtr);
+        EXPECT_EQ(TestFixture::Exported::initAlloc(nullptr, N), orvErrNullPtr);
     }
-    EXPECT_EQ(TypeParam::InitAlloc(nullptr, 64), orvErrNullPtr);
+    EXPECT_EQ(TestFixture::Exported::initAlloc(nullptr, 64), orvErrNullPtr);
     EXPECT_TRUE(allocator.requests.empty());
     EXPECT_TRUE(allocator.freed.empty());
 }
 
-TYPED_TEST(AllocationTest, FreeRefusesNull) {
-    EXPECT_EQ(TypeParam::Free(nullptr), orvErrNullPtr);
+TYPED_TEST(Dct4AllocationTest, FreeRefusesNull) {
+    EXPECT_EQ(TestFixture::Exported::free(nullptr), orvErrNullPtr);
     EXPECT_TRUE(allocator.freed.empty());
 }
 
 // Free hands on the base of the block, wherever the plan came from.
-TYPED_TEST(AllocationTest, FreeTakesAPlanOfInitToo) {
+TYPED_TEST(Dct4AllocationTest, FreeTakesAPlanOfInitToo) {
     std::int32_t size = 0;
-    ASSERT_EQ(TypeParam::GetSize(64, &size), orvOk);
+    ASSERT_EQ(TestFixture::Exported::getSize(64, &size), orvOk);
     auto* block = static_cast<std::uint8_t*>(orvMalloc(size));
-    typename TypeParam::Spec* spec = nullptr;
-    ASSERT_EQ(TypeParam::Init(&spec, 64, block), orvOk);
-    EXPECT_EQ(TypeParam::Free(spec), orvOk);
+    typename TestFixture::Spec* spec = nullptr;
+    ASSERT_EQ(TestFixture::Exported::init(&spec, 64, block), orvOk);
+    EXPECT_EQ(TestFixture::Exported::free(spec), orvOk);
     EXPECT_EQ(allocator.freed, std::vector<void*>{block});
 }
 
-TYPED_TEST(AllocationTest, FreeGoesOnAtAnUnknownRule) {
-    typename TypeParam::Spec* spec = nullptr;
-    ASSERT_EQ(TypeParam::InitAlloc(&spec, 64), orvOk);
+TYPED_TEST(Dct4AllocationTest, FreeGoesOnAtAnUnknownRule) {
+    typename TestFixture::Spec* spec = nullptr;
+    ASSERT_EQ(TestFixture::Exported::initAlloc(&spec, 64), orvOk);
     void* const block = allocator.last;
     const std::int32_t rule = 77;
     std::memcpy(reinterpret_cast<std::uint8_t*>(spec) + 64, &rule, sizeof rule);
-    EXPECT_EQ(TypeParam::Free(spec), orvOk);
+    EXPECT_EQ(TestFixture::Exported::free(spec), orvOk);
     EXPECT_EQ(allocator.freed, std::vector<void*>{block});
     // Only the scratch was skipped.
     EXPECT_EQ(allocator.bumpAtFree,
-              reinterpret_cast<std::uint64_t>(block) + 64 + 64 * sizeof(typename TypeParam::Real));
+              reinterpret_cast<std::uint64_t>(block) + 64 + 64 * sizeof(TypeParam));
 }
 
 }  // namespace

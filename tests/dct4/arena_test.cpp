@@ -15,16 +15,16 @@ namespace {
 
 using namespace orvgen::dct4;
 
-class ArenaTest : public testing::Test {
+class Dct4ArenaTest : public testing::Test {
   protected:
-    ArenaTest() { arena->setBump(start()); }
+    Dct4ArenaTest() { arena->setBump(start()); }
     std::uint64_t start() const { return reinterpret_cast<std::uint64_t>(memory + 64); }
 
     alignas(32) unsigned char memory[4096] = {};
     Arena* arena = reinterpret_cast<Arena*>(memory);
 };
 
-TEST(Align, RoundsUpTo32) {
+TEST(Dct4Arena, RoundsSizesUpTo32) {
     EXPECT_EQ(orvgAlignSize32Bytes(0), 0U);
     EXPECT_EQ(orvgAlignSize32Bytes(1), 32U);
     EXPECT_EQ(orvgAlignSize32Bytes(31), 32U);
@@ -33,7 +33,7 @@ TEST(Align, RoundsUpTo32) {
     EXPECT_EQ(orvgAlignSize32Bytes(0x100000001), 0x100000020U);
 }
 
-TEST_F(ArenaTest, AllocationsStand32Apart) {
+TEST_F(Dct4ArenaTest, PutsAllocations32Apart) {
     void* first = orvgArenaMalloc(arena, 1);
     void* second = orvgArenaMalloc(arena, 1);
     EXPECT_EQ(reinterpret_cast<std::uint64_t>(first), start());
@@ -41,17 +41,17 @@ TEST_F(ArenaTest, AllocationsStand32Apart) {
     EXPECT_EQ(arena->bump(), start() + 64);
 }
 
-TEST_F(ArenaTest, AllocationOfNothingMovesNothing) {
+TEST_F(Dct4ArenaTest, MovesByNothingForNothing) {
     EXPECT_EQ(reinterpret_cast<std::uint64_t>(orvgArenaMalloc(arena, 0)), start());
     EXPECT_EQ(arena->bump(), start());
 }
 
-TEST_F(ArenaTest, MemoryIsNotCleared) {
+TEST_F(Dct4ArenaTest, ClearsNoMemory) {
     memory[64] = 0x5A;
     EXPECT_EQ(*static_cast<unsigned char*>(orvgArenaMalloc(arena, 8)), 0x5A);
 }
 
-TEST_F(ArenaTest, FreeGoesBySizeAlone) {
+TEST_F(Dct4ArenaTest, FreesBySizeAlone) {
     orvgArenaMalloc(arena, 128);
     orvgArenaFree(arena, nullptr, 33);
     EXPECT_EQ(arena->bump(), start() + 64);
@@ -69,14 +69,14 @@ struct Element : NodeHeader {
     int destroyed = 0;
 };
 
-class ListTest : public ArenaTest {
+class Dct4ListTest : public Dct4ArenaTest {
   protected:
     EnvList head;
     EnvList* list = EnvList___init__(&head, arena);
     Element a{80}, b{96}, c{33};
 };
 
-TEST_F(ListTest, InitGivesAnEmptyList) {
+TEST_F(Dct4ListTest, IsEmptyAtFirst) {
     EXPECT_EQ(list, &head);
     EXPECT_EQ(head.value, nullptr);
     EXPECT_EQ(head.next, nullptr);
@@ -84,7 +84,7 @@ TEST_F(ListTest, InitGivesAnEmptyList) {
     EXPECT_EQ(EnvList_get(list, 0), nullptr);
 }
 
-TEST_F(ListTest, FirstElementIsFreeOfCharge) {
+TEST_F(Dct4ListTest, TakesItsFirstElementForNothing) {
     EXPECT_EQ(EnvList_add(list, &a), &a);
     EXPECT_EQ(arena->bump(), start());
     EXPECT_EQ(EnvList_add(list, &b), &b);
@@ -97,7 +97,7 @@ TEST_F(ListTest, FirstElementIsFreeOfCharge) {
     EXPECT_EQ(head.next->arena, arena);
 }
 
-TEST_F(ListTest, ZeroLeavesItsSlotEmpty) {
+TEST_F(Dct4ListTest, LeavesTheSlotOfAZeroEmpty) {
     EXPECT_EQ(EnvList_add(list, nullptr), nullptr);
     EXPECT_EQ(EnvList_add(list, &a), &a);
     EXPECT_EQ(EnvList_get(list, 0), &a);
@@ -108,7 +108,7 @@ TEST_F(ListTest, ZeroLeavesItsSlotEmpty) {
     EXPECT_EQ(EnvList_get(list, 1), &b);
 }
 
-TEST_F(ListTest, GetOutsideTheChainIsZero) {
+TEST_F(Dct4ListTest, GivesZeroBehindItsEnd) {
     EnvList_add(list, &a);
     EnvList_add(list, &b);
     EXPECT_EQ(EnvList_get(list, -1), nullptr);
@@ -116,14 +116,14 @@ TEST_F(ListTest, GetOutsideTheChainIsZero) {
     EXPECT_EQ(EnvList_get(list, 100), nullptr);
 }
 
-TEST_F(ListTest, DelGivesBackWhatStandsBehindTheHead) {
+TEST_F(Dct4ListTest, GivesBackWhatStandsBehindItsHead) {
     for (Element* element : {&a, &b, &c}) EnvList_add(list, element);
     EnvList___del__(list);
     EXPECT_EQ(arena->bump(), start());
     EXPECT_EQ(a.destroyed + b.destroyed + c.destroyed, 0);
 }
 
-TEST_F(ListTest, FreeChildrenDestroysAndGivesBackRecords) {
+TEST_F(Dct4ListTest, DestroysChildrenAndGivesBackTheirRecords) {
     EnvList_freeChildren(nullptr);
     EnvList_freeChildren(list);
     EXPECT_EQ(arena->bump(), start());
@@ -136,13 +136,13 @@ TEST_F(ListTest, FreeChildrenDestroysAndGivesBackRecords) {
     EXPECT_EQ(arena->bump(), start() + 64 - 96 - 96 - 64);
 }
 
-TEST(List, ChargesOneRoundedNodeForEachAdd) {
+TEST(Dct4List, IsChargedARoundedNodeForEachEntry) {
     EXPECT_EQ(EnvList_add_mem(0), 0);
     EXPECT_EQ(EnvList_add_mem(1), 32);
     EXPECT_EQ(EnvList_add_mem(5), 160);
 }
 
-TEST(Function, CallsTheEvaluator) {
+TEST(Dct4Function, CallsItsEvaluator) {
     NodeHeader object{};
     object.at = [](const NodeHeader*, std::int32_t i, std::int32_t j, std::int32_t k) {
         return 100.0 * i + 10.0 * j + k;
@@ -160,7 +160,7 @@ void expectRadix(std::int32_t h, const std::vector<long>& candidates) {
     EXPECT_EQ(radix, expected) << h;
 }
 
-TEST(Radix, FollowsTheTable) {
+TEST(Dct4Radix, FollowsTheTable) {
     for (const DataRow& row : dataTable("dct4/radix").rows()) {
         const long from = row.integer("from"), to = row.integer("to");
         const std::vector<long> candidates =
@@ -178,7 +178,7 @@ TEST(Radix, FollowsTheTable) {
     expectRadix(2147483647, {32, 16, 8, 4, 2});
 }
 
-TEST(Rules, FollowTheTable) {
+TEST(Dct4Rules, FollowTheTable) {
     struct Rule {
         const char* node;
         std::int32_t (*of)(std::int32_t);
@@ -210,7 +210,7 @@ TEST(Rules, FollowTheTable) {
     EXPECT_EQ(static_cast<std::size_t>(checked), dataTable("dct4/rules").rows().size());
 }
 
-TEST(VisitingOrder, FollowsTheTable) {
+TEST(Dct4VisitingOrder, FollowsTheTable) {
     for (const DataRow& row : dataTable("dct4/visiting_order").rows()) {
         const auto r = static_cast<std::int32_t>(row.integer("r"));
         std::vector<long> order;
@@ -221,7 +221,7 @@ TEST(VisitingOrder, FollowsTheTable) {
 }
 
 // The chain of roundings, step by step, kept apart by volatile variables.
-TEST(Trigonometry, RoundsTheAngleToTheType) {
+TEST(Dct4Trigonometry, RoundsItsAngleToTheType) {
     for (int i = -4000; i <= 4000; ++i) {
         const float x = static_cast<float>(i) / 977.0F;
         volatile double wide = x;
@@ -236,7 +236,7 @@ TEST(Trigonometry, RoundsTheAngleToTheType) {
     }
 }
 
-TEST(Trigonometry, ForcesNoExactCase) {
+TEST(Dct4Trigonometry, ForcesNoExactCase) {
     const float quarter = orvgCosPi_32f(0.5F);
     EXPECT_EQ(quarter, std::cos(static_cast<float>(3.141592653589793 / 2)));
     EXPECT_NEAR(quarter, -4.37e-8, 0.005e-8);

@@ -95,7 +95,7 @@ void expectSameBits(const std::string& suffix) {
     }
 }
 
-TEST(Compilers, GiveTheSameBits) {
+TEST(Dct4Compilers, GiveTheSameBits) {
     ASSERT_STRNE(ORVGEN_LIBRARY_FILE, ORVGEN_OTHER_LIBRARY);
     expectSameBits<Orv32f, OrvDCT4Spec_32f>("_32f");
     expectSameBits<Orv64f, OrvDCT4Spec_64f>("_64f");

@@ -2,102 +2,100 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
-#include <vector>
+#include <cmath>
+#include <set>
 
-#include "dct4/counted.h"
-#include "dct4/flows/dct4.h"
-#include "dct4/flows/joinstage.h"
+#include "dct4/recording.h"
+#include "dct4/visitingorder.h"
 #include "support/data_table.h"
 
 namespace orvgen::test::dct4 {
 namespace {
 
-using namespace orvgen::dct4;
+using orvgen::dct4::visitingOrder;
+using Kind = Recording::Kind;
 
-const auto input = [](auto i) { return Counted::input(i); };
-
-template <int N>
-Tally tallyOfBody() {
-    Counted::tally() = {};
-    std::array<int, N> given{};
-    ::orvgen::dct4::dct4<N, Counted>(input, [&](auto k, Counted) { ++given[k]; });
-    EXPECT_EQ(std::count(given.begin(), given.end(), 1), N);
-    return Counted::tally();
+void expectOperations(const DataRow& row, const Recording& flow) {
+    EXPECT_EQ(flow.count(Kind::add), row.integer("add"));
+    EXPECT_EQ(flow.count(Kind::subtract), row.integer("sub"));
+    EXPECT_EQ(flow.count(Kind::multiply), row.integer("mul"));
 }
 
-template <int n>
-Tally tallyOfOddFrequency() {
-    Counted::tally() = {};
-    std::array<int, n / 2> given{};
-    oddFrequency<n, Counted>(input, [&](auto c, Complex<Counted>) { ++given[c]; });
-    EXPECT_EQ(std::count(given.begin(), given.end(), 1), n / 2);
-    return Counted::tally();
-}
-
-template <int r>
-Tally tallyOfStageTwo() {
-    Counted::tally() = {};
-    std::array<int, 2 * r> given{};
-    stageTwo<r, Counted>(
-        [](auto p) {
-            return rotate(Complex<Counted>{Counted::input(p), Counted::input(r + p)}, Counted(),
-                          Counted());
-        },
-        [&](auto u, Counted) { ++given[u + r]; });
-    EXPECT_EQ(std::count(given.begin(), given.end(), 1), 2 * r);
-    return Counted::tally();
-}
-
-struct JoinTally {
-    Tally tally;
-    long twiddles;  // vectors read: cosine and sine of each distinct twiddle
-};
-
-template <int R>
-JoinTally tallyOfJoin() {
-    Counted::tally() = {};
-    std::array<int, R> given{};
-    long first = 0;
-    std::set<int> second;
-    const auto turn = [](Complex<Counted> z) { return rotate(z, Counted(), Counted()); };
-    joinStage<R, Counted>(
-        [](auto s) {
-            return Complex<Counted>{Counted::input(s), Counted::input(R + s)};
-        },
-        [&](Complex<Counted> z) {
-            ++first;
-            return turn(z);
-        },
-        [&](Complex<Counted> z, auto k) {
-            second.insert(k);
-            return turn(z);
-        },
-        [&](auto f, Complex<Counted>) { ++given[f]; });
-    EXPECT_EQ(std::count(given.begin(), given.end(), 1), R);
-    return {Counted::tally(), 2 * (first + static_cast<long>(second.size()))};
-}
-
-TEST(Counts, OfTheStraightLineBodies) {
-    const auto expectRow = [](long N, const Tally& tally) {
-        const DataRow& row = dataTable("dct4/bodies").row("length", N);
-        EXPECT_EQ(tally.mul, row.integer("multiplications")) << N;
-        EXPECT_EQ(tally.add + tally.sub, row.integer("additions")) << N;
-        if (row.integer("magnitudes") != 0) {
-            EXPECT_EQ(tally.magnitudes.size(), row.integer("magnitudes")) << N;
-        }
-    };
-    expectRow(2, tallyOfBody<2>());
-    expectRow(4, tallyOfBody<4>());
-    expectRow(8, tallyOfBody<8>());
-    expectRow(16, tallyOfBody<16>());
-    expectRow(32, tallyOfBody<32>());
+TEST(Dct4Counts, OfTheStraightLineBodiesAreTheListedOnes) {
     EXPECT_EQ(dataTable("dct4/bodies").rows().size(), 5U);
+    for (const DataRow& row : dataTable("dct4/bodies").rows()) {
+        const long N = row.integer("length");
+        SCOPED_TRACE(N);
+        const Recording& flow = bodyRecording(static_cast<int>(N));
+        EXPECT_EQ(flow.count(Kind::multiply), row.integer("multiplications"));
+        EXPECT_EQ(flow.count(Kind::add) + flow.count(Kind::subtract), row.integer("additions"));
+        EXPECT_EQ(flow.inputs, N);
+        std::set<double> magnitudes;
+        for (const Recording::Angle& angle : flow.constants) {
+            magnitudes.insert(std::abs(static_cast<double>(valueOf(angle))));
+        }
+        if (row.integer("magnitudes") != 0) {
+            EXPECT_EQ(magnitudes.size(), row.integer("magnitudes"));
+        }
+    }
+}
+
+TEST(Dct4Counts, OfTheOddFrequencyKernelsAreTheListedOnes) {
+    EXPECT_EQ(dataTable("dct4/odd_frequency").rows().size(), 6U);
+    for (const DataRow& row : dataTable("dct4/odd_frequency").rows()) {
+        const long n = row.integer("n");
+        SCOPED_TRACE(n);
+        EXPECT_EQ(n, 1 << row.integer("rule"));
+        const Recording& flow = oddFrequencyRecording(static_cast<int>(n));
+        expectOperations(row, flow);
+        EXPECT_EQ(flow.order.size(), row.integer("loads"));
+        EXPECT_EQ(flow.inputs, n);
+    }
+}
+
+TEST(Dct4Counts, OfTheSecondStageAreTheListedOnes) {
+    EXPECT_EQ(dataTable("dct4/stage_two").rows().size(), 6U);
+    for (const DataRow& row : dataTable("dct4/stage_two").rows()) {
+        const long r = row.integer("r");
+        SCOPED_TRACE(r);
+        EXPECT_EQ(2 * r, 1 << row.integer("rule"));
+        const Recording& flow = stageTwoRecording(static_cast<int>(r));
+        expectOperations(row, flow);
+        EXPECT_EQ(flow.results.size(), row.integer("elements"));
+        // Every value and every number of its table once.
+        EXPECT_EQ(flow.order.size(), 2 * row.integer("elements"));
+        EXPECT_EQ(flow.inputs, 2 * row.integer("elements"));
+    }
+}
+
+// The table of a node is filled in this order and read straight through.
+TEST(Dct4SecondStageFlows, AskForTheirInputsInTheVisitingOrder) {
+    for (const int r : {1, 2, 4, 8, 16, 32}) {
+        const std::vector<int>& order = stageTwoRecording(r).order;
+        for (int position = 0; position < r; ++position) {
+            const int p = visitingOrder(r, position), twiddle = 2 * (r + position);
+            const auto at = order.begin() + 4 * position;
+            EXPECT_EQ(std::vector<int>(at, at + 4),
+                      (std::vector<int>{p, r + p, twiddle, twiddle + 1}));
+        }
+    }
+}
+
+TEST(Dct4Counts, OfTheJoinsAreTheListedOnes) {
+    EXPECT_EQ(dataTable("dct4/joins").rows().size(), 5U);
+    for (const DataRow& row : dataTable("dct4/joins").rows()) {
+        const long r = row.integer("r");
+        SCOPED_TRACE(r);
+        EXPECT_EQ(r, 1 << row.integer("rule"));
+        const Recording& flow = joinRecording(static_cast<int>(r));
+        expectOperations(row, flow);
+        EXPECT_EQ(flow.inputs - 2 * r, row.integer("twiddles"));
+    }
 }
 
 // The only operations on two inputs are those of the listed pairs, each of which lies in one of the
 // listed groups of four.
-TEST(Counts, FirstLayerOfLength32) {
+TEST(Dct4Length32, PairsItsSamplesAsListed) {
     std::set<std::pair<int, int>> pairs;
     std::vector<std::vector<long>> groups;
     for (const DataRow& row : dataTable("dct4/body32_pairs").rows()) {
@@ -110,7 +108,17 @@ TEST(Counts, FirstLayerOfLength32) {
     }
     EXPECT_EQ(pairs.size(), 8U);
     EXPECT_EQ(groups.size(), 8U);
-    EXPECT_EQ(tallyOfBody<32>().pairs, pairs);
+
+    const Recording& flow = bodyRecording(32);
+    std::set<std::pair<int, int>> met;
+    for (const Recording::Value& value : flow.values) {
+        if (value.kind != Kind::add && value.kind != Kind::subtract) continue;
+        const Recording::Value& a = flow.values[static_cast<std::size_t>(value.a)];
+        const Recording::Value& b = flow.values[static_cast<std::size_t>(value.b)];
+        if (a.kind != Kind::input || b.kind != Kind::input) continue;
+        met.insert({std::max(a.a, b.a), std::min(a.a, b.a)});
+    }
+    EXPECT_EQ(met, pairs);
 
     // The first results mix the four samples of a group and no others.
     for (const std::vector<long>& group : groups) {
@@ -119,59 +127,6 @@ TEST(Counts, FirstLayerOfLength32) {
         EXPECT_TRUE(pairs.count({static_cast<int>(std::max(group[2], group[3])),
                                  static_cast<int>(std::min(group[2], group[3]))}));
     }
-}
-
-TEST(Counts, OfTheOddFrequencyKernels) {
-    const auto expectRow = [](long n, const Tally& tally) {
-        const DataRow& row = dataTable("dct4/odd_frequency").row("n", n);
-        EXPECT_EQ(tally.add, row.integer("add")) << n;
-        EXPECT_EQ(tally.sub, row.integer("sub")) << n;
-        EXPECT_EQ(tally.mul, row.integer("mul")) << n;
-        EXPECT_EQ(n, row.integer("loads"));
-        EXPECT_EQ(n, 1 << row.integer("rule"));
-    };
-    expectRow(2, tallyOfOddFrequency<2>());
-    expectRow(4, tallyOfOddFrequency<4>());
-    expectRow(8, tallyOfOddFrequency<8>());
-    expectRow(16, tallyOfOddFrequency<16>());
-    expectRow(32, tallyOfOddFrequency<32>());
-    expectRow(64, tallyOfOddFrequency<64>());
-    EXPECT_EQ(dataTable("dct4/odd_frequency").rows().size(), 6U);
-}
-
-TEST(Counts, OfTheSecondStage) {
-    const auto expectRow = [](long r, const Tally& tally) {
-        const DataRow& row = dataTable("dct4/stage_two").row("r", r);
-        EXPECT_EQ(tally.add, row.integer("add")) << r;
-        EXPECT_EQ(tally.sub, row.integer("sub")) << r;
-        EXPECT_EQ(tally.mul, row.integer("mul")) << r;
-        EXPECT_EQ(2 * r, row.integer("elements"));
-        EXPECT_EQ(2 * r, 1 << row.integer("rule"));
-    };
-    expectRow(1, tallyOfStageTwo<1>());
-    expectRow(2, tallyOfStageTwo<2>());
-    expectRow(4, tallyOfStageTwo<4>());
-    expectRow(8, tallyOfStageTwo<8>());
-    expectRow(16, tallyOfStageTwo<16>());
-    expectRow(32, tallyOfStageTwo<32>());
-    EXPECT_EQ(dataTable("dct4/stage_two").rows().size(), 6U);
-}
-
-TEST(Counts, OfTheJoins) {
-    const auto expectRow = [](long r, const JoinTally& found) {
-        const DataRow& row = dataTable("dct4/joins").row("r", r);
-        EXPECT_EQ(found.tally.add, row.integer("add")) << r;
-        EXPECT_EQ(found.tally.sub, row.integer("sub")) << r;
-        EXPECT_EQ(found.tally.mul, row.integer("mul")) << r;
-        EXPECT_EQ(found.twiddles, row.integer("twiddles")) << r;
-        EXPECT_EQ(r, 1 << row.integer("rule"));
-    };
-    expectRow(2, tallyOfJoin<2>());
-    expectRow(4, tallyOfJoin<4>());
-    expectRow(8, tallyOfJoin<8>());
-    expectRow(16, tallyOfJoin<16>());
-    expectRow(32, tallyOfJoin<32>());
-    EXPECT_EQ(dataTable("dct4/joins").rows().size(), 5U);
 }
 
 }  // namespace

@@ -16,7 +16,7 @@ std::vector<std::int32_t> powers(std::int32_t last) {
     return lengths;
 }
 
-TEST(Init, RefusesNullBeforeItLooksAtTheLength) {
+TEST(Dct4Init, RefusesNullBeforeItLooksAtTheLength) {
     Block block(4096);
     const std::vector<std::uint8_t> before = block.copy();
     for (const std::int32_t N : {2, 64, 0, -1, 100, 2147483647}) {
@@ -29,7 +29,7 @@ TEST(Init, RefusesNullBeforeItLooksAtTheLength) {
     EXPECT_TRUE(sameBits(before, block.copy()));
 }
 
-TEST(Init, PutsTheTopNodeOnTheNextBoundary) {
+TEST(Dct4Init, PutsTheTopNodeOnTheNextBoundary) {
     for (std::size_t remainder = 0; remainder < 32; ++remainder) {
         for (const std::int32_t N : {2, 32, 64, 4096}) {
             Plan plan(N, remainder);
@@ -43,7 +43,7 @@ TEST(Init, PutsTheTopNodeOnTheNextBoundary) {
 }
 
 // Wherever the block lies, nothing behind the reported size is written, by building or by running.
-TEST(Init, StaysInsideTheReportedSize) {
+TEST(Dct4Init, StaysInsideTheReportedSize) {
     for (const std::size_t remainder : {0U, 1U, 8U, 16U, 31U}) {
         for (const std::int32_t N : powers(131072)) {
             Plan plan(N, remainder);
@@ -57,7 +57,7 @@ TEST(Init, StaysInsideTheReportedSize) {
 }
 
 // Every length that the size query refuses, Init refuses too, and leaves the plan pointer alone.
-TEST(Init, AcceptsTheLengthsThatHaveASize) {
+TEST(Dct4Init, AcceptsTheLengthsThatHaveASize) {
     Block block(std::size_t{16} << 20);
     int refusals = 0;
     for (std::int32_t N = -5; N <= 70000; ++N) {
@@ -78,7 +78,7 @@ TEST(Init, AcceptsTheLengthsThatHaveASize) {
     }
 }
 
-TEST(Run, RefusesNullPointers) {
+TEST(Dct4Run, RefusesNullPointers) {
     Plan plan(4);
     std::vector<Real> x = randomVector(4, 1), y(4, static_cast<Real>(-7));
     const std::vector<Real> untouched = y;
@@ -92,7 +92,7 @@ TEST(Run, RefusesNullPointers) {
     EXPECT_EQ(Exported::run(nullptr, y.data(), plan.spec), orvErrNullPtr);
 }
 
-TEST(Run, RefusesUnknownRules) {
+TEST(Dct4Run, RefusesUnknownRules) {
     for (const std::int32_t N : {4, 64}) {
         Plan plan(N);
         const std::vector<Real> x = randomVector(N, 1);
@@ -106,7 +106,7 @@ TEST(Run, RefusesUnknownRules) {
     }
 }
 
-TEST(Run, GivesTheStatusOfANodeThatRefuses) {
+TEST(Dct4Run, GivesTheStatusOfANodeThatRefuses) {
     Plan plan(4096);
     const std::vector<Real> x = randomVector(4096, 1);
     Env7* level = plan.levels().at(0);
@@ -119,7 +119,7 @@ TEST(Run, GivesTheStatusOfANodeThatRefuses) {
 }
 
 // A stage whose wrapper's flag is not 1 is left out without a word.
-TEST(Run, LeavesOutAnInactiveStage) {
+TEST(Dct4Run, LeavesOutAnInactiveStage) {
     for (const std::int32_t flag : {0, 2, -1}) {
         Plan plan(256);
         const std::vector<Real> x = randomVector(256, 1), other = randomVector(256, 2);
@@ -140,7 +140,7 @@ TEST(Run, LeavesOutAnInactiveStage) {
     }
 }
 
-TEST(Run, MisalignedAndInPlaceGiveTheSameBits) {
+TEST(Dct4Run, MisalignedAndInPlaceGiveTheSameBits) {
     for (const std::int32_t N : powers(8192)) {
         Plan plan(N);
         const std::vector<Real> x = randomVector(N, static_cast<unsigned>(N));
@@ -172,7 +172,7 @@ TEST(Run, MisalignedAndInPlaceGiveTheSameBits) {
     }
 }
 
-TEST(Run, DependsOnSourceAndPlanAlone) {
+TEST(Dct4Run, DependsOnSourceAndPlanAlone) {
     for (const std::int32_t N : powers(16384)) {
         Plan plan(N), again(N, 8);
         const std::vector<Real> x = randomVector(N, 3);
@@ -184,7 +184,7 @@ TEST(Run, DependsOnSourceAndPlanAlone) {
 }
 
 // Bytes of the block that a run may write: the scratch of the top node and of each level.
-TEST(Run, WritesNothingOfThePlanButItsScratch) {
+TEST(Dct4Run, WritesNothingOfThePlanButItsScratch) {
     for (const std::int32_t N : powers(131072)) {
         Plan plan(N);
         std::vector<std::uint8_t> before = plan.block.copy();
@@ -206,7 +206,7 @@ TEST(Run, WritesNothingOfThePlanButItsScratch) {
     }
 }
 
-TEST(Run, SharesAShortPlanAmongThreads) {
+TEST(Dct4Run, SharesAShortPlanAmongThreads) {
     for (const std::int32_t N : powers(32)) {
         Plan plan(N);
         std::vector<int> wrong(4);
@@ -226,7 +226,7 @@ TEST(Run, SharesAShortPlanAmongThreads) {
     }
 }
 
-TEST(Run, TakesAPlanForEachThread) {
+TEST(Dct4Run, TakesAPlanForEachThread) {
     for (const std::int32_t N : {64, 2048, 4096, 16384}) {
         Plan single(N);
         std::vector<int> wrong(4);
@@ -248,7 +248,7 @@ TEST(Run, TakesAPlanForEachThread) {
     }
 }
 
-TEST(Run, LeavesTheRoundingModeAndUsesIt) {
+TEST(Dct4Run, LeavesTheRoundingModeAndUsesIt) {
     const std::vector<Real> x = randomVector(64, 6);
     Plan plan(64);
     const std::vector<Real> nearest = plan(x);
@@ -262,7 +262,7 @@ TEST(Run, LeavesTheRoundingModeAndUsesIt) {
     }
 }
 
-TEST(Run, PassesNonFiniteValuesThrough) {
+TEST(Dct4Run, PassesNonFiniteValuesThrough) {
     for (const std::int32_t N : powers(4096)) {
         Plan plan(N);
         std::vector<Real> x = randomVector(N, 7);
@@ -274,7 +274,7 @@ TEST(Run, PassesNonFiniteValuesThrough) {
     }
 }
 
-TEST(Length2, IsTheRotation) {
+TEST(Dct4Length2, IsTheRotation) {
     Plan plan(2);
     const std::vector<Real> y = plan({1, 0});
     EXPECT_EQ(y[0], static_cast<Real>(cosPi(1, 8)));
@@ -284,7 +284,7 @@ TEST(Length2, IsTheRotation) {
 }
 
 // Destruction brings the bump pointer back to where the first allocation started.
-TEST(Destruction, GivesBackWhatBuildingTook) {
+TEST(Dct4Destruction, GivesBackWhatBuildingTook) {
     for (const std::size_t remainder : {0U, 8U, 31U}) {
         std::vector<std::int32_t> lengths = powers(131072);
         for (std::int32_t power = familyBits == 32 ? 32 : 8; power <= 65536; power *= 2) {
@@ -300,7 +300,7 @@ TEST(Destruction, GivesBackWhatBuildingTook) {
 }
 
 // With a rule of no kind the scratch is not given back.
-TEST(Destruction, SkipsTheScratchOfAnUnknownRule) {
+TEST(Dct4Destruction, SkipsTheScratchOfAnUnknownRule) {
     Plan plan(64);
     plan.top()->rule = 7;
     Operations<Env1>::del(plan.top());
@@ -309,7 +309,7 @@ TEST(Destruction, SkipsTheScratchOfAnUnknownRule) {
 }
 
 // 2^k + 1 passes the test of lengths; its data mean nothing, but the places are known.
-TEST(LengthPlusOne, IsAcceptedAndRun) {
+TEST(Dct4LengthPlusOne, IsAcceptedAndRun) {
     for (std::int32_t power = familyBits == 32 ? 32 : 8; power <= 65536; power *= 2) {
         const std::int32_t N = power + 1;
         Plan plan(N);
@@ -319,7 +319,7 @@ TEST(LengthPlusOne, IsAcceptedAndRun) {
     }
 }
 
-TEST(LengthPlusOne, WritesTheListedPlacesAt33) {
+TEST(Dct4LengthPlusOne, WritesTheListedPlacesAt33) {
     Plan plan(33);
     const std::vector<Real> x = randomVector(34, 9);
     std::vector<Real> y(34 + 16, static_cast<Real>(-7));

@@ -147,7 +147,7 @@ void expectFieldsOfTheRest() {
     lambda.expect("r'", &EnvLambda::r);
 }
 
-TEST(Layout, OfTheRecords) {
+TEST(Dct4Records, HaveTheirFieldsWhereTheTableSays) {
     expectFieldsOfTheStages();
     expectFieldsOfTheRecursion();
     expectFieldsOfTheRest();
@@ -232,7 +232,7 @@ std::vector<std::string> expectedOrder(int levels) {
     return order;
 }
 
-TEST(Layout, OfTheBlock) {
+TEST(Dct4Block, HoldsItsPiecesInTheOrderOfBuilding) {
     for (std::int32_t N = 2; N <= 131072; N *= 2) {
         Plan plan(N);
         const Pieces pieces(plan);
@@ -254,7 +254,7 @@ TEST(Layout, OfTheBlock) {
 
 // A build that fails is taken down like a finished one: each node that would have had a scratch
 // array in the end gives one back, whether it had come so far or not.
-TEST(Layout, OfAFailedBuild) {
+TEST(Dct4FailedBuild, GivesBackEveryScratchThatItWouldHaveHad) {
     struct Failure {
         std::int32_t length;
         int arrays;  // of N elements, given back and never taken
@@ -275,7 +275,7 @@ TEST(Layout, OfAFailedBuild) {
 }
 
 // Nothing is written of a short plan's radix, which it has none of.
-TEST(Layout, OfAShortPlanLeavesTheRadixAlone) {
+TEST(Dct4ShortPlan, LeavesItsRadixUnwritten) {
     for (std::int32_t N = 2; N <= 32; N *= 2) {
         Plan plan(N);
         std::int32_t untouched;
@@ -285,7 +285,7 @@ TEST(Layout, OfAShortPlanLeavesTheRadixAlone) {
 }
 
 // A node gives back its scratch and its role lists before the children go.
-TEST(Layout, OfTheArenaWhenChildrenGo) {
+TEST(Dct4Destruction, GivesBackScratchAndRolesBeforeChildren) {
     static Arena* arena;
     static std::vector<std::uint64_t> seen;
     const auto look = [](NodeHeader*) { seen.push_back(arena->bump()); };
@@ -326,7 +326,7 @@ struct Reached {
     }
 };
 
-TEST(Layout, OfTreesReachesTheListedKernels) {
+TEST(Dct4Plans, RunTheListedKernels) {
     Reached powers, plusOne;
     for (std::int32_t N = 2; N <= 1 << 20; N *= 2) {
         Plan plan(N);

@@ -94,7 +94,7 @@ void expectRow(const DataRow& row, const Counts& counts, const std::string& what
     EXPECT_EQ(counts.backJumps, 1) << what << ": one loop around a straight-line body";
 }
 
-TEST(MachineCounts, OfThePackedKernels) {
+TEST(Dct4PackedKernels, HaveTheListedOperationsInOneLoop) {
     for (const FamilyCode& family : families) {
         int rows = 0;
         const auto expectTable = [&](const char* table, const char* loop, const char* size) {
@@ -113,7 +113,7 @@ TEST(MachineCounts, OfThePackedKernels) {
 }
 
 // Single-element accesses to source and destination of the transform: so many of them per body.
-TEST(MachineAccess, OfThePackedKernels) {
+TEST(Dct4PackedKernels, ReachTheArraysElementByElement) {
     for (const FamilyCode& family : families) {
         const long lanes = family.suffix == std::string("_32f") ? 4 : 2;
         const auto singles = [&](const Function& function, bool store) {
@@ -149,7 +149,7 @@ TEST(MachineAccess, OfThePackedKernels) {
 // A vector of samples is put together of single elements: in 32-bit float by two merges of pairs
 // and one more shuffle, in 64-bit float by the load of a low and a high half. Of results one lane
 // after the other is shuffled to the front (32) or stored from its half (64).
-TEST(MachineAccess, TakesVectorsTogetherAndApart) {
+TEST(Dct4PackedKernels, PutVectorsTogetherAndTakeThemApart) {
     for (const FamilyCode& family : families) {
         const bool four = family.suffix == std::string("_32f");
         const auto shuffles = [](const Function& function) {
@@ -190,7 +190,7 @@ TEST(MachineAccess, TakesVectorsTogetherAndApart) {
 }
 
 // Multipliers stand in read-only memory as whole vectors with one value in all lanes.
-TEST(MachineAccess, MultipliersFillAllLanes) {
+TEST(Dct4Multipliers, FillAllLanes) {
     for (const FamilyCode& family : families) {
         const std::size_t width = family.suffix == std::string("_32f") ? 4 : 8;
         long found = 0;
@@ -226,7 +226,7 @@ TEST(MachineAccess, MultipliersFillAllLanes) {
 }
 
 // Temporaries of a kernel take at most 2 KB of the stack.
-TEST(MachineAccess, KeepsFramesSmall) {
+TEST(Dct4Frames, AreSmall) {
     constexpr int stackPointer = 4;
     for (const FamilyCode& family : families) {
         const auto expectSmall = [&](const Function& function) {
@@ -293,7 +293,7 @@ std::vector<Path> pathsOf(const Function& function, const FamilyCode& family) {
     return paths;
 }
 
-TEST(MachineCounts, OfTheStraightLineBodies) {
+TEST(Dct4RunFunction, HoldsTheStraightLineBodies) {
     for (const FamilyCode& family : families) {
         const Function& run = code().function("orvgDCT4" + std::string(family.suffix));
         std::set<std::pair<long, long>> found, expected;
@@ -363,7 +363,7 @@ void reach(const Function& function, std::set<std::string>& names) {
 const std::string insideName = "_ZN6orvgen4dct4";
 
 // A run calls no library function, no allocator, no trigonometry: kernels and the list's access.
-TEST(MachineCalls, OfARun) {
+TEST(Dct4RunFunction, CallsKernelsAndListsAlone) {
     for (const FamilyCode& family : families) {
         std::set<std::string> names;
         reach(code().function("orvgDCT4" + std::string(family.suffix)), names);
@@ -381,7 +381,7 @@ TEST(MachineCalls, OfARun) {
 }
 
 // Sizing touches no memory, and building does not size: two walks that know nothing of each other.
-TEST(MachineCalls, OfTheTwoPasses) {
+TEST(Dct4Sizing, KnowsNothingOfBuildingInTheMachineCode) {
     for (const FamilyCode& family : families) {
         const std::string prefix = family.prefix;
         std::set<std::string> sizing;
@@ -408,7 +408,7 @@ TEST(MachineCalls, OfTheTwoPasses) {
     }
 }
 
-TEST(MachineCalls, TrigonometryIsOfFourFunctions) {
+TEST(Dct4Trigonometry, CallsOneFunctionOfTheLibraryEach) {
     const std::pair<const char*, const char*> helpers[] = {{"orvgCosPi_32f", "cosf"},
                                                            {"orvgSinPi_32f", "sinf"},
                                                            {"orvgCosPi_64f", "cos"},
@@ -420,7 +420,7 @@ TEST(MachineCalls, TrigonometryIsOfFourFunctions) {
     }
 }
 
-TEST(Symbols, StandAsLocalFunctions) {
+TEST(Dct4Symbols, StandAsLocalFunctions) {
     int checked = 0;
     const auto expectLocal = [&](const std::string& name) {
         const Symbol* symbol = code().image().find(name);
@@ -441,7 +441,7 @@ TEST(Symbols, StandAsLocalFunctions) {
 
 // The tables say all: no further function under the prefixes, and none of the operations that a
 // type does not have.
-TEST(Symbols, AreNoOthers) {
+TEST(Dct4Symbols, AreNoOthers) {
     std::set<std::string> listed;
     for (const DataRow& row : dataTable("dct4/symbols").rows()) listed.insert(row.text("name"));
     for (const DataRow& row : dataTable("dct4/absent").rows()) {

@@ -1,8 +1,7 @@
-// binary128 arithmetic for references: angles exact multiples of pi, and the direct sums.
+// binary128 arithmetic for references: constants of exact angles, and the DCT-IV itself.
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <vector>
 
 namespace orvgen::test::dct4 {
@@ -13,45 +12,39 @@ using Quad = __float128;
 Quad cosPi(std::int64_t num, std::int64_t den);
 Quad sinPi(std::int64_t num, std::int64_t den);
 Quad tanPi(std::int64_t num, std::int64_t den);
-Quad squareRoot(double x);
 
 Quad magnitude(Quad x);
 
-// cos(pi k / halfTurn) for all integers k, from a table over one quadrant.
-class CosineTable {
-  public:
-    explicit CosineTable(std::int64_t halfTurn);
-    Quad cosine(std::int64_t k) const;
-    // sin(x) = cos(x - pi / 2); the half turn must be even.
-    Quad sine(std::int64_t k) const { return cosine(k - steps / 2); }
-
-  private:
-    std::int64_t steps;
-    std::vector<Quad> quadrant;
+struct QuadPair {
+    Quad re, im;
 };
 
-// The DCT-IV by its definition, one output at a time.
+// The points exp(i pi k / halfTurn) for all integers k, to a few roundings of binary128: products
+// of two rounded points, a coarse and a fine one.
+class UnitCircle {
+  public:
+    explicit UnitCircle(std::int64_t halfTurn);
+    QuadPair point(std::int64_t k) const;
+    Quad cosine(std::int64_t k) const { return point(k).re; }
+    Quad sine(std::int64_t k) const { return point(k).im; }
+
+  private:
+    std::int64_t turn, step;
+    std::vector<QuadPair> coarse, fine;
+};
+
+// The DCT-IV by its definition, one output at a time; every angle an exact multiple of pi / (4N).
 class DirectDct4 {
   public:
-    explicit DirectDct4(std::int64_t N);
-
-    template <class Real>
-    Quad operator()(const std::vector<Real>& x, std::int64_t k) const {
-        // The angle (2j + 1)(2k + 1) pi / (4N) in steps of pi / (4N), a turn being 8N of them.
-        const auto turn = cosines.size();
-        const auto step = static_cast<std::size_t>(4 * k + 2) % turn;
-        std::size_t angle = static_cast<std::size_t>(2 * k + 1) % turn;
-        Quad sum = 0;
-        for (const Real value : x) {
-            sum += static_cast<Quad>(value) * cosines[angle];
-            angle += step;
-            angle -= angle >= turn ? turn : 0;
-        }
-        return sum;
-    }
+    explicit DirectDct4(std::int64_t length) : N(length), circle(4 * N) {}
+    Quad operator()(const std::vector<Quad>& x, std::int64_t k) const;
 
   private:
-    std::vector<Quad> cosines;
+    std::int64_t N;
+    UnitCircle circle;
 };
+
+// All outputs in N log N operations, by a complex Fourier transform of N/2 points.
+std::vector<Quad> fastDct4(const std::vector<Quad>& x);
 
 }  // namespace orvgen::test::dct4

@@ -92,7 +92,7 @@ void expectSize(std::int64_t N) {
     }
 }
 
-TEST(Sizes, OfEveryLength) {
+TEST(Dct4Sizes, FollowTheirArithmeticAtEveryLength) {
     for (std::int64_t N = -5; N <= 70000; ++N) {
         expectSize(N);
         EXPECT_EQ(charge(N) >= 0, inDomain(N)) << N;
@@ -105,7 +105,7 @@ TEST(Sizes, OfEveryLength) {
     expectSize(2147483647);
 }
 
-TEST(Sizes, FollowTheTable) {
+TEST(Dct4Sizes, AndUseFollowTheTable) {
     for (const DataRow& row : table("sizes").rows()) {
         const auto N = static_cast<std::int32_t>(row.integer("length"));
         std::int32_t size = 0;
@@ -116,7 +116,7 @@ TEST(Sizes, FollowTheTable) {
     }
 }
 
-TEST(Sizes, FollowTheSingleResults) {
+TEST(Dct4Sizes, FollowTheSingleResults) {
     int checked = 0;
     for (const DataRow& row : table("size_edges").rows()) {
         if (row.integer("family") != familyBits) continue;
@@ -129,7 +129,7 @@ TEST(Sizes, FollowTheSingleResults) {
     EXPECT_GE(checked, 20);
 }
 
-TEST(Sizes, OfRecords) {
+TEST(Dct4Records, HaveTheListedSizes) {
     const std::pair<const char*, std::size_t> records[] = {{"env1", sizeof(Env1)},
                                                            {"env2", sizeof(Env2)},
                                                            {"env3", sizeof(Env3)},
@@ -152,7 +152,7 @@ TEST(Sizes, OfRecords) {
 }
 
 // The same two passes by node: what is charged beyond what is used is empty list slots.
-TEST(Sizes, ExcessIsTheSlotsOfFirstElements) {
+TEST(Dct4Sizes, ExceedUseByTheSlotsOfFirstElements) {
     const auto slots = [](const std::string& node) {
         for (const DataRow& row : table("slots").rows()) {
             if (row.text("node") != node) continue;
@@ -180,7 +180,7 @@ TEST(Sizes, ExcessIsTheSlotsOfFirstElements) {
 
 // The header's largest length: the true charge fits into the size; of twice that length it does
 // not.
-TEST(Sizes, LargestLengthOfTheHeader) {
+TEST(Dct4Sizes, AreRightUpToTheHeadersLargestLength) {
     const std::int32_t largest =
         familyBits == 32 ? ORVGEN_DCT4_MAX_LENGTH_32f : ORVGEN_DCT4_MAX_LENGTH_64f;
     EXPECT_EQ(static_cast<std::int64_t>(Plan::reportedSize(largest)), charge(largest) + 64);

@@ -16,7 +16,7 @@ Real ofPi(bool sine, Real x) {
 }
 
 // Every element: numerator and denominator in the family's type, one division, the helper's chain.
-TEST(Tables, OfTheSecondStage) {
+TEST(Dct4Tables, OfTheSecondStageHoldTheChainsValues) {
     for (const std::int32_t N : treeLengths()) {
         Plan plan(N);
         const Env4& node = *plan.env4();
@@ -81,7 +81,7 @@ struct Join {
     std::int32_t status;
 };
 
-TEST(Tables, OfTheJoins) {
+TEST(Dct4Tables, OfTheJoinsHoldTheChainsValues) {
     for (const std::int32_t r : {2, 4, 8, 16, 32}) {
         for (const std::int32_t m : {1, 2, 4, 8, 16, 32, 64}) {
             Join join(r, m);
@@ -110,7 +110,7 @@ TEST(Tables, OfTheJoins) {
     }
 }
 
-TEST(Tables, OfTheJoinsBeginAsListed) {
+TEST(Dct4Tables, OfTheJoinsBeginAsListed) {
     for (const DataRow& row : table("join_tables").rows()) {
         const auto r = static_cast<std::int32_t>(row.integer("r"));
         const auto n = static_cast<std::int32_t>(row.integer("n"));
@@ -127,7 +127,7 @@ TEST(Tables, OfTheJoinsBeginAsListed) {
     }
 }
 
-TEST(Tables, AJoinOfAnotherRadixIsRefused) {
+TEST(Dct4Join, RefusesAnotherRadix) {
     for (const std::int32_t r : {0, 1, 3, 6, 64, -2}) {
         Block block(4096);
         Arena* arena = block.makeArena();
@@ -150,7 +150,7 @@ struct CountingFunction : NodeHeader {
     std::vector<std::vector<std::int32_t>> calls;
 };
 
-TEST(Tables, TakeOneCallForEachElement) {
+TEST(Dct4Tables, TakeOneCallForEachElement) {
     for (const std::int32_t r : {1, 2, 4, 8, 16, 32}) {
         const std::int32_t m = 2 * lanes, N = 2 * r * m;
         Block block(1 << 16);
@@ -177,7 +177,7 @@ TEST(Tables, TakeOneCallForEachElement) {
     }
 }
 
-TEST(Tables, OfJoinsTakeOneCallForEachValue) {
+TEST(Dct4Tables, OfTheJoinsTakeOneCallForEachValue) {
     for (const std::int32_t r : {2, 4, 8, 16, 32}) {
         const std::int32_t m = 4, n = 2 * m * r;
         Block block(1 << 18);
@@ -195,7 +195,7 @@ TEST(Tables, OfJoinsTakeOneCallForEachValue) {
     }
 }
 
-TEST(Functions, OfTheTwiddleSplitAnIndex) {
+TEST(Dct4Twiddle, IsTheAngleOfItsBlockAndSequence) {
     Plan plan(64);
     const NodeHeader* compose = EnvList_get(plan.top()->children, 0);
     const NodeHeader* split = EnvList_get(plan.env2()->children, 0);
@@ -214,7 +214,7 @@ TEST(Functions, OfTheTwiddleSplitAnIndex) {
 }
 
 // In 32-bit float integers above 2^24 lose bits on their way into the division.
-TEST(Functions, OfTheTwiddleRoundTheirIntegers) {
+TEST(Dct4Twiddle, RoundsItsIntegersToTheType) {
     Block block(4096);
     Arena* arena = block.makeArena();
     const std::int32_t N = 1 << 24, r = 32, m = N / (2 * r);
@@ -225,7 +225,7 @@ TEST(Functions, OfTheTwiddleRoundTheirIntegers) {
     EXPECT_EQ(owng_TFunc_IIIR_at(compose, c, 2 * p, 0), static_cast<double>(ofPi(false, quotient)));
 }
 
-TEST(Functions, OfTheFrequencyDivideInTheType) {
+TEST(Dct4Frequency, DividesInTheType) {
     Block block(4096);
     Arena* arena = block.makeArena();
     auto* lambda = make<EnvLambda>(arena, 100, 30);  // 100 / 30 is 3, an integer division

@@ -4,7 +4,7 @@
 namespace orvgen::test::dct4 {
 namespace {
 
-TEST(Tree, HasTheShapeOfTheTable) {
+TEST(Dct4Tree, HasTheShapeOfTheTable) {
     for (const DataRow& row : table("trees").rows()) {
         const auto N = static_cast<std::int32_t>(row.integer("length"));
         Plan plan(N);
@@ -45,7 +45,7 @@ void expectHeader(const NodeHeader* node, std::int32_t size, const Arena* arena)
 }
 
 // Children in the order of creation, each with its own operations; roles borrow them.
-TEST(Tree, OwnsByTheChildrenListsAlone) {
+TEST(Dct4Tree, OwnsByTheChildrenListsAlone) {
     for (const std::int32_t N : treeLengths()) {
         Plan plan(N);
         const Arena* arena = plan.block.arena();
@@ -125,7 +125,7 @@ TEST(Tree, OwnsByTheChildrenListsAlone) {
     }
 }
 
-TEST(Tree, HoldsTheIntegersOfItsConstructors) {
+TEST(Dct4Tree, HoldsTheIntegersOfItsLayout) {
     for (const std::int32_t N : treeLengths()) {
         Plan plan(N);
         const std::int32_t r = plan.top()->r, m = N / (2 * r), n = N / r;
@@ -177,7 +177,7 @@ TEST(Tree, HoldsTheIntegersOfItsConstructors) {
 
 // Scratch arrays and tables lie inside the block, apart from each other, on 32-byte boundaries; the
 // top scratch comes last.
-TEST(Tree, LaysItsArraysOutInTheBlock) {
+TEST(Dct4Tree, LaysItsArraysOutInTheBlock) {
     for (const std::int32_t N : treeLengths()) {
         Plan plan(N);
         const auto bytes = static_cast<std::uintptr_t>(N) * sizeof(Real);
