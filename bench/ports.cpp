@@ -166,13 +166,13 @@ double capacity(const std::vector<std::string>& names) {
 
 int main(int argc, char** argv) {
     if (argc > 2) {
-        std::fprintf(stderr, "usage: bench_ports [FILE]\n");
+        std::fprintf(stderr, "bench_ports: usage: bench_ports [FILE]\n");
         return 2;
     }
     std::FILE* out = argc == 2 ? std::fopen(argv[1], "w") : stdout;
     if (!out) {
         std::fprintf(stderr, "bench_ports: cannot write %s\n", argv[1]);
-        return 2;
+        return 1;
     }
     const std::vector<std::vector<std::string>> sets = {
         {"add"},

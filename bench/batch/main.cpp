@@ -3,9 +3,6 @@
 
 #include <fftw3.h>
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -21,6 +18,7 @@
 
 #include "cycles.h"
 #include "orvgen_batch.h"
+#include "program.h"
 
 namespace orvgen::bench {
 namespace {
@@ -95,16 +93,16 @@ ORVGEN_FFTW(fftwf, Fftw32, float)
 ORVGEN_FFTW(fftw, Fftw64, double)
 #undef ORVGEN_FFTW
 
-#define ORVGEN_BATCH(NAME, T, S, D)                                                              \
-    [](int n, const auto* src, auto* dst, const Places& p) {                                     \
-        orvgBatch##NAME##_##T(reinterpret_cast<const S*>(src), p.stride, p.distance,             \
-                              reinterpret_cast<D*>(dst), p.outStride, p.outDistance, n, p.count, \
-                              orvScaleNone);                                                     \
+#define ORVGEN_BATCH(NAME, T, S, D)                                                           \
+    [](int n, const auto* src, auto* dst, const Places& p) {                                  \
+        (void)orvgBatch##NAME##_##T(reinterpret_cast<const S*>(src), p.stride, p.distance,    \
+                                    reinterpret_cast<D*>(dst), p.outStride, p.outDistance, n, \
+                                    p.count, orvScaleNone);                                   \
     }
-#define ORVGEN_SINGLE(NAME, T)                                                                    \
-    [](int n, const auto* src, auto* dst) {                                                       \
-        orvg##NAME##_##T(reinterpret_cast<const Orv##T*>(src), reinterpret_cast<Orv##T*>(dst), n, \
-                         orvScaleNone);                                                           \
+#define ORVGEN_SINGLE(NAME, T)                                                   \
+    [](int n, const auto* src, auto* dst) {                                      \
+        (void)orvg##NAME##_##T(reinterpret_cast<const Orv##T*>(src),             \
+                               reinterpret_cast<Orv##T*>(dst), n, orvScaleNone); \
     }
 
 const std::vector<Family<float>> kFamilies32 = {
@@ -279,10 +277,7 @@ void family(const Family<R>& f, const Arguments& a, std::ofstream& csv) {
     }
 }
 
-int run(int argc, char** argv) {
-    Arguments a;
-    CLI::App app("Batches beside the loop over single kernels and FFTW's plan_many.",
-                 "bench_batch");
+void declare(CLI::App& app, Arguments& a) {
     app.add_option("layout", a.layout, "rows, blocks (of one vector), columns or strided (rows)")
         ->check(CLI::IsMember(kLayouts));
     app.add_option("--from", a.place, "cache (16 KB) or memory (64 MB)")
@@ -296,7 +291,9 @@ int run(int argc, char** argv) {
     app.add_option("--samples", a.samples, "samples of each method (40)")
         ->check(CLI::PositiveNumber);
     app.add_option("--csv", a.csv, "where the table is written");
-    CLI11_PARSE(app, argc, argv);
+}
+
+int run(Arguments& a) {
     if (a.lengths.empty())
         for (int n = 2; n <= 64; ++n) a.lengths.push_back(n);
     Fftw32::limit(a.planSeconds);
@@ -317,10 +314,9 @@ int run(int argc, char** argv) {
 }  // namespace orvgen::bench
 
 int main(int argc, char** argv) {
-    try {
-        return orvgen::bench::run(argc, argv);
-    } catch (const std::exception& e) {
-        std::fprintf(stderr, "bench_batch: %s\n", e.what());
-        return 1;
-    }
+    orvgen::bench::Arguments a;
+    return runProgram(
+        "bench_batch", "Batches beside the loop over single kernels and FFTW's plan_many.", argc,
+        argv, [&a](CLI::App& app) { orvgen::bench::declare(app, a); },
+        [&a] { return orvgen::bench::run(a); });
 }

@@ -4,9 +4,6 @@
 
 #include <fftw3.h>
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
@@ -22,6 +19,7 @@
 
 #include "cycles.h"
 #include "orvgen.h"
+#include "program.h"
 
 namespace {
 
@@ -147,7 +145,7 @@ void row(int N, double limit, double pocketNanoseconds, double rate) {
     typename Family::Spec* spec = nullptr;
     if (Family::initAlloc(&spec, N) != orvOk) std::abort();
     const Cycles run = measure([&](long calls) {
-        for (; calls > 0; --calls) Family::run(x, y, spec);
+        for (; calls > 0; --calls) (void)Family::run(x, y, spec);
     });
     const Cycles plan = measure([&](long calls) {
         for (; calls > 0; --calls) {
@@ -172,17 +170,21 @@ void row(int N, double limit, double pocketNanoseconds, double rate) {
     Family::release(y);
 }
 
-int run(int argc, char** argv) {
+struct Arguments {
     int longest = 131072;
     double limit = 20;
-    CLI::App app("Plans and runs of the DCT-IV in core cycles, beside other libraries.");
-    app.add_option("--longest", longest, "the longest transform (131072)")
+};
+
+void declare(CLI::App& app, Arguments& a) {
+    app.add_option("--longest", a.longest, "the longest transform (131072)")
         ->type_name("N")
-        ->check(CLI::Range(2, 1 << 20));
-    app.add_option("--limit", limit, "of FFTW's planning of each length (20)")
+        ->check(wholeWithin(2, 1 << 20));
+    app.add_option("--limit", a.limit, "of FFTW's planning of each length (20)")
         ->type_name("SECONDS")
-        ->check(CLI::PositiveNumber);
-    CLI11_PARSE(app, argc, argv);
+        ->check(within(0.001, 1e6));
+}
+
+int run(int longest, double limit) {
     const auto pocket = pocketfftTimes(longest);
     const double rate = cyclesPerNanosecond();
     std::printf(
@@ -211,10 +213,8 @@ int run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    try {
-        return run(argc, argv);
-    } catch (const std::exception& e) {
-        std::fprintf(stderr, "bench_dct4: %s\n", e.what());
-        return 2;
-    }
+    Arguments a;
+    return runProgram(
+        "bench_dct4", "Plans and runs of the DCT-IV in core cycles, beside other libraries.", argc,
+        argv, [&a](CLI::App& app) { declare(app, a); }, [&a] { return run(a.longest, a.limit); });
 }
