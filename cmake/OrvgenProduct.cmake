@@ -79,9 +79,12 @@ function(orvgen_localize name regex out)
     set(list ${PROJECT_BINARY_DIR}/${name}_exports.txt)
     file(CONFIGURE OUTPUT ${list} CONTENT "${kept}\n")
     set(object ${PROJECT_BINARY_DIR}/${name}.o)
+    # GNU's linker, whichever one the compiler goes with: others cannot dissolve groups.
+    find_program(ORVGEN_GNU_LINKER NAMES ld.bfd ld REQUIRED)
+    mark_as_advanced(ORVGEN_GNU_LINKER)
     add_custom_command(OUTPUT ${object}
         # A group would keep its name, and the linker would take one of two such groups.
-        COMMAND ${CMAKE_LINKER} -r --force-group-allocation -o ${object} ${ARGN}
+        COMMAND ${ORVGEN_GNU_LINKER} -r --force-group-allocation -o ${object} ${ARGN}
         COMMAND ${CMAKE_OBJCOPY} --keep-global-symbols=${list} ${object}
         DEPENDS ${ARGN} ${list} COMMENT "Joining ${name}.o" COMMAND_EXPAND_LISTS VERBATIM)
     set_source_files_properties(${object} PROPERTIES EXTERNAL_OBJECT ON GENERATED ON)

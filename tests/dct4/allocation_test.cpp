@@ -46,7 +46,7 @@ template <class Real>
 class Dct4AllocationTest : public testing::Test {
   protected:
     using Exported = ExportedOf<Real>;
-    using Spec = Exported::Spec;
+    using Spec = typename Exported::Spec;
     Dct4AllocationTest() { allocator = {}; }
 };
 using Elements = testing::Types<Orv32f, Orv64f>;
