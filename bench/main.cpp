@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <filesystem>
 #include <memory>
 #include <random>
@@ -199,7 +200,7 @@ int run(const Options& options) {
 }  // namespace
 }  // namespace orvgen::bench
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
     orvgen::bench::Options o;
     const auto declare = [&o](CLI::App& app) {
         app.add_option("NAME", o.names,
@@ -226,4 +227,7 @@ int main(int argc, char** argv) {
         "bench",
         "Every kernel in core cycles, beside other libraries and the bound of its own work.", argc,
         argv, declare, body);
+} catch (const std::exception& e) {
+    std::fprintf(stderr, "bench: %s\n", e.what());
+    return 1;
 }

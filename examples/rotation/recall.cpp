@@ -32,7 +32,7 @@ std::array<std::size_t, wanted> nearest(const float* query, const Vectors& among
 Vectors quantised(const Vectors& vectors, int bits) {
     // For unit variance, after J. Max, Quantizing for minimum distortion, 1960.
     constexpr float steps[] = {0, 1.596F, 0.9957F, 0.5860F, 0.3352F};
-    const float last = static_cast<float>((1 << bits) / 2) - 0.5F;
+    const float last = static_cast<float>(1 << (bits - 1)) - 0.5F;
     Vectors q = vectors;
     for (std::size_t v = 0; v < q.count(); ++v) {
         float* x = &q.elements[v * q.size];
