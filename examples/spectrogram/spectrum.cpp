@@ -229,7 +229,7 @@ Spectrogram analyse(Recording& recording, std::optional<double> band, const Prog
     // every column has a window.
     s.hop = N / 4;
     const double expected = static_cast<double>(recording.announced()) * ratio;
-    if (expected > 0 && expected < N / 4 * static_cast<double>(Spectrogram::columns))
+    if (expected > 0 && expected < static_cast<double>(s.hop) * Spectrogram::columns)
         s.hop = std::max(1, static_cast<int>((expected - N) / Spectrogram::columns));
 
     std::vector<Channel> channels;
