@@ -8,7 +8,8 @@
 namespace orvgen::generator {
 
 // emit NAME FILE [TARGET]
-//                     writes the assembly of one kernel, for every processor or for the target avx2
+//                     writes the assembly of one kernel: for every processor, or for the level
+//                     x86-64-v3
 // batch NAME FOLDER TARGET...
 //                     writes that of many transforms at once, for each of the targets (avx2,
 //                     avx512)
