@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # build_fftw.sh FOLDER: Debian's source package of FFTW, built with SSE2 as its only vector code, in
 # both precisions; the libraries come to FOLDER/lib. Keeps its lists of packages to itself.
 set -euo pipefail

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cycles.h"
 
 #include <algorithm>

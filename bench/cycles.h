@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Time in core cycles. The time stamp counter ticks at a fixed rate while the core's clock moves; a
 // chain of dependent additions, one cycle each, tells how many ticks a cycle takes right now.
 #pragma once

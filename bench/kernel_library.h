@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The library that is measured, loaded at run time: the file as built, or a copy of it.
 //
 // A copy stands on other pages of memory, and where the pages stand can matter more than the code:

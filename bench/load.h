@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whether the machine has anything else to do while it measures.
 #pragma once
 

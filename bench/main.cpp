@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The benchmark: every kernel beside other libraries and beside the bound of its own operations, in
 // core cycles. Ratios come first: their cycles over ours, above 1 where ours is faster.
 

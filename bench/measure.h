@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Cycles of one call, in core cycles calibrated around every measurement.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "operations.h"
 
 #include "support/integer_core.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The operations of a kernel's own machine code, in the classes of the port tables.
 #pragma once
 

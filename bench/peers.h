@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Other libraries for the same problem, as installed: FFTW with patient plans (loaded at run time,
 // so that one built otherwise can take its place), KissFFT, and for the Walsh-Hadamard transform a
 // plain triple loop.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "port_table.h"
 
 #include <cpuid.h>

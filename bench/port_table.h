@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a core can do in a cycle, as data: each row names classes of operations and how many of
 // them, taken together, one cycle takes. A kernel's own operations then bound its cycles from
 // below.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Measures what this core does in a cycle: each class of vector operations alone, and classes mixed
 // in several proportions (a mix is as fast as the ports of its classes together allow; the best
 // proportion shows how many those are). Writes a port table.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The bound that a port table gives.
 #include <gtest/gtest.h>
 

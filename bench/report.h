@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the benchmark writes: the table, the summary of each family, the plot.
 #pragma once
 

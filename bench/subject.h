@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What is measured: the kernels of the public header's lists, and other libraries that do the same.
 #pragma once
 

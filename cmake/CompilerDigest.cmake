@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # cmake -DSOURCES=... -DOUT=header -P CompilerDigest.cmake: one word for all sources of the kernel compiler. The header
 # is written only when the word changes.
 set(digests "")

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The names that the library exports, read from the lists of the public header, so that neither the version script nor
 # the kernel rules repeat them. Results: ORVGEN_EXPORTS (sorted), the version script in ORVGEN_VERSION_SCRIPT, and in
 # ORVGEN_DISPATCHERS one line of src/frame/dispatch.h for each by-length function.

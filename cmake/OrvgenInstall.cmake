@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Installed: the library (component `library`); archive, header, CMake package and pkg-config file (`development`); and
 # only where it is named, `--component core`, the core library's stand-in.
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Kernels made at build time: the kernel compiler writes one assembly file for each member of a family.
 
 # The presets of one compiler share a folder of kernels: what one has written the others find made (kernelgen compares a

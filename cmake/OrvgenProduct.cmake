@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # How the product is made: every room hands in object files, one link step makes the shared library of them, and the
 # same objects make the static archive.
 

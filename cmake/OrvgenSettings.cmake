@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # What holds for every target of this project: languages, output folders, warnings, options. Everything but the options
 # is set for this directory and those below it, so that a project which takes this one in keeps its own settings; and
 # what it may have set for all of its targets, but would break these, is taken back.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # orvgen_add_test(NAME sources... [LIBS targets...] [SHARDS n]): one GoogleTest program, run by ctest in n shards.
 # Each run leaves its cases in build/<preset>/test-results/, where `./dev test` counts them.
 function(orvgen_add_test name)

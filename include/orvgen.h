@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* orvgen: short signal transforms for x86-64 Linux, every length a function of its own.
  *
  * A caller hands over a source buffer, a destination buffer and a scaling flag; the function runs

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* orvgen-batch: any number of short transforms at once, one in each lane of the widest vectors.
  *
  * The functions of orvgen.h take one transform a call. These take an array of them: rows or columns

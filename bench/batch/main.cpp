@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Batches beside the loop over the single kernels and beside FFTW's plan_many with patient plans,
 // in core cycles of one transform. Ratios come first: how many times as long the others take.
 

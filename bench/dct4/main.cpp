@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Plan building and run of the DCT-IV, 2 to 131072 points in both element types, in core cycles,
 // beside FFTW's REDFT11 with patient plans and pocketfft's DCT of type 4. Ratios come first: how
 // many times as long the other library takes.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Nanoseconds of one DCT of type 4 by pocketfft, which is inside SciPy: lines of type, length, time.
 
 Transforms are called for by the row of an array, so that the cost of the call itself is spread."""

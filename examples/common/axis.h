@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Round numbers for axes, and their labels.
 
 #ifndef EXAMPLES_AXIS_H

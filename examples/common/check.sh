@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Sourced by the examples' checks, with the program as $1: counts failures, keeps files in $folder.
 # shellcheck shell=bash
 set -u

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The figures of a stream whose length is not known beforehand, in bounded memory: each cell holds
 // those of `step` items, and when there are too many cells, neighbours are merged and the step
 // doubles.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Drawing of the examples' pictures: boxes, lines, dots, text and maps of colours, by cairo.
 
 #ifndef EXAMPLES_PAINTER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The file of a picture: its extension decides the format, and what hinders writing it is said.
 
 #ifndef EXAMPLES_PICTURE_FILE_H

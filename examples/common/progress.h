@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How far long work has come.
 
 #ifndef EXAMPLES_PROGRESS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A recording, read block by block, each channel by itself.
 
 #ifndef EXAMPLES_RECORDING_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the examples share: axes, columns of a long stream, recordings, files of pictures.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // For the tests of the examples: recordings made of samples, and pictures read back.
 
 #ifndef EXAMPLES_TEST_FILES_H

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # check.sh PROGRAM: a recording comes back but for rounding, at every size; bad input gives one line
 # and exit status 2.
 source "$(dirname "$0")/../common/check.sh"

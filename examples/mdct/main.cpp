@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // mdct [--size M] [RECORDING [PICTURE]]
 //
 // Takes a recording apart into MDCT coefficients and puts it together again, by the DCT-IV in both

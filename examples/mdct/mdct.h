@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The modified discrete cosine transform, 2M samples to M coefficients, by one DCT-IV of length M.
 //
 // A block of 2M windowed samples, in quarters (a, b, c, d), is folded to M values (-c~ - d, a -

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The picture: the samples, the level of every coefficient, the error of the reconstruction.
 
 #ifndef MDCT_PICTURE_H

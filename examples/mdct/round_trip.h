@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A recording into MDCT coefficients and back, block by block, and what that did to it.
 
 #ifndef MDCT_ROUND_TRIP_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The round trip through MDCT coefficients: what comes back, what is kept of it, what is drawn.
 #include <gtest/gtest.h>
 #include <sys/resource.h>

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # check.sh PROGRAM: without noise every bit arrives, with noise as many go wrong as theory says; bad
 # arguments give one line and exit status 2.
 source "$(dirname "$0")/../common/check.sh"

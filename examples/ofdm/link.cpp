@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "link.h"
 
 #include <orvgen.h>

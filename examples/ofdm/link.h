@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A multicarrier link (OFDM): random bits on 52 of 64 carriers, through a channel of several paths
 // with white noise, and back to bits.
 //

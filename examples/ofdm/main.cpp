@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // ofdm [--qpsk] [--snr DECIBELS|none] [--symbols N] [--seed S] [PICTURE]
 //
 // Sends random bits over a simulated multicarrier link made of the complex transforms of length 64,

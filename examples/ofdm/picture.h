@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Draws the link: the constellation before and after the equaliser, the channel, the bit errors.
 
 #ifndef OFDM_PICTURE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // That the picture of the link shows what it is given.
 #include <gtest/gtest.h>
 

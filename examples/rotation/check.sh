@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # check.sh PROGRAM: bad input gives one line and exit status 2; recordings give a table, whose rows find more once turned.
 source "$(dirname "$0")/../common/check.sh"
 

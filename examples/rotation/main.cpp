@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // rotation [--sizes N...] [RECORDING...]
 //
 // What vector databases do before they quantise: log spectra are turned by signs, Walsh-Hadamard

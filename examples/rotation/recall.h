@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How many of the nearest vectors are still found once the vectors are quantised to a few bits an
 // element.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "rotation.h"
 
 #include <orvgen_batch.h>

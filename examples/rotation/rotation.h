@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Turning vectors without a matrix: signs, then a Walsh-Hadamard and a Hartley transform.
 //
 // A vector of 2^k m elements, m odd, is seen as m rows of 2^k. Each step is orthogonal: a fixed

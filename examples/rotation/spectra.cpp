@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "spectra.h"
 
 #include <orvgen_batch.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Vectors out of recordings: log spectra of neighbouring windows, one behind the other.
 
 #ifndef ROTATION_SPECTRA_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The rotation against its definition, bit by bit against the single functions, and frozen.
 #include <gtest/gtest.h>
 #include <orvgen_batch.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The complex transform in binary64, its length an argument: every length from 2 to 64 there and
 // back.
 #include <orvgen.h>

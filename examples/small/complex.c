@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* The complex transform: a phasor that turns five times is one line of its spectrum, and comes back
  * from it. */
 #include <math.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The DCT-IV works through a plan, made once. Twice the transform gives back N/2 times the samples.
 #include <orvgen.h>
 

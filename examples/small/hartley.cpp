@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The Hartley transform is its own inverse but for the factor N. In place, of a length by argument.
 #include <orvgen.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The forward real transform: 24 samples give the bins 0 to 12, as pairs of real and imaginary part
 // (CCS).
 #include <orvgen.h>

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* The inverse real transform: samples out of a half spectrum in the Pack format, R[0] R[1] I[1]
  * R[2] I[2] ... R[8]. */
 #include <orvgen.h>

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* The Walsh-Hadamard transform of 1024 points (order 10): finds the one Walsh function that the
  * samples are. */
 #include <orvgen.h>

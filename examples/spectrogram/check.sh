@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # check.sh PROGRAM: bad input gives one line and exit status 2; a recording gives a picture, and what was done to it is
 # said.
 source "$(dirname "$0")/../common/check.sh"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // spectrogram [--band HZ] [RECORDING [PICTURE]]
 //
 // Draws a recording's levels over time and frequency, by thousands of windowed 64-point transforms.

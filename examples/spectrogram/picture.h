@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The picture: spectrogram and envelope of each channel, axes, level scale.
 
 #ifndef SPECTROGRAM_PICTURE_H

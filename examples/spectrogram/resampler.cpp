@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "resampler.h"
 
 #include <samplerate.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One channel at a lower rate, block by block, by libsamplerate.
 
 #ifndef SPECTROGRAM_RESAMPLER_H

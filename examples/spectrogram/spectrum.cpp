@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "spectrum.h"
 
 #include <orvgen_batch.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Levels of a recording over time and frequency: windowed 64-point transforms, averaged over
 // columns.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the spectrogram shows of recordings whose content is known.
 #include <gtest/gtest.h>
 

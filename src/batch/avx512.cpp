@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The batches in 512-bit vectors. Compiled for processors that have them: nothing of this is called
 // before targets.cpp has asked, and nothing of it is shared with code for other processors, so that
 // all stands in a namespace of its own.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The walk over a batch, a block of as many transforms as a vector has lanes at a time. Included by
 // the file of each target, in its namespace, behind layout.h; kernelOf is the target's own.
 

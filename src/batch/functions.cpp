@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The exported functions: what is refused, and which target does the rest.
 
 #include <initializer_list>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The block kernels that the kernel compiler makes, by kind and length. Included by the file of
 // each target, in its namespace; ORVGEN_BATCH_TARGET is the target's name in those of the kernels.
 

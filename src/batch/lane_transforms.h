@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The Walsh-Hadamard transform and the short DCT-IV in lanes, written once over vectors: their
 // single kernels are not of the kernel compiler's making, or are loops over memory. Included by the
 // file of each target, in its namespace, behind layout.h.

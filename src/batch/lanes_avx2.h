@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // 256-bit vectors: what the walk over blocks (blocks.h) needs of them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // 512-bit vectors: what the walk over blocks (blocks.h) needs of them. See lanes_avx2.h.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The way of a block of transforms from an array into vectors and back.
 //
 // In between, a block stands in a scratch in the first-level cache: slot by slot, a slot being one

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "batch/singles.h"
 
 #include "dct4/flows/dct4.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The loop over the single kernels: the whole of target SSE2, and what is left over behind the
 // blocks of the other targets.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a call runs on.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One call of the batch library, in the terms that all targets share: real numbers, places, counts.
 //
 // Every array is seen as real numbers with a stride and a distance. A complex element is two of

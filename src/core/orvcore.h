@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* The two functions of the core library that the product calls. */
 #ifndef ORVCORE_H
 #define ORVCORE_H

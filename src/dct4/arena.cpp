@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "dct4/arena.h"
 
 namespace orvgen::dct4 {

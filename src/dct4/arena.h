@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The memory of a plan: one block given by the caller, carved from front to back.
 //
 // The block begins with its only state, the bump pointer: the address at which the next

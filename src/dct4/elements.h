@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Single elements of source and destination, which may lie at any address; and how many elements a
 // vector holds.
 #pragma once

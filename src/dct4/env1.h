@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The top node: radix, the two stages, the scratch between them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The wrapper of the first stage. It runs nothing itself: the plan looks through it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The second stage: the node of its kernel, and the table of twiddles.
 #pragma once
 

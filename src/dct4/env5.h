@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The first stage: r odd-frequency transforms of n points, the samples taken from the input.
 #pragma once
 

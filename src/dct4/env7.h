@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One level of the recursion of an odd-frequency transform: inner transforms into the scratch, then
 // the join of their results.
 #pragma once

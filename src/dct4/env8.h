@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The join of a recursion level: its node and its table of twiddles.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The inner transforms of a recursion level: r' sequences of n' points.
 #pragma once
 

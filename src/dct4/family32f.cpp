@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every function of the 32-bit family by its name, the exported ones first. What they do is written
 // once for both families: the head of each part names its file.
 #include "dct4/family32f.h"

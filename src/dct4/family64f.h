@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The operations of the 64-bit family by their names. operations.h says what each of them does.
 // Sizing and running go from name to name: no _mem and no _compute is inlined into another.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The function objects: where the values of the tables come from.
 #pragma once
 

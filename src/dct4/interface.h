@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The exported functions of a family: size, building and end of a plan. (The run is in run.h.)
 #pragma once
 

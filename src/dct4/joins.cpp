@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every access is of a whole aligned vector: the lanes run over the sequences of one group, as they
 // do in the inner results.
 #include "dct4/joins.h"

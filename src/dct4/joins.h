@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The loop around the kernels that join the inner transforms of a recursion level.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A 16-byte vector as a value type of the kernels: four binary32 or two binary64 lanes, SSE2 alone.
 //
 // Source and destination of a transform have no alignment, so that a lane is loaded and stored by

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sizing and building a plan: one walk with two receivers.
 //
 // For each type of node there is one function layOut(node, to): it chooses the rule and hands on,

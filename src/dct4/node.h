@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What every record of a plan begins with, and the list in which a record keeps others.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How a length of the DCT-IV is computed, in one line.
 #pragma once
 

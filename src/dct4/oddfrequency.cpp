@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "dct4/oddfrequency.h"
 
 #include "dct4/flows/oddfrequency.h"

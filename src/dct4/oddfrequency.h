@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The loop around the odd-frequency kernels, one group of sequences in the lanes at a time.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The operations of the record types. For each type, as far as it has them:
 //
 //   _mem         what the sub-tree will cost in bytes, or a negative status; takes what ___init__

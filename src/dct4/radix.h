@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The choice of a radix, and of a kernel by size.
 #pragma once
 

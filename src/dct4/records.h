@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The records of a plan's tree.
 //
 // A DCT-IV of length N = 2 r m is done in two stages (docs/dct4.md gives the mathematics):

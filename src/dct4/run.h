@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The run: the one operation that a plan is built for.
 #pragma once
 

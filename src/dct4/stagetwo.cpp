@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "dct4/stagetwo.h"
 
 #include "dct4/flows/stagetwo.h"

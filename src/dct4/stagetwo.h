@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The loop around the kernels of the second stage: blocks of the scratch in, results of the
 // transform out.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One group after another is a poor order for a long transform. A group takes 16 bytes of every
 // cache line that it comes to, and the lines that one kernel takes lie a large power of two apart,
 // so that they share a few sets of the cache and drive each other out: each line is fetched anew

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A recursion level for all groups of sequences at once, instead of for one after the other.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the nodes env5 and env9 do alike: both run odd-frequency transforms of n points, by a kernel
 // or, where n has none, by an env7 for each group of sequences. They differ in where the sequences
 // stand.

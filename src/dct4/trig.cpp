@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A file of their own: where two of these could be inlined into one caller, the compiler would make
 // one call of sincos out of a cosine and a sine of the same angle.
 #include "dct4/trig.h"

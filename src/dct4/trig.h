@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Cosine and sine of pi x. Called while a plan is built, never in a run.
 #pragma once
 

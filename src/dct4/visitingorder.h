@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The order in which a kernel of the second stage takes its inputs p = 0 .. r - 1.
 //
 // r = 1, 2 take them as they come. r = 4, 8, 16 take the pairs (p, r - 1 - p) that a radix-2 level

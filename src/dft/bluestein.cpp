@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "bluestein.h"
 
 #include "kernelgen/real.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Bluestein's algorithm, for the kernels of the lengths 47 and 59, whose p - 1 is twice a large
 // prime.
 //

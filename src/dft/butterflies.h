@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The butterflies of lengths 2, 3, 4, 5, 7 and 11, forward and inverse.
 //
 // z[n] are the inputs and y[k] = sum of z[n] exp(-+ 2 pi i n k / N) the outputs. The directions

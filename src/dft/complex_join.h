@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A join of complex transforms: where its numbers go.
 //
 // Both stages have the root exponent 1, so that the bins of a Good-Thomas join are those of their

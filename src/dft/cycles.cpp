@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Cycles 12 and 16 (unmixed) and 18.
 #include "cycles.h"
 

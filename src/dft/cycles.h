@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The transforms of Rader's cycle of length L in the real-lane form, for L = 12 to 30.
 //
 // forward: bins A[0..L/2] of the real sequence a.

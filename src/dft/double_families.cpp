@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The complex binary64 kernels: two bodies in one function up to length 4, twins from 5 up.
 #include "double_flow.h"
 #include "double_plans.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "double_flow.h"
 
 #include "double_plans.h"

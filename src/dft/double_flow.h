@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The complex binary64 transforms: the forward real transform of the same length, run on vectors of
 // one complex element each.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "double_plans.h"
 
 #include "realdft/plans.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How each length of the complex binary64 kernels is made: as the forward real transform, but for
 // the rows here.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Rader's algorithm inside composite lengths: the prime factors 13, 17, 19, 23, 29 and 31.
 //
 // A cyclic convolution of length L = p - 1 with the powers of the primitive root g. Cosines repeat

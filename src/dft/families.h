@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The families of complex kernels, for the kernel compiler and the tests.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "lane_walk.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Transforms in lanes, by plan.
 //
 // Four equal transforms fill the lanes and run all their stages there. Of a number of transforms

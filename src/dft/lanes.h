@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Complex numbers in lanes: the split form in which the binary32 kernels keep their data.
 //
 // A vector of four lanes carries the same position of four sub-transforms, real parts in one

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Cycles 22, 28 and 30.
 #include <numeric>
 

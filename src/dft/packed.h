@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The packed form of the Rader kernels: what is left over of a stage, without empty lanes.
 //
 // Two sub-transforms share one vector (re, im, re', im'). A sum takes one operation where the split

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "rader.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Rader's algorithm for the kernels of the prime lengths 7 to 61, but for 47 and 59.
 //
 // With the smallest primitive root g of p, a cyclic convolution of length L = p - 1:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Blocks of transforms with real coefficients, on values: the real-lane form runs them on the real
 // parts and on the imaginary parts of complex data alike.
 //

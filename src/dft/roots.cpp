@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "roots.h"
 
 #include "butterflies.h"

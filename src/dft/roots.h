@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Roots of unity as constants, and the rotation that is the same in all lanes.
 #pragma once
 

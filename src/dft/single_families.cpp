@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The complex binary32 kernels: lengths 2 to 5 on scalars, from 6 up in lanes.
 #include "bluestein.h"
 #include "butterflies.h"

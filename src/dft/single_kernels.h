@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The flows of the complex binary32 kernels.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What is known of each length of the complex binary32 kernels: all in one table.
 #pragma once
 

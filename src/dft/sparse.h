@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Complex numbers of which some are known to be zero and take no part: a sum with one is the other
 // term, a product with one is nothing. For transforms of a sequence that is padded with zeros.
 #pragma once

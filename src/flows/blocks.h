@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What each node of a plan means: all of Flow::run.
 //
 // Included where the flows of a kind of values are compiled (flow.cpp) and nowhere else.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Cooley-Tukey joins: N = R M, twiddles between the stages (plan::CooleyTukeyMap).
 //
 // Of real samples row k = 0 stays real, and so does row R/2. The twiddles of that one, w(2M)^(-c),

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Direct blocks: lengths 1 to 4, and the symmetric form of the odd primes 5, 7, 11.
 //
 // Forward, with the pairs a = x[u] + x[n-u], d = x[u] - x[n-u]:

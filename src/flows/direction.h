@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The sign of the exponent: exp(-2 pi i n k / N) forward, exp(+2 pi i n k / N) inverse.
 #pragma once
 

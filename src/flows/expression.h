@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A value that may still be a sum of products.
 //
 // A twiddle or a pointwise product gives each component as c1 a + c2 b. If the one thing that is

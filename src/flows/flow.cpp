@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "flow.h"
 
 #include "blocks.h"

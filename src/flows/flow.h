@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A flow: runs plans on values of some kind, V = Value for the graph of a kernel or plain numbers.
 //
 // A block reads its operands as binary32 values (it narrows them, once per value) and hands its

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Good-Thomas joins: N = R M with coprime factors, no twiddles (plan::GoodThomasMap).
 //
 // I. J. Good, The interaction algorithm and practical Fourier analysis, J. R. Statist. Soc. B,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Transforms that are a real one in other clothes: complex transforms in lanes, odd lengths at the
 // odd frequencies, blocks with renumbered samples or bins.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Indices of the prime-length algorithms.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Rader's algorithm for the real transform of prime length p, forward and inverse.
 //
 // The indices 1..p-1 are the powers of a primitive root g. In that order the bins other than X[0]

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "rader_constants.h"
 
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The constants of Rader's algorithm for real data.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Rotation of a bin by an angle: z exp(2 pi i num/den).
 //
 // A quarter turn is an exchange and a sign. At 45 degrees the one constant sqrt(1/2) multiplies

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The rows of a join, and how they pass between its two stages.
 #pragma once
 

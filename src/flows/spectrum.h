@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Numbers by index, and which bins of a transform are kept.
 //
 // A real number has no imaginary part at all (it is empty). The bins of real samples are kept up

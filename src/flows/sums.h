@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The sums of the direct blocks: over the pairs of samples u and n - u, in the order that a plan
 // names.
 //

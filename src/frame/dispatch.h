@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The by-length functions: one range test, one table of kernel addresses, one call. They test
 // neither pointers nor flag; the kernel does.
 //

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* Not compiled: cmake/OrvgenExports.cmake preprocesses this file and takes every name that stands
  * behind the word EXPORTED, and behind DISPATCHER the line that makes a by-length function. */
 #include "orvgen.h"

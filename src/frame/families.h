@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the library's own code and its tests know about the families beyond the lists of the public
 // header: the range of lengths, and which kernels have a twin.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The version record. buildMinor and the number behind the point in versionText are two different
 // quantities.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The command line of a program that holds families of kernels.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // kernelgen: the kernel compiler as a program. See command.h.
 #include "command.h"
 #include "registry.h"

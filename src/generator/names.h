@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The names that users call kernels by. Of orvgDFTFwd_CToC_64_32fc: this name; what of it stands
 // behind the prefix or behind any underscore (DFTFwd_CToC_64_32fc, CToC_64_32fc, 64_32fc); the same
 // of its family, for every length, with or without the element type (DFTFwd_CToC_32fc, CToC); and

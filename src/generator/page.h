@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The page of a kernel: how it is computed, what it costs, its assembly.
 #pragma once
 

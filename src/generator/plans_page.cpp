@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "plans_page.h"
 
 #include <algorithm>

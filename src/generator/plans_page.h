@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The page that lists how every length of every family is computed.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // All families of kernels that the kernel compiler makes.
 #pragma once
 

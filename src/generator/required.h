@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The rows of the count tables that speak of a kernel, for `show`.
 #pragma once
 

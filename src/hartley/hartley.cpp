@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "hartley.h"
 
 #include "transform.h"

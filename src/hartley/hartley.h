@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The discrete Hartley transform of N real samples, N = 2..64:
 //
 //   H[k] = sum of x[n] (cos(2 pi nk/N) + sin(2 pi nk/N)), k = 0..N-1.

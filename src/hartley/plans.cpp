@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "realdft/plans.h"
 
 #include <algorithm>

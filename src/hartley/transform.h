@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Both ways to a Hartley transform. Included where they are compiled for a kind of values.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Register allocation of one basic block in a given order.
 //
 // Furthest next use is evicted first (Belady 1966). A value that stands in memory already (a src

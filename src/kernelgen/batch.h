@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A kernel for batches: W transforms at once, one in each lane of the widest vectors of a target.
 //
 //     void f(const R* srcRe, const R* srcIm, ptrdiff_t srcStep,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Straight code on the registers of a target, in the fastest of the orders that are tried.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Machine code of one basic block: before registers are assigned, instructions on virtual
 // registers, each written once; and after.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From a kernel to its assembly.
 #pragma once
 

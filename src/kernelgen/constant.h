@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Constants of the transforms: an exact meaning, a text that states it, and the value as stored.
 //
 // A constant is computed from integers with about 75 decimal digits and rounded once, to the type

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core_model.h"
 
 #include <algorithm>

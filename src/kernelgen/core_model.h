@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Small models of out-of-order cores: how many cycles a block takes when it is called back to back.
 // They choose between orders of one kernel; figures to publish are measured.
 #pragma once

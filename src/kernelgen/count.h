@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Counting the operations of a value graph.
 #pragma once
 

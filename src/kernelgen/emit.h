@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Assembly text of allocated code.
 #pragma once
 

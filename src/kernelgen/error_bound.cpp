@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every value is a linear function of the inputs. Its weights give its largest magnitude, sum |w|;
 // each rounding adds half a unit of that, and errors are carried on by |sums| and |products|.
 #include "error_bound.h"

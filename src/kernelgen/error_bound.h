@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An a-priori bound on the rounding error of a flow, by running error analysis (Wilkinson).
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Evaluation of a value graph in the arithmetic of the kernel: the reference for its bits.
 #pragma once
 

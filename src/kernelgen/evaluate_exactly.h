@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Evaluation of a value graph in multiple precision: the proof of a flow.
 #pragma once
 

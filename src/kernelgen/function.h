@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The text of a kernel's functions: gate, frame, blocks and the loops around them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The value graph of one transform: every value once, every rounding a node.
 //
 // A flow (an algorithm over values, see value.h) builds it; counting, proving, evaluation and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A kernel to be compiled: its names, its flow, and what the frame around the flow needs to know.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "kernel_file.h"
 
 #include <fstream>

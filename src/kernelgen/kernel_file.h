@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The file of one kernel in the build tree, written only when there is something new to write.
 //
 // The build asks for every kernel again whenever a source of the program has changed, and most

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which shuffles bring four lanes together.
 //
 // One shuffle makes a vector if its lanes come as two of one vector and two of another, or

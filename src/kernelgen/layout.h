@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where things stand: spill slots in the frame, constants in the pool, values in registers.
 #pragma once
 

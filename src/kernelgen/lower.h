@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Lowering: from the value graph to instructions on virtual registers.
 #pragma once
 

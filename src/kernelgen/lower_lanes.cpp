@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Data movement of four-lane graphs: which loads, shuffles and stores bring the lanes together that
 // a flow packs.
 //

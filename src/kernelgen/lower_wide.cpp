@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "lower_wide.h"
 
 #include <bit>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Lowering for batches: from the value graph of one transform to code that computes many of them at
 // once, one in each lane of the widest vectors of a target.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Plain numbers with the rules of Value: the same flow run on them computes, without a graph.
 //
 // It is the oracle for the graph builder. Number<Arithmetic::Single> keeps a binary32 value or an

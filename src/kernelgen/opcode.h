@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The instructions that kernels are made of, and everything that the steps of the compiler need to
 // know of one: a row in a table.
 #pragma once

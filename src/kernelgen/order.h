@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Orders in which the instructions of a basic block may run.
 //
 // No single order is best for all kernels, so several are made and the core model picks: the order

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a kernel does between its gate and its return, as passes over memory.
 //
 // A pass is a block of straight code, run once or in a counted loop. Most kernels are one block

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Numbers of about 75 decimal digits, for constants and proofs. Apart from constant.h, because few
 // files compute with them and the header is large.
 #pragma once

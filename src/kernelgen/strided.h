@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Addresses in arrays whose step is known at run time only.
 //
 // Element k of an array stands at base + k step. With the step and three times the step in

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The instruction sets that kernels are written for.
 //
 // Allocation, order, the models of cores and the printer take what they need to know from here.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Values as the flows see them: numbers with +, - and products by constants.
 //
 // A flow is a template over its value type V. With V = Value it builds a graph; with V = Number

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The index maps of the two joins, N = R M.
 //
 // A transform of N points has R-point transforms of M columns c = 0 .. M-1 and M-point transforms

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Plans: how a transform is made of shorter ones, as a tree.
 //
 // A node says which algorithm makes the transform, holds the plans of the parts, and owns every

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The plans of a family: one row for each length that is no block, and no other place to look.
 #pragma once
 

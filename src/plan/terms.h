@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What tables of plans are written with.
 //
 //   7                           the plan that the table has for 7 points, or else the block

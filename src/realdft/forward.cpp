@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forward.h"
 
 namespace orvgen::realdft {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The forward real transforms: half spectrum of N real samples, N = 2..64.
 #pragma once
 

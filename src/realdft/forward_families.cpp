@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "families.h"
 #include "forward.h"
 #include "plan/notation.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "inverse.h"
 
 namespace orvgen::realdft {

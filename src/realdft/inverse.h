@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The inverse real transforms: N real samples of a half spectrum, N = 2..64.
 //
 //   y[n] = R[0] + sum over 0<k<N/2 of (2 R[k] cos(2 pi nk/N) - 2 I[k] sin(2 pi nk/N))

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "families.h"
 #include "inverse.h"
 #include "plan/notation.h"

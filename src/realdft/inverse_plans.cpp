@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "plans.h"
 
 namespace orvgen::realdft {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The three packed layouts of a half spectrum: which term stands where.
 //
 // A real sequence of length N has the bins 0..N/2; R[k] + i I[k] is bin k. DC (and, for even N, the

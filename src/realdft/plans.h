@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How each length of the real transforms is made.
 #pragma once
 

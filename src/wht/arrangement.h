@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How each order of the Walsh-Hadamard transform is cut into passes over memory.
 //
 // The transform of N = 2^k elements has k layers of two-point butterflies, one for each bit of the

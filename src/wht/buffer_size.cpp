@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The size of the buffer that a caller may provide.
 
 #include "orvgen.h"

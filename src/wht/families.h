@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The Walsh-Hadamard kernels as families of the kernel compiler.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The kernels as passes over memory.
 #include <string>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "wht/passes.h"
 
 #include <vector>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The instructions of one pass: one block of neighbouring elements, or one step of a column pass.
 #pragma once
 

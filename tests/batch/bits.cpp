@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every function in every layout and count, on every target of this machine: the bits of the single
 // function, its exceptions, and nothing else touched.
 #include <gtest/gtest.h>

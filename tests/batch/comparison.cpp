@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "batch/comparison.h"
 
 #include <limits>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One batch held against the single function: the same bits, the same exceptions, and nothing else
 // touched.
 #pragma once

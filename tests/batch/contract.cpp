@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the functions of the batch library refuse and in which order; counts of 0; targets; DCT-IV
 // plans.
 #include <gtest/gtest.h>

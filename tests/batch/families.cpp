@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "batch/families.h"
 
 #include <numeric>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every function of the batch library beside the single function that it stands for, in terms that
 // all families share.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which exceptions of the single complex binary32 kernels the batches lack: those of the table, no
 // others, and each of them.
 #include "batch/idle_lanes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The exceptions that batches do not raise, because in the single kernel they come from lanes that
 // no result depends on (tests/data/batch_flags.csv).
 #pragma once

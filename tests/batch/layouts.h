@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The ways in which the arrays of a batch are laid out in the tests.
 #pragma once
 

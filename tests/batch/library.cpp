@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The batch library as a file: what it exports and needs, that it holds one mutable word, and in
 // its machine code: no fused multiply-add, wide vectors only behind their targets, no unprobed
 // frames.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // All functions from several threads at once, while another one changes the target all the time;
 // and how much of the stack a call takes.
 #include <gtest/gtest.h>

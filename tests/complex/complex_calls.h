@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The complex kernels by direction, precision and length, on vectors of reals.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Constants that a complex kernel must hold, and must not, read back from the library.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The inverse kernels against the forward ones, bit for bit, where the table says so, and not where
 // it says that a relation does not hold.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Lengths 2 to 5 in binary32, computed a second time as their formulas say it: sums and differences
 // of inputs in binary32, at 3 and 5 the sums of products in binary64 and each rounded once, the
 // last sums and the scale in binary32. The kernels give the same bits. (The vector form of length 5

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Impulses, ones, NaN and infinities through the complex kernels: what is exact, and how far a
 // value that is no number reaches.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whole lengths of the complex binary32 family, computed a second time from their formulas. The
 // kernels give the same bits in all rounding modes, a NaN being as good as any other.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The families against the table of families: every member and every twin there and no other, the
 // by-length functions followed to the very kernel, and the names and numbers of the public header.
 #include <gtest/gtest.h>

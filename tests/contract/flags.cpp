@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the four flags mean: the same bytes where the table gives the same scale, other bytes where
 // not; one body whatever the flag, its multiplications by 1.0 included; and the pairs of forward
 // and inverse transforms that give the input back.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a run touches: exactly the arrays that it is given, exactly the plan, and of a short plan
 // nothing but the rule; and that the groups of a recursion level give the same bits together as one
 // after the other.

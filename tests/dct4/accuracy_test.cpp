@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Errors against the defining sum in binary128, angles reduced exactly.
 #include <cmath>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The shared library with the allocator interposed: this program's own orvMalloc and orvFree are
 // the ones that the dynamic linker gives it.
 #include <gtest/gtest.h>

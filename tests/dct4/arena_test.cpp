@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The arena, the list and the choice of a radix: what both families share.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The straight-line bodies of the lengths to 32: each gives the bits of its written-out sequence of
 // steps, or of its flow, in all rounding modes.
 #include "dct4/compare.h"

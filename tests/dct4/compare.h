@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Comparison of a kernel with what it should give, bit for bit: on many inputs, in all rounding
 // modes.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The plan machine built by the other compiler gives the same bits, and the same blocks in size.
 #include <dlfcn.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Operation counts of all flows, row by row, and the first layer of length 32.
 #include <gtest/gtest.h>
 

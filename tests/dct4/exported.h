@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The exported functions of a family, by its element type.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The exported functions: their steps, what they refuse, what they leave alone.
 #include <cfenv>
 #include <cmath>

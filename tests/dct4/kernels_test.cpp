@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The compiled kernels, those that no plan reaches included: each gives the bits of its flow,
 // carried out lane by lane on plain numbers, in all rounding modes, at any alignment of source and
 // destination.

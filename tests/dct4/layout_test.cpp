@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where everything of a plan stands: the fields in their records, the records in the block.
 #include <algorithm>
 #include <set>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The kernels read back from the machine code of the built library: their operation counts, what
 // they call, and how they reach memory.
 #include <gtest/gtest.h>

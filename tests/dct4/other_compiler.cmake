@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The plan machine built once more, by the compiler that the rest is not built with: g++ or clang++.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     set(other clang++)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Plans for the tests of one family (ORVGEN_DCT4_REAL is its element type), with a view of their
 // nodes.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The flows are the transforms they claim to be: carried out in binary128 on random and unit
 // inputs, they give the defining sums to 30 digits. Their constants in both types are the rounded
 // ones.

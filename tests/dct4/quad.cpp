@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "dct4/quad.h"
 
 #include "support/mpfr_number.h"

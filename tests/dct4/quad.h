@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // binary128 arithmetic for references: constants of exact angles, and the DCT-IV itself.
 #pragma once
 

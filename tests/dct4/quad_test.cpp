@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The reference of the accuracy tests is the transform that it is taken for.
 #include "dct4/quad.h"
 

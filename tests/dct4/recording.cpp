@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "dct4/recording.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A flow as the list of operations that it does, in their order. Each flow is run once, over a
 // value type that writes down what is done with it; the tests count this list, and carry it out in
 // binary128 or in the element types.

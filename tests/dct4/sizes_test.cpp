@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sizes and accepted lengths, against an arithmetic of their own.
 #include "dct4/plan.h"
 

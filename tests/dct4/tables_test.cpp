@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every value of a plan's tables, and the function objects that they come from.
 #include <cmath>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The tree of a plan: its shape, the fields of its nodes, who owns whom.
 #include "dct4/plan.h"
 

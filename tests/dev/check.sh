@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # check.sh TREE: what ./dev makes of its arguments, in a copy of it beside which stand-ins for the builders, ctest and
 # the built programs only tell how they were called.
 set -u

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "dft/complex_proof.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Proof of complex flows on unit vectors, in multiple precision.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The table of decompositions in the documentation against the kernels' own.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The complex binary64 flows: counts beside the table, proof on unit vectors, how the two
 // directions are related bit for bit, and that no value crosses between the lanes too early.
 #include <gtest/gtest.h>

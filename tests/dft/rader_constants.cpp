@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The spectrum of the roots that Rader's algorithm multiplies by.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Operation counts of the binary32 flows, laid beside the tables.
 #include <gtest/gtest.h>
 

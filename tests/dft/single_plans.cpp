@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the tables say that the binary32 lengths are made of shorter ones, beside the decompositions
 // that the kernels are made of.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every binary32 flow computes its transform.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The order of stages decides the rounding. The composite lengths without a factor from 13 on are
 // computed here a second time, from the tables alone and in plain numbers: the joins as they are
 // defined, and the butterflies as formulas. The flows give the same bits.

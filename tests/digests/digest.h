@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A digest of results: 64 bits in which every bit of every value counts, all NaN being one value.
 #pragma once
 

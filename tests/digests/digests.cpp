@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "digests/digests.h"
 
 #include <cstdio>

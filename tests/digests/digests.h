@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The digests of a library: for every exported function one of its results over the fixed inputs of
 // each kind, under four flags and four rounding modes, and one of the statuses that it gives.
 #pragma once

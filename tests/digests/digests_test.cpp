@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A library answers as it did when its digests were written. The library is the one that is built
 // here, or that of the argument, which is another build of the same functions.
 #include "digests/digests.h"

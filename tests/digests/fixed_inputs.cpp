@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "digests/fixed_inputs.h"
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The inputs of the digests: the same bits wherever they are made.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A build of the library, loaded from its file, and what it transforms, by the lists of the public
 // header.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "digests/plans.h"
 
 #include <limits>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The DCT-IV functions of a loaded library, for one element type.
 #pragma once
 

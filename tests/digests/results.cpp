@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "digests/results.h"
 
 #include <xmmintrin.h>

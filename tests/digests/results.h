@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What one transform answers, as digests.
 #pragma once
 

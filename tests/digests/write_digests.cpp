@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Prints tests/data/digests.csv for a library: that which is built here, or the file of the first
 // argument.
 #include <iostream>

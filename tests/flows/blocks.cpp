@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Blocks by themselves: every order of sums gives the transform, and what a flow refuses.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The smallest things that flows are made of.
 #include <gtest/gtest.h>
 

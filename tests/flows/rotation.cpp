@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Rotations against the formulas, written down for each octant, in all rounding modes.
 #include "flows/rotation.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The stand-in core library: two functions, and the promises that the product relies on.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The by-length functions: what they refuse, and that each length reaches its own kernel.
 
 #include <gtest/gtest.h>

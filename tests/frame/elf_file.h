@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A shared library as its file says it is: sections, segments, dynamic entries, symbols,
 // relocations.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The shape of the shared library: what it needs, what it exports, what the loader has to do.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The version record, byte for byte.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The names that users call kernels by.
 #include "generator/names.h"
 

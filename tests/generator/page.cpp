@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The page of a kernel has the same lines in every family, and none that contradicts another.
 #include "generator/page.h"
 

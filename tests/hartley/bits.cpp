@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The Hartley flows by their bits: against the same algorithms on plain numbers, against the forms
 // of the smallest lengths written down by hand, and against the forward transform.
 #include "hartley/hartley.h"

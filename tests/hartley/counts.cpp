@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The Hartley flows against their table, and proved.
 #include <gtest/gtest.h>
 

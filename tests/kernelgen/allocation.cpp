@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Registers, spills and the order of memory on small blocks whose best answer is known.
 #include <gtest/gtest.h>
 

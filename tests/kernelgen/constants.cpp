@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Constants: the exact values and their one rounding, compared with MPFR, which the kernel compiler
 // does not use.
 #include <gtest/gtest.h>

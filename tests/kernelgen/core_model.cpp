@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The models of cores on blocks whose cycles can be told by hand.
 #include "kernelgen/core_model.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The kernel compiler with the test's own flows.
 #include "generator/command.h"
 #include "small_flows.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where spill slots and constants stand.
 #include "kernelgen/layout.h"
 

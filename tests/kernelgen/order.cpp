@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Orders of small blocks, and what the best of them makes of the registers.
 #include "kernelgen/order.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Small flows through the whole kernel compiler: the assembled kernel gives the bits of the
 // evaluated graph, in scalar binary64, in mixed binary32/binary64 and in four lanes.
 #include <gtest/gtest.h>

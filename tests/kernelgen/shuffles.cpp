@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How many shuffles bring four lanes together.
 #include <gtest/gtest.h>
 

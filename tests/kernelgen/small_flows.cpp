@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "small_flows.h"
 
 namespace orvgen::test {

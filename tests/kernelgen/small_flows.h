@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Two small flows that run through the whole kernel compiler: a real three-point transform followed
 // by a rotation by 45 degrees, in any scalar arithmetic, and an eight-point complex transform of
 // four-lane vectors.

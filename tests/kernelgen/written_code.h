@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Small blocks of scalar code on virtual registers, written line by line.
 #pragma once
 

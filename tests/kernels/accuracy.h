@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The measured error of a kernel over random inputs, against the definition in binary128.
 #pragma once
 

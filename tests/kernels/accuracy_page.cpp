@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "accuracy_page.h"
 
 #include <cstdio>

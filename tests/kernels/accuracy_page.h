@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The table of docs/accuracy.md: one row for each length, one column for each family.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The errors of every kernel on random inputs: as an FFT is expected to be, below what the a-priori
 // bound allows, and as published.
 #include "accuracy.h"

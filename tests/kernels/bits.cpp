@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every kernel gives the bits of its evaluated graph, in every way in which it may be called.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The transforms by their definitions, as direct sums in binary128: the reference for accuracy.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the kernel compiler says of the kernels that it wrote, in the comments at their heads.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // No kernel becomes longer, spills more, needs more of the stack or takes more cycles by the model
 // than it did when its figures were kept.
 #include "figures.h"

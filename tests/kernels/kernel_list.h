@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every fixed-length kernel that the public header lists, with its functions, its flow and what its
 // buffers hold.
 #pragma once

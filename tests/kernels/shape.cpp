@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The machine code of every kernel, read back: gates, straight-line bodies, the instruction set,
 // every access inside its buffer, and the figures that are promised.
 #include "support/shape.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Prints the page of docs/accuracy.md, freshly measured.
 #include <iostream>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Prints the datasheet of the build: every kernel of a length or order of its own, or those named,
 // with its counts, its code, its speed and its errors. Usage: write_datasheet TABLE [NAME...], with
 // the benchmark's table, which may be missing, and the names of kernels as generator/names.h has

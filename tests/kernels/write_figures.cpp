@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Prints tests/data/kernel_figures.csv for the kernels as they are written now.
 #include <iostream>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Lengths 24, 45, 48 and 56 of the real, the Hartley and the binary64 complex families, one for
 // each kind of join, computed a second time from their formulas: the kernels give the same bits in
 // all rounding modes, a NaN being as good as any other.

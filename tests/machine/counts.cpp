@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Additions, multiplications, conversions and lane swaps as the machine code executes them, against
 // the tables and against the flows that the kernels were compiled from.
 #include <gtest/gtest.h>

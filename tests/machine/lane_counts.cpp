@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The operations of the complex binary32 kernels as their machine code runs them, lane by lane: the
 // count tables, the place of the scale, and the order of the stages.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "lane_values.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the lanes of a complex binary32 kernel hold, read from its machine code: one run of the
 // instructions (integer_core.h) with expressions of the input in place of numbers. Every addition
 // and every product of every lane is seen, whatever brought its operands there.

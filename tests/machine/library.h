@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The product's machine code and one run of each of its kernels.
 #pragma once
 

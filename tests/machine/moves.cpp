@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the complex kernels move data: whole aligned vectors, neighbours merged by shifts, halves;
 // the twin's moves against the aligned body's; zero vectors; the stack; the precision of the
 // arithmetic.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The unwinding tables of the kernels, which debuggers, profilers and exceptions thrown by an
 // allocator go by: at every instruction they name the very place of the return address. Followed
 // along all paths of each kernel and twin; the tables are read by libdw.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The Walsh-Hadamard kernels as their machine code runs: operations, shuffles, passes over memory.
 #include <gtest/gtest.h>
 

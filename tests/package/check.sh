@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # check.sh CASE SOURCE BUILD CMAKE CC CXX LIBDIR: installs the package into a folder of its own, or takes the project into
 # another one, and looks at it as CASE says.
 set -eu

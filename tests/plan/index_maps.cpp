@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The index maps against what they are for: a sum over the maps is the transform's own sum.
 #include "plan/index_maps.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Plans as they are printed.
 #include "plan/notation.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The page of all plans in the documentation is the one that the program prints, and its links lead
 // somewhere.
 #include <gtest/gtest.h>

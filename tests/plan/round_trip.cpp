@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What is printed of a plan says all of it: read back, it is the same tree.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What tables of plans are written with: which tree a term becomes, and what it refuses.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The tables of the documentation against what they describe.
 #include <gtest/gtest.h>
 

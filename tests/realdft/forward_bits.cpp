@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The forward real flows in numbers: the graph against the same flow on plain numbers and against
 // the hand-written base forms, and the inputs that show something.
 #include "forward_flows.h"

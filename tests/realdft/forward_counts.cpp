@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The forward real flows beside the table of their counts, row by row and column by column, and
 // beside the matrix of the transform.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Small things that the tests of the forward real flows share.
 #pragma once
 

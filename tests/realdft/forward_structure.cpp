@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the forward real flows round, read from their graphs: which operations run in which type,
 // where an expression ends, how it is scaled, and that all members of a length are one data flow.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The inverse real flows by their bits: against the same algorithms on plain numbers, against the
 // forms of the smallest lengths written down by hand, and from format to format.
 #include <limits>

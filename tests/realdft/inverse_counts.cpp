@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The inverse real flows against their table, and proved.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The scales that kernels store: 1/N rounded once; 1/sqrt(N) rounded once in binary32, and in
 // binary64 as 1.0 divided by the rounded root, so with two roundings. Computed here with MPFR, and
 // read back twice: from the constants that a call loads under one flag and not under another, and

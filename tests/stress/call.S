@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // int32_t orvgenStressCall(void (*function)(void), const uint64_t arguments[6], struct State*)
 //
 //   struct State { uint64_t pattern[2]; uint32_t controlBefore, controlAfter; uint64_t spoiled; };

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The floating-point environment is the caller's: in every rounding mode, with denormals treated
 // or flushed as zero or not, and whatever exceptions are unmasked, a function gives the same bits,
 // leaves the control word and the flags already up as they are, raises nothing that the data do not

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Functions with one fault each, which the caller of call.S must find.
 .intel_syntax noprefix
 .text

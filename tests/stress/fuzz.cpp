@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Random arguments for the by-length functions, the kernels, their twins and the plan functions:
 // numbers and flags in and out of range, null and wild pointers, buffers at any byte, in place,
 // overlapping, against guard pages. What must happen follows from the arguments alone. The seeds

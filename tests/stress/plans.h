@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The functions of the DCT-IV families, by the list of the public header.
 #pragma once
 

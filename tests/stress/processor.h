@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Calls with the processor in a state of the test's choosing, as a hostile but lawful caller leaves
 // it: control word with any masks and sticky flags, every vector register and the memory below the
 // stack pointer full of one pattern (signalling NaNs, say), garbage in the upper halves of 32-bit

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a function may not do to its caller is found, each fault in a function of its own.
 #include "stress/processor.h"
 

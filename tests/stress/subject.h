@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Everything that takes src, dst and a flag, by the lists of the public header: each fixed-length
 // kernel and each Walsh-Hadamard order, with its by-length function.
 #pragma once

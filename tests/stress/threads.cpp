@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // All functions from several threads at once: a source and a read-only plan that all share, a
 // destination, a buffer and a rounding mode of their own. Every thread finds the bits that it would
 // find alone.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "support/closed_sets.h"
 
 #include <stdexcept>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Closed sets: the equal sets of samples that meet first in a flow, and of outputs that part last.
 //
 // An input set of size d: the d samples of the set, and no others, are what some value of the flow

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "support/count_check.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Comparison of counted operations with a table, row by row and column by column, with the list of
 // known differences taken exactly: see known_differences.csv.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The tables of tests/data: comma-separated files with a legend in '#' lines and a line of column
 // names. A file, a column or a row that is not there, and a field that is not what the reader asks
 // for, throw: a test never runs on a table that it could not read.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The tables by themselves: they are whole, and what two of them say about one thing agrees.
 #include <gtest/gtest.h>
 

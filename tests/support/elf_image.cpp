@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "support/elf_image.h"
 
 #include <elf.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A linked, unstripped x86-64 library as bytes: its symbols with their sizes, and its memory as it
 // stands once the relative relocations are applied.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "support/flow_rules.h"
 
 #include <cmath>

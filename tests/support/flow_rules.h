@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Rules of precision that hold in every scalar flow of binary32 data, read from the value graph.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Scalar flows by their bits: what the tests of the forward, the inverse and the Hartley flows
 // share.
 #pragma once

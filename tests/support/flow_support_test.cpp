@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The shared checks by themselves: on flows small enough to be written out here they say what is
 // so, and they notice what is not.
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "support/guarded.h"
 
 #include <sys/mman.h>

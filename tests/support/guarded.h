@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Memory between two pages that nobody may touch, and a catcher for those who do.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The inputs on which kernels are compared: plain, special, and everything that arithmetic treats
 // in a way of its own. Fixed, and the same for all kernels of a length.
 #pragma once

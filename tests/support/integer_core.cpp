@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "support/integer_core.h"
 
 #include <algorithm>

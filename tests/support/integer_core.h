@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs the integer side of a kernel: gate, frame, addresses, loops, calls of the allocator. Vector
 // registers hold no values here; no address and no branch of a kernel depends on them. What comes
 // out is the trace: every instruction that ran, with every memory operand resolved to a place in

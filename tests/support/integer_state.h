@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the integer part of a processor holds while a kernel is followed: values that may be
 // unknown, flags, the stack.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "support/machine_code.h"
 
 #include <capstone/capstone.h>

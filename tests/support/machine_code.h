@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The functions of a built library, decoded (by Capstone) and classified: which instructions are
 // arithmetic, shuffles, moves, conversions, control flow, and which ones no kernel may hold.
 #pragma once

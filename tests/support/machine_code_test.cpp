@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The reader of machine code on small functions: it takes the sound ones and finds the fault of
 // each of the others.
 #include "support/machine_code.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A number of MPFR's that frees itself.
 #pragma once
 

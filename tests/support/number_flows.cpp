@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The flows on plain numbers: compiled once, for all tests that compare them with graphs.
 #include "flows/blocks.h"
 #include "hartley/transform.h"

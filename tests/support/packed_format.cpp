@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "support/packed_format.h"
 
 #include <stdexcept>

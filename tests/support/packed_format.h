@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The packed half spectra as the tables packed_positions and packed_sizes state them, for tests
 // only: an account of the layouts that owes nothing to the product.
 #pragma once

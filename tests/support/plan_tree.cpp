@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "support/plan_tree.h"
 
 namespace orvgen::test {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What tests ask of plans: all nodes of a tree, equality, the choices made in it, and the words by
 // which the tables of tests/data name a decomposition.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "support/proof.h"
 
 #include <algorithm>

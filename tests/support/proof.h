@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Proof of a flow: a linear flow is right for all inputs if it is right on every unit vector. The
 // flow is run there in multiple precision and laid beside the transform's own matrix.
 #pragma once

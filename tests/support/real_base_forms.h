@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The smallest real transforms, written down by hand in plain C++: what the kernels of these
 // lengths compute, rounding by rounding. They share nothing with the flows.
 //

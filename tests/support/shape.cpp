@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "support/shape.h"
 
 #include <algorithm>

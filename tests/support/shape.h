@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the machine code of a kernel promises, checked on traces of its runs (integer_core.h) and on
 // its instructions: straight-line bodies, the instruction set, every access inside its buffer,
 // every byte of dst written once, src read before it can be overwritten; and counts of what it

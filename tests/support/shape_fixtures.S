@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Small functions in the shape of kernels, sound ones and ones with one fault each: what the reader
 // of machine code must accept and must find. All but the last ones take four floats to four floats.
 .intel_syntax noprefix

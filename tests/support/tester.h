@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The tester of kernels: calls one kernel in every way in which it may be called and compares bits.
 //
 //   KernelTester<float> tester;

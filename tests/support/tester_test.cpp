@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The tester of kernels on small kernels written here: it takes a sound one and finds the fault of
 // each of the others.
 #include "support/tester.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The blocks and joins of the complex binary32 kernels on plain floats, written from their
 // formulas. They share nothing with the flows: what is computed with them is an expectation of its
 // own.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The real transforms by their formulas, on written values: direct blocks, Good-Thomas and
 // Cooley-Tukey joins, forward and inverse, at ordinary and at odd frequencies, and complex ones
 // made of them.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The transforms of the real, the Hartley and the binary64 complex kernels on plain numbers,
 // written from their formulas and rules of rounding. They share nothing with the flows: what is
 // computed with them is an expectation of its own.

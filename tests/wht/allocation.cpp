@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The calls of the allocator: this program's own orvMalloc and orvFree take the place of the core
 // library's.
 #include <execinfo.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every order gives the bits of the layer-by-layer transform, in every way in which it may be
 // called: with a buffer of the caller's that holds garbage and ends at a guard page, or begins at
 // one, with none, through the by-order function, through the twin.

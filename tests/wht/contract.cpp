@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Statuses and the size query; several calls at once.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the transform is: the matrix in natural order, its inverse, its scales.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The functions of each Walsh-Hadamard order, by the lists of the public header.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Aligned arrays for the tests of the Walsh-Hadamard kernels.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which NaN comes out: of two that meet, that of the first operand, a[p]; made quiet, payload and
 // sign kept. So the bits of a result are fixed for all data, and the same for all entry forms.
 #include <gtest/gtest.h>

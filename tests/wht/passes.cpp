@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The machine code of the kernels, read back: gates and bodies, how the layers are cut into passes,
 // what each step of a pass reads, writes and does, which moves and shuffles there are.
 #include <gtest/gtest.h>

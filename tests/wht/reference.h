@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The Walsh-Hadamard transform as it is defined to round: layer by layer over the bits of the
 // index, in the element type, and one product at the end.
 #pragma once

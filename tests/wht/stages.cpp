@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What stands in the buffer between the passes is the working array of the layer-by-layer
 // transform.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The kernels for batches: each of the W transforms has the bits of the single kernel, and the five
 // IEEE flags are the union of those of the single calls.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 #: ./dev accuracy                     measures all kernels' errors again and writes docs/accuracy.md
 # shellcheck shell=bash
 takes 0 "$@"

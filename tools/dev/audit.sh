@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 #: ./dev audit                        all tests with sanitizers, unoptimised and with clang; clang-tidy over the tree
 # shellcheck shell=bash
 takes 0 "$@"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 #: ./dev bench [NAME...] [OPTIONS]    every kernel, or those named, in core cycles beside other libraries
 #: ./dev bench dct4 [OPTIONS]         the same for the DCT-IV and its plans
 #: ./dev bench batch [OPTIONS]        the same for batches

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 #: ./dev datasheet [NAME...]          counts, code, speed (of the last bench) and errors of all kernels, or of those named
 # Written to build/<preset>/datasheet.md. A NAME as for ./dev show.
 # shellcheck shell=bash

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 #: ./dev figures                      renews tests/data/kernel_figures.csv, where kernels are meant to change
 # shellcheck shell=bash
 takes 0 "$@"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 #: ./dev format [--check]             clang-format over the tree, or which files it would change
 # shellcheck shell=bash
 takes 1 "$@"

@@ -1,9 +1,10 @@
+# SPDX-License-Identifier: MIT
 #: ./dev help [COMMAND]               the commands, or one of them
 # shellcheck shell=bash
 takes 1 "$@"
 if [[ $# == 1 ]]; then
     [[ -f tools/dev/$1.sh && $1 != lib ]] || misused "no command $1 (./dev help)"
-    awk '!/^#/ { exit } !/^# shellcheck/ { sub(/^#:? /, ""); print }' "tools/dev/$1.sh"
+    awk '!/^#/ { exit } !/^# (shellcheck|SPDX)/ { sub(/^#:? /, ""); print }' "tools/dev/$1.sh"
     exit
 fi
 for name in run test bench audit show datasheet accuracy figures digests faults package format tidy setup help; do

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # What the commands share: messages, packages, building. Sourced by ./dev, which sets root, caller, preset, build, jobs
 # and command.
 # shellcheck shell=bash

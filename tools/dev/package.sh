@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 #: ./dev package                      an archive of the installed tree, build/<preset>/orvgen-*.tar.gz
 # shellcheck shell=bash
 takes 0 "$@"

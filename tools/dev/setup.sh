@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 #: ./dev setup GROUP...               installs packages by the groups of tools/packages.txt
 # shellcheck shell=bash
 [[ $# -gt 0 ]] || misused "setup: which group? There are $(groups | xargs)"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 #: ./dev show NAME...                 kernels: decomposition, counts, error bound, figures and the emitted assembly
 #: ./dev show --all-plans             how every length of every family is computed, as docs/plans.md has it
 # A NAME is a kernel's in full or short (orvgDFTFwd_CToC_64_32fc, DFTFwd_CToC_64_32fc, CToC_64_32fc), a family's for all

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 #: ./dev test [NAME [CASES]]          builds and runs all tests, those whose name has NAME in it, of these the CASES
 #: ./dev test -L LABEL                the tests of a room (complex, wht, examples ...); arguments with a dash go to ctest
 #: ./dev test list                    the tests there are, with their labels

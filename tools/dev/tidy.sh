@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 #: ./dev tidy [FOLDER...]             clang-tidy over the tree, or these folders of it
 # shellcheck shell=bash
 for folder in "$@"; do

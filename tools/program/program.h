@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the main functions of the programs share: arguments by CLI11, failures in one line that
 // begins with the program's name, exit statuses.
 

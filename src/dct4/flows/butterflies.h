@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Butterflies with positive exponent: out(f) = sum over s of v(s) exp(2 pi i s f / R).
 //
 // The joining forms give the upper half of the outputs conjugated, which costs nothing. Cost in

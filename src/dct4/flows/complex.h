@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The blocks that the kernels are made of. A kernel is written once over a value type T: a number,
 // a vector of lanes, or in the tests a value that counts, traces or computes in higher precision.
 // The order of operands and the choice between + and - are part of every kernel: nothing here may

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The fixed angles of the kernels: rational multiples of pi with a power of two up to 128 below the
 // line.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The DCT-IV of 2, 4, 8, 16 and 32 points,
 // y[k] = sum over j of x[j] cos(pi / N (j + 1/2) (k + 1/2)).
 //

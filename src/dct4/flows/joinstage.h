@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The join of a recursion level, for one result number d of the inner transforms:
 //
 //   D(f) = sum over s of Z_s(d) exp(i pi s (2d + 1) / n) exp(2 pi i s f / R),   f = 0 .. R - 1

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The odd-frequency transform of n = 2m real samples w(t), t = 0 .. n - 1, where t >= m stands for
 // u = t - n:
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The second stage over one block: from r complex values V_p to 2r real results
 //
 //   Y_u = sum over p of Re(V_p exp(i pi u (2p + 1) / (2r))),   u = -r .. r - 1

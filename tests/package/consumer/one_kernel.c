@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* One kernel and nothing else. */
 #include <orvgen.h>
 

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* A program with an allocator of its own in the core library's place. */
 #include <orvgen.h>
 #include <stdio.h>

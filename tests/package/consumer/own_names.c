@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* A program with functions of its own that bear names of the plan machine's. */
 #include <orvgen.h>
 #include <stdio.h>

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* The public header and the library, used from C: every listed family answers, and transforms are
  * made, one of them in a block of the core library's. */
 #include <orvgen.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The same from C++.
 #include <orvgen.h>
 

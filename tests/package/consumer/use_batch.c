@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* The batch library, used from C: rows, columns, a split transform, and what it refuses. */
 #include <orvgen_batch.h>
 #include <stdio.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The same header in C++.
 #include <orvgen_batch.h>
 
