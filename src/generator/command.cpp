@@ -43,12 +43,8 @@ std::optional<Member> findMember(const std::vector<Family>& families, const std:
     return std::nullopt;
 }
 
-// The product's second build is named by the level of processors that it is for.
-constexpr const char* kSecondBuild = "x86-64-v3";
-
 const Target& targetOf(const std::string& name) {
-    if (name == kSecondBuild) return kAvx2;
-    for (const Target* target : {&kSse2, &kAvx2, &kAvx512})
+    for (const Target* target : {&kSse2, &kLevel3, &kAvx2, &kAvx512})
         if (name == target->name) return *target;
     throw std::runtime_error("no such target: " + name);
 }

@@ -141,18 +141,19 @@ class Allocator {
     // Whether an instruction may read in memory what the load reads.
     bool isOperand(Opcode load) const {
         if (load == Opcode::Load16 || load == Opcode::Load16Split) return target_.unalignedOperands;
-        return load == Opcode::LoadSS || load == Opcode::LoadSD || load == Opcode::LoadAligned;
+        return load == Opcode::LoadSS || load == Opcode::LoadSD || load == Opcode::LoadHalf ||
+               load == Opcode::LoadAligned;
     }
-    // The address from which an instruction can read the value, if it can.
-    bool memoryOperand(Register r, Address& address) {
+    // The address from which an instruction can read so many bytes of the value, if it can.
+    bool memoryOperand(Register r, int bytes, Address& address) {
         Value& v = value(r);
         const Instruction& d = definition(r);
-        if (v.barrier >= position_ && isOperand(d.op) &&
+        if (v.barrier >= position_ && isOperand(d.op) && bytes <= accessSize(d.op, d.width) &&
             (d.address.base != Base::Src || options_.foldSrc)) {
             address = d.address;
             return true;
         }
-        if (v.slot < 0) return false;
+        if (v.slot < 0 || bytes > sizeOf(r)) return false;
         address = {Base::Frame, v.slot};
         return true;
     }
@@ -283,10 +284,11 @@ class Allocator {
         if (value(r).reg < 0) return 1.0;
         return target_.threeOperands() || dies(r) ? 0.0 : 0.6;
     }
-    double costAsSecond(Register r, Opcode op) {
+    double costAsSecond(Register r, const Instruction& i) {
         if (value(r).reg >= 0) return 0.0;
         Address unused;
-        return rowOf(op).fromMemory && memoryOperand(r, unused) ? 0.2 : 1.0;
+        return rowOf(i.op).fromMemory && memoryOperand(r, accessSize(i.op, i.width), unused) ? 0.2
+                                                                                             : 1.0;
     }
 
     // An operation on two values, or on one and a constant in memory.
@@ -295,7 +297,7 @@ class Allocator {
         Register x = i.a;
         Register y = i.b;
         if (y != kNoRegister && x != y && options_.commute && row.commutes &&
-            costAsFirst(y) + costAsSecond(x, i.op) < costAsFirst(x) + costAsSecond(y, i.op))
+            costAsFirst(y) + costAsSecond(x, i) < costAsFirst(x) + costAsSecond(y, i))
             std::swap(x, y);
 
         bool fromMemory = i.hasAddress;
@@ -305,7 +307,8 @@ class Allocator {
         if (value(x).reg >= 0) lock(value(x).reg);
         int second = -1;
         if (y != kNoRegister && y != x) {
-            if (value(y).reg < 0 && row.fromMemory && memoryOperand(y, address) &&
+            if (value(y).reg < 0 && row.fromMemory &&
+                memoryOperand(y, accessSize(i.op, i.width), address) &&
                 !(useAfter(y) - position_ <= kReloadDistance && hasFree())) {
                 fromMemory = true;
             } else {
@@ -395,7 +398,7 @@ class Allocator {
         int from = value(x).reg;
         Address address;
         const bool wantsMemory = from < 0 || i.op == Opcode::WidenUpperPS;
-        const bool fromMemory = wantsMemory && memoryOperand(x, address);
+        const bool fromMemory = wantsMemory && memoryOperand(x, accessSize(i.op, i.width), address);
         if (fromMemory) from = -1;
         int target = -1;
         if (!target_.threeOperands() && from >= 0 && dies(x)) {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "block.h"
 
-#include <optional>
 #include <stdexcept>
 
 #include "core_model.h"
@@ -16,8 +15,8 @@ constexpr double kInstructionWeight = 0.02;
 
 }  // namespace
 
-Block compileBlock(const Code& code, const Target& target, const AllocationOptions& options,
-                   int frameLimit, Search search) {
+std::optional<Block> tryBlock(const Code& code, const Target& target,
+                              const AllocationOptions& options, int frameLimit, Search search) {
     std::optional<Allocation> best;
     Block block;
     for (const std::vector<int>& order : candidateOrders(code, target, search)) {
@@ -41,7 +40,7 @@ Block compileBlock(const Code& code, const Target& target, const AllocationOptio
         block.cost = cost;
         best = std::move(allocation);
     }
-    if (!best) throw std::runtime_error("no order of the kernel keeps within its frame");
+    if (!best) return std::nullopt;
     layOutFrame(*best);
     block.instructions = std::move(best->instructions);
     renumberRegisters(block.instructions, target);
@@ -51,14 +50,21 @@ Block compileBlock(const Code& code, const Target& target, const AllocationOptio
     return block;
 }
 
+Block compileBlock(const Code& code, const Target& target, const AllocationOptions& options,
+                   int frameLimit, Search search) {
+    std::optional<Block> block = tryBlock(code, target, options, frameLimit, search);
+    if (!block) throw std::runtime_error("no order of the kernel keeps within its frame");
+    return *std::move(block);
+}
+
 Block compileForms(const std::vector<Code>& forms, const Target& target,
                    const AllocationOptions& options, int frameLimit) {
     std::optional<Block> best;
     for (const Code& form : forms) {
-        Block block = compileBlock(form, target, options, frameLimit);
-        if (!best || block.cost < best->cost) best = std::move(block);
+        std::optional<Block> block = tryBlock(form, target, options, frameLimit);
+        if (block && (!best || block->cost < best->cost)) best = std::move(block);
     }
-    if (!best) throw std::logic_error("a pass without code");
+    if (!best) throw std::runtime_error("no order of the kernel keeps within its frame");
     return *std::move(best);
 }
 

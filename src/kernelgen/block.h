@@ -2,6 +2,8 @@
 // Straight code on the registers of a target, in the fastest of the orders that are tried.
 #pragma once
 
+#include <optional>
+
 #include "allocate.h"
 #include "order.h"
 
@@ -20,6 +22,11 @@ struct Block {
 };
 
 // Orders that need a larger frame than `frameLimit` are passed over; a negative one is none.
+// Nothing, if there is no other order.
+std::optional<Block> tryBlock(const Code& code, const Target& target,
+                              const AllocationOptions& options, int frameLimit = -1,
+                              Search search = Search::Long);
+// The same; throws.
 Block compileBlock(const Code& code, const Target& target, const AllocationOptions& options,
                    int frameLimit = -1, Search search = Search::Long);
 

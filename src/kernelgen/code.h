@@ -3,6 +3,7 @@
 // registers, each written once; and after.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <string>
@@ -58,10 +59,14 @@ struct PoolEntry {
     int bytes() const { return static_cast<int>(lanes.size()) * (isSingle(type) ? 4 : 8); }
 };
 
-// The forms in which a code wants the scale.
+// The forms in which a code wants the scale: in all lanes of a type, and a binary32 scale also as
+// binary64 behind it.
 struct ScaleForm {
     Type type = Type::F32;
-    bool widened = false;  // a binary32 scale also as binary64
+    bool widened = false;
+
+    int widenedAt() const { return std::max(8, bytesOf(type)); }
+    int stride() const { return widened ? 2 * widenedAt() : bytesOf(type); }
 };
 
 struct Code {

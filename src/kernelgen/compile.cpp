@@ -7,6 +7,7 @@
 #include "count.h"
 #include "layout.h"
 #include "lower.h"
+#include "pair.h"
 #include "real.h"
 
 namespace orvgen::kernelgen {
@@ -43,7 +44,7 @@ class KernelCompiler {
         body_.bufferBytes = passes.bufferBytes;
         body_.scratchAt = passes.scratchAt;
         const ScaleForm& scale = body_.last.block.scale;
-        body_.scaleStride = scale.widened ? 16 : bytesOf(scale.type);
+        body_.scaleStride = scale.stride();
         const int scaleBytes = (3 * body_.scaleStride + 15) / 16 * 16;
         Block& block = body_.last.block;
         const PoolLayout layout = layOutPool(block.pool, block.instructions, scaleBytes);
@@ -63,7 +64,17 @@ class KernelCompiler {
             allocation.foldSrc = true;
             allocation.loadSrcOnce = false;
         }
-        return {pass, compileForms(pass.forms, target_, allocation, pass.frameLimit)};
+        return {pass, target_.pairs
+                          ? compilePaired(pass, allocation)
+                          : compileForms(pass.forms, target_, allocation, pass.frameLimit)};
+    }
+
+    // Pairs take twice the room of what they are made of.
+    Block compilePaired(const Pass& pass, const AllocationOptions& allocation) const {
+        std::vector<Code> forms = pass.forms;
+        for (const Code& form : pass.forms)
+            for (Code& pairs : pairScalars(form)) forms.push_back(std::move(pairs));
+        return compileForms(forms, target_, allocation, 2 * pass.frameLimit);
     }
 
     KernelFigures figures() const {
@@ -129,9 +140,12 @@ class KernelCompiler {
         const double value = storedScale(kind, kernel_.length, isSingle(form.type));
         PoolEntry entry{form.type, std::vector<double>(lanesOf(form.type), value), what};
         if (!form.widened) return printPoolEntry(entry) + "\n";
-        entry.lanes.push_back(0.0);
+        while (entry.bytes() < form.widenedAt()) entry.lanes.push_back(0.0);
+        const bool vector = lanesOf(form.type) > 1;
         return printPoolEntry(entry) + "\n" +
-               printPoolEntry({Type::F64, {value}, "the same, widened"}) + "\n";
+               printPoolEntry({vector ? Type::F64x2 : Type::F64,
+                               std::vector<double>(vector ? 2 : 1, value), "the same, widened"}) +
+               "\n";
     }
 
     const Kernel& kernel_;

@@ -168,6 +168,9 @@ class InstructionPrinter {
     }
 
     std::string combine() const {
+        // In memory a scalar is read as the upper half.
+        if (m_.op == Opcode::JoinSD && m_.hasAddress)
+            return line("vmovhps", d(), vectorName(m_.first, 16), at(8));
         if (!target_.threeOperands()) return line(name(), d(), secondOperand(), immediate());
         return line(name(), d(), vectorName(m_.first, m_.width), secondOperand(), immediate());
     }

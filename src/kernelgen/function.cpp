@@ -180,7 +180,7 @@ class FunctionPrinter {
                                  {Base::Dst, {"rsi", biasOf(block, Base::Dst, target_)}},
                                  {Base::Pool, poolBinding()},
                                  {Base::Scale, {"rax", 0}},
-                                 {Base::WidenedScale, {"rax", -8}},
+                                 {Base::WidenedScale, {"rax", -block.scale.widenedAt()}},
                                  {Base::Frame, {"rdx", frameBias()}}};
         if (!kernel_.passes)
             for (const char* reg : {"r8", "r9", "r10", "r11"})

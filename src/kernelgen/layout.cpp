@@ -82,7 +82,13 @@ void layOutFrame(Allocation& allocation) {
 PoolLayout layOutPool(const std::vector<PoolEntry>& pool, std::vector<MachineInstruction>& block,
                       int firstOffset) {
     PoolLayout layout;
+    // Vectors stand in front of scalars, the widest first: each at a multiple of its size.
+    const auto vectorBytes = [&](std::size_t i) {
+        return pool[i].bytes() < 16 ? 0 : pool[i].bytes();
+    };
     layout.order = byUse(block, Base::Pool, pool.size());
+    std::stable_sort(layout.order.begin(), layout.order.end(),
+                     [&](std::size_t a, std::size_t b) { return vectorBytes(a) > vectorBytes(b); });
     layout.offset.resize(pool.size());
     int end = firstOffset;
     for (const std::size_t i : layout.order) {

@@ -14,7 +14,8 @@ int frameBytes(const std::vector<int>& slotSizes);
 // Places the spill slots, most used ones first; rewrites their addresses to byte offsets.
 void layOutFrame(Allocation& allocation);
 
-// Byte offsets of the pool's entries, most used ones first; rewrites the addresses.
+// Byte offsets of the pool's entries, vectors before scalars and the most used ones first; rewrites
+// the addresses.
 struct PoolLayout {
     std::vector<int> offset;  // by entry
     std::vector<std::size_t> order;

@@ -80,6 +80,12 @@ constexpr OpcodeRow shuffle(Opcode op, const char* mnemonic, Unit unit, bool sel
             .fromMemory = fromMemory};
 }
 
+// The same with another size in memory.
+constexpr OpcodeRow reading(Extent access, OpcodeRow row) {
+    row.access = access;
+    return row;
+}
+
 // Movements bear the names with the shortest encodings, whatever the type: movaps, movups, xorps.
 // Those without a mnemonic take more than one instruction, or another one in another encoding; the
 // printer knows them.
@@ -141,6 +147,11 @@ constexpr std::array<OpcodeRow, static_cast<std::size_t>(Opcode::Count)> kRows =
     shuffle(Opcode::Shufpd, "shufpd", Unit::Shuffle, true),
     shuffle(Opcode::Unpcklpd, "unpcklpd", Unit::Interleave, false),
     shuffle(Opcode::Unpckhpd, "unpckhpd", Unit::Interleave, false),
+    reading(Eight, shuffle(Opcode::JoinSD, "unpcklpd", Unit::Interleave, false)),
+    reading(Four, shuffle(Opcode::JoinSS, "insertps", Unit::Interleave, true)),
+    shuffle(Opcode::InsertSS, "insertps", Unit::Interleave, true, false),
+    shuffle(Opcode::BlendPS, "blendps", Unit::Logic, true),
+    shuffle(Opcode::BlendPD, "blendpd", Unit::Logic, true),
 
     store(Opcode::StoreSS, "movss", Four),
     store(Opcode::StoreSD, "movsd", Eight),

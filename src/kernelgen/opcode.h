@@ -49,6 +49,11 @@ enum class Opcode : std::uint8_t {
     Shufpd,
     Unpcklpd,
     Unpckhpd,
+    JoinSD,    // two binary64 scalars to a vector of 16 bytes
+    JoinSS,    // two binary32 scalars to the lower half of one, zeros above
+    InsertSS,  // the lanes of one, one of them of another, some of them zero
+    BlendPS,   // each lane of one or of the other
+    BlendPD,
 
     StoreSS,
     StoreSD,

@@ -23,6 +23,8 @@ struct Target {
     bool unalignedOperands;
     // A scalar in memory may be the operand for all lanes.
     bool broadcasts;
+    // What is alike in straight code may share instructions on wider vectors.
+    bool pairs = false;
 
     bool threeOperands() const { return encoding != Encoding::Legacy; }
 };
@@ -41,6 +43,14 @@ inline constexpr Target kAvx2{.name = "avx2",
                               .vectorBytes = 32,
                               .unalignedOperands = true,
                               .broadcasts = false};
+// The product's second build, for processors of the same level.
+inline constexpr Target kLevel3{.name = "x86-64-v3",
+                                .encoding = Encoding::Vex,
+                                .registers = 16,
+                                .vectorBytes = 32,
+                                .unalignedOperands = true,
+                                .broadcasts = false,
+                                .pairs = true};
 // AVX512F alone: vectors of 64 bytes, and no EVEX encoding of shorter ones.
 inline constexpr Target kAvx512{.name = "avx512",
                                 .encoding = Encoding::Evex,

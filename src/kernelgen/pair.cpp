@@ -1,0 +1,59 @@
+#include "pair.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "core_model.h"
+
+namespace orvgen::kernelgen {
+
+namespace {
+
+constexpr long kWork = 3'000'000;
+constexpr unsigned kSeeds = 6;
+constexpr double kInstructionWeight = 0.1;
+
+// What the core models see before registers are given out.
+double estimate(const Code& code) {
+    std::vector<MachineInstruction> block;
+    double fp = 0, shuffles = 0;
+    for (const Instruction& i : code.instructions) {
+        if (isLoad(i.op) && i.op != Opcode::LoadHalves) continue;
+        MachineInstruction m{};
+        m.op = i.op;
+        m.width = i.width;
+        m.hasAddress = i.hasAddress;
+        block.push_back(m);
+        const Unit unit = rowOf(i.op).unit;
+        if (unit == Unit::Add || unit == Unit::Mul || unit == Unit::Convert) ++fp;
+        if (unit == Unit::Shuffle || unit == Unit::Interleave || unit == Unit::Convert ||
+            unit == Unit::Cross)
+            ++shuffles;
+    }
+    const double narrow = std::max(fp / 2, shuffles);
+    return (portBound(block, kThreePipe, kLevel3) + portBound(block, kFourPipe, kLevel3) + narrow) /
+               3 +
+           kInstructionWeight * static_cast<double>(block.size());
+}
+
+}  // namespace
+
+std::vector<Code> pairScalars(const Code& code) {
+    const DataFlow flow(code);
+    std::vector<Code> best;
+    double least = std::numeric_limits<double>::max();
+    for (unsigned k = 0; k < kSeeds; ++k) {
+        const Pairing pairing =
+            findPairs(flow, Grain::Scalars,
+                      {.withinStages = k % 2 == 1, .seed = k < 2 ? 0 : k, .work = kWork});
+        if (std::ranges::all_of(pairing.mate, [](int m) { return m < 0; })) continue;
+        Code paired = writeScalarPairs(code, flow, pairing);
+        const double cost = estimate(paired);
+        if (cost >= least) continue;
+        least = cost;
+        best = {std::move(paired)};
+    }
+    return best;
+}
+
+}  // namespace orvgen::kernelgen
