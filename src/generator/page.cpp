@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "page.h"
 
-#include <bit>
 #include <iomanip>
 #include <ostream>
 #include <sstream>
 
 #include "kernelgen/compile.h"
-#include "kernelgen/count.h"
-#include "kernelgen/error_bound.h"
+#include "operations.h"
 #include "required.h"
 
 namespace orvgen::generator {
@@ -29,44 +27,20 @@ std::string joined(const Parts&... parts) {
     return text.str();
 }
 
-// Lanes that hold zeros or repeat each other make more operations run than there are.
-Lines laneLines(const Kernel& kernel) {
-    const LaneCounts c = countLanes(kernel.flow);
-    const int scale = 2 * kernel.length;
-    return {joined(c.distinctAdditions, " on distinct values (", c.liveAdditions,
-                   " on live lanes, ", c.executedAdditions, " in all lanes)"),
-            joined(c.distinctMultiplications + scale, ": ", c.distinctMultiplications,
+Lines linesOf(const Operations& o) {
+    const char* pairs = o.inPairs ? " (two in an instruction)" : "";
+    if (!o.lanes)
+        return {joined(o.additions, ", of these sign steps ", o.signSteps, pairs),
+                joined(o.multiplications(), ": ", o.constantProducts, " by constants, ",
+                       o.doublings, " by 2, ", o.scaleProducts, " by the scale", pairs),
+                joined(o.conversions)};
+    const LaneCounts& c = *o.lanes;
+    return {joined(o.additions, " on distinct values (", c.liveAdditions, " on live lanes, ",
+                   c.executedAdditions, " in all lanes)"),
+            joined(o.multiplications(), ": ", o.constantProducts,
                    " by constants on distinct values (", c.liveMultiplications, " on live lanes, ",
-                   c.executedMultiplications, " in all lanes), ", scale, " by the scale"),
-            "0"};
-}
-
-Lines scalarLines(const Kernel& kernel) {
-    const bool pairs = kernel.flow.arithmetic() == Arithmetic::DoublePair;
-    const int lanes = pairs ? 2 : 1;
-    const Counts c = countOperations(kernel.flow);
-    return {joined(lanes * c.additions, ", of these sign steps ", lanes * c.signSteps,
-                   pairs ? " (two in an instruction)" : ""),
-            joined(lanes * c.multiplications(), ": ", lanes * c.constantProducts, " by constants, ",
-                   lanes * c.doublings, " by 2, ", lanes * c.scaleProducts, " by the scale",
-                   pairs ? " (two in an instruction)" : ""),
-            joined(c.conversions())};
-}
-
-// A Walsh-Hadamard kernel: log2(N) layers of N additions.
-Lines passLines(const Kernel& kernel) {
-    const int order = std::countr_zero(static_cast<unsigned>(kernel.length));
-    return {joined(order * kernel.length, ", of these sign steps 0"),
-            joined(kernel.length, ": 0 by constants, 0 by 2, ", kernel.length, " by the scale"),
-            "0"};
-}
-
-// Every layer doubles magnitudes and errors and adds a rounding of half a unit of what it gives: of
-// log2(N) layers together log2(N) N u.
-ErrorBound boundOf(const Kernel& kernel) {
-    if (!kernel.passes) return errorBound(kernel.flow);
-    const double N = kernel.length;
-    return {N * std::countr_zero(static_cast<unsigned>(kernel.length)), N};
+                   c.executedMultiplications, " in all lanes), ", o.scaleProducts, " by the scale"),
+            joined(o.conversions)};
 }
 
 }  // namespace
@@ -74,10 +48,8 @@ ErrorBound boundOf(const Kernel& kernel) {
 void printPage(std::ostream& out, const Kernel& kernel, const std::string& tables) {
     const CompiledKernel compiled = compileKernel(kernel);
     const KernelFigures& f = compiled.figures;
-    const Lines lines = kernel.passes                                         ? passLines(kernel)
-                        : kernel.flow.arithmetic() == Arithmetic::SingleLanes ? laneLines(kernel)
-                                                                              : scalarLines(kernel);
-    const ErrorBound e = boundOf(kernel);
+    const Lines lines = linesOf(operationsOf(kernel));
+    const ErrorBound e = errorBoundOf(kernel);
     out << kernel.name << "\n"
         << "  computed as      " << kernel.method << "\n"
         << "  additions        " << lines.additions << "\n"
