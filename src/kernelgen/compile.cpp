@@ -144,7 +144,7 @@ class KernelCompiler {
         const bool vector = lanesOf(form.type) > 1;
         return printPoolEntry(entry) + "\n" +
                printPoolEntry({vector ? Type::F64x2 : Type::F64,
-                               std::vector<double>(vector ? 2 : 1, value), "the same, widened"}) +
+                               std::vector<double>(vector ? 2U : 1U, value), "the same, widened"}) +
                "\n";
     }
 
