@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The step between lowering and order that writes straight code with half the instructions: what is
 // alike in it goes to both halves of vectors twice as large (pairing.h).
 //

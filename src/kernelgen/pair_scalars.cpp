@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Two scalars to a vector.
 #include <map>
 #include <optional>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which instructions of straight code do the same to different values, so that one instruction on
 // vectors of twice the size can do both.
 //

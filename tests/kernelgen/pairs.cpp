@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pairs of scalar operations on small blocks whose best form is known, and what holds for all.
 #include <gtest/gtest.h>
 

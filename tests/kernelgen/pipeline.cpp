@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Small flows through the whole kernel compiler: the assembled kernel gives the bits of the
-// evaluated graph, in scalar binary64, in mixed binary32/binary64 and in four lanes.
+// evaluated graph, in scalar binary64, in mixed binary32/binary64 and in four lanes, and its
+// machine code has the shape that every kernel has.
 #include <gtest/gtest.h>
 
 #include <bit>
@@ -8,17 +9,25 @@
 #include <cstdint>
 #include <cstring>
 #include <random>
+#include <sstream>
 
 #include "kernelgen/compile.h"
 #include "kernelgen/count.h"
 #include "kernelgen/evaluate.h"
 #include "kernelgen/number.h"
 #include "small_flows.h"
+#include "support/boundaries.h"
+#include "support/shape.h"
 
 extern "C" {
 std::int32_t orvgSmall_5_32f(const float*, float*, std::int32_t);
 std::int32_t orvgSmall_5_64f(const double*, double*, std::int32_t);
 std::int32_t orvgSmall_8_32fc(const float*, float*, std::int32_t);
+std::int32_t orvgCrowded_36_32f(const float*, float*, std::int32_t);
+std::int32_t orvgCrowded_36_64f(const double*, double*, std::int32_t);
+std::int32_t orvgCrowded_40_32fc(const float*, float*, std::int32_t);
+std::int32_t orvgZeroFirst_8_32f(const float*, float*, std::int32_t);
+std::int32_t orvgZeroFirst_8_64f(const double*, double*, std::int32_t);
 }
 
 namespace {
@@ -32,12 +41,15 @@ template <class T>
 void compare(const Kernel& kernel, Kernel1<T>* function, std::size_t inputs, std::size_t outputs) {
     std::mt19937_64 random(7);
     std::uniform_real_distribution<T> uniform(-1, 1);
-    const ScaleKind kinds[] = {ScaleKind::ByN, ScaleKind::None, ScaleKind::BySqrtN,
-                               ScaleKind::None};
+    const ScaleKind forward =
+        kernel.scale == ScaleRule::InverseByN ? ScaleKind::None : ScaleKind::ByN;
+    const ScaleKind inverse =
+        kernel.scale == ScaleRule::ForwardByN ? ScaleKind::None : ScaleKind::ByN;
+    const ScaleKind kinds[] = {forward, inverse, ScaleKind::BySqrtN, ScaleKind::None};
     const std::int32_t flags[] = {1, 2, 4, 8};
     for (int round = 0; round < 200; ++round) {
         for (int f = 0; f < 4; ++f) {
-            alignas(16) T src[64], dst[64], expected[64];
+            alignas(16) T src[96], dst[96], expected[96];
             for (std::size_t i = 0; i < inputs; ++i) src[i] = uniform(random);
             std::memset(dst, 0xa5, sizeof dst);
             std::memset(expected, 0xa5, sizeof expected);
@@ -60,6 +72,32 @@ void compare(const Kernel& kernel, Kernel1<T>* function, std::size_t inputs, std
     }
 }
 
+// Any overlap of src and dst, for kernels that promise it.
+template <class T>
+void compareOverlapping(const Kernel& kernel, Kernel1<T>* function, std::size_t count) {
+    ASSERT_TRUE(kernel.readsAllFirst);
+    std::mt19937_64 random(13);
+    std::uniform_real_distribution<T> uniform(-1, 1);
+    for (std::size_t from = 0; from <= 12; ++from) {
+        for (std::size_t to = 0; to <= 12; ++to) {
+            alignas(16) T room[128], expected[96];
+            for (T& x : room) x = uniform(random);
+            evaluate(kernel.flow, room + from, expected, 1);
+            ASSERT_EQ(function(room + from, room + to, 8), 0);
+            ASSERT_EQ(std::memcmp(room + to, expected, count * sizeof(T)), 0) << from << to;
+        }
+    }
+}
+
+// How often the body stores to the frame by this instruction.
+long frameStores(const CompiledKernel& kernel, const std::string& mnemonic) {
+    std::istringstream lines(kernel.assembly);
+    long count = 0;
+    for (std::string line; std::getline(lines, line);)
+        count += line.starts_with("\t" + mnemonic + "\t") && line.find("[rdx") < line.find(',');
+    return count;
+}
+
 TEST(Pipeline, MixedPrecisionScalars) {
     compare<float>(orvgen::test::smallRealKernel("s", Arithmetic::Single), orvgSmall_5_32f, 4, 6);
 }
@@ -70,6 +108,61 @@ TEST(Pipeline, DoubleScalars) {
 
 TEST(Pipeline, FourLanes) {
     compare<float>(orvgen::test::smallLaneKernel("l"), orvgSmall_8_32fc, 16, 16);
+}
+
+// Slots of 4, of 8 and of 16 bytes, in one frame where the types are mixed.
+TEST(Pipeline, SpillsWhatTheRegistersDoNotHold) {
+    const Kernel single = orvgen::test::crowdedRealKernel("s", Arithmetic::Single);
+    EXPECT_GT(frameStores(compileKernel(single), "movss"), 0);
+    EXPECT_GT(frameStores(compileKernel(single), "movsd"), 0);
+    compare<float>(single, orvgCrowded_36_32f, 36, 36);
+    const Kernel wide = orvgen::test::crowdedRealKernel("d", Arithmetic::Double);
+    EXPECT_GT(frameStores(compileKernel(wide), "movsd"), 0);
+    compare<double>(wide, orvgCrowded_36_64f, 36, 36);
+    const Kernel lanes = orvgen::test::crowdedLaneKernel("orvgl_32fc");
+    EXPECT_GT(frameStores(compileKernel(lanes), "movaps"), 0);
+    compare<float>(lanes, orvgCrowded_40_32fc, 80, 80);
+}
+
+TEST(Pipeline, ReadsWhatAZeroOverwrites) {
+    compare<float>(orvgen::test::zeroFirstKernel("s", Arithmetic::Single), orvgZeroFirst_8_32f, 8,
+                   8);
+    compare<double>(orvgen::test::zeroFirstKernel("d", Arithmetic::Double), orvgZeroFirst_8_64f, 8,
+                    8);
+}
+
+TEST(Pipeline, ReadsAllFirstWhereAnyOverlapIsPromised) {
+    compareOverlapping<float>(orvgen::test::crowdedLaneKernel("orvgl_32fc"), orvgCrowded_40_32fc,
+                              80);
+}
+
+// Every kernel, twin and pool begins on a cache line; gate and bodies are as in the library.
+TEST(Pipeline, MachineCodeHasTheShapeOfKernels) {
+    using namespace orvgen::test;
+    const MachineCode code(ORVGEN_SMALL_KERNELS);
+    for (const Family& family : smallFamilies()) {
+        for (const int n : family.lengths) {
+            const Kernel kernel = family.kernel(n);
+            const bool twin = kernel.alignment == Alignment::Twin;
+            const bool single = kernel.flow.elementType() != Type::F64;
+            const bool small = family.name == "orvgSmall_32f" || family.name == "orvgSmall_64f";
+            const std::int64_t reals = twin ? 2 * n : small ? 6 : n;
+            KernelFacts facts;
+            facts.name = memberName(family.name, n);
+            if (twin) facts.twin = "owng" + facts.name.substr(4) + "_unaligned";
+            facts.pointerStep = single ? 4 : 8;
+            facts.rules.srcBytes = (small ? 4 : reals) * facts.pointerStep;
+            facts.rules.dstBytes = reals * facts.pointerStep;
+            facts.rules.scalar = !twin;
+            facts.rules.allReadsFirst = kernel.readsAllFirst;
+            facts.twinRules = facts.rules;
+            EXPECT_EQ(checkKernel(code, facts), std::vector<std::string>()) << facts.name;
+            EXPECT_EQ(offTheirBoundary(code, facts.name), std::vector<std::string>());
+            if (twin) {
+                EXPECT_EQ(offTheirBoundary(code, facts.twin), std::vector<std::string>());
+            }
+        }
+    }
 }
 
 TEST(Pipeline, GateAnswersInOrder) {

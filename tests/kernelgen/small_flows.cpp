@@ -55,4 +55,73 @@ kernelgen::Kernel smallLaneKernel(const std::string& name) {
             false, true, std::move(g)};
 }
 
+namespace {
+
+std::size_t at(int i) { return static_cast<std::size_t>(i); }
+
+// All values, the first one being number `first`; what comes at an odd place is taken off.
+Value chain(const std::vector<Value>& values, int first) {
+    const int n = static_cast<int>(values.size());
+    Value sum = values[at(first)];
+    for (int i = 1; i < n; ++i) {
+        const Value& v = values[at((first + i) % n)];
+        sum = i % 2 ? sum - v : sum + v;
+    }
+    return sum;
+}
+
+}  // namespace
+
+kernelgen::Kernel crowdedRealKernel(const std::string& name, kernelgen::Arithmetic arithmetic) {
+    Graph g(arithmetic);
+    std::vector<Value> x;
+    for (int i = 0; i < 2 * kCrowd; ++i) x.emplace_back(g, g.input(i));
+    std::vector<Value> sums, products;
+    for (int i = 0; i < kCrowd; ++i) {
+        sums.push_back(x[at(2 * i)] + x[at(2 * i + 1)]);
+        products.push_back(kernelgen::cosTurn(i + 1, 128) * (x[at(2 * i)] - x[at(2 * i + 1)]));
+    }
+    for (int k = 0; k < kCrowd; ++k) {
+        g.output(2 * k, narrow(signStep(scaled(chain(sums, k)))).id());
+        g.output(2 * k + 1, narrow(signStep(scaled(chain(products, k)))).id());
+    }
+    return {.name = name,
+            .length = 2 * kCrowd,
+            .method = "test flow",
+            .scale = kernelgen::ScaleRule::InverseByN,
+            .flow = std::move(g)};
+}
+
+kernelgen::Kernel crowdedLaneKernel(const std::string& name) {
+    Graph g(kernelgen::Arithmetic::SingleLanes);
+    const auto vector = [&](int i) {
+        const NodeId a = g.input(2 * i), b = g.input(2 * i + 1);
+        return Value(g, g.pack({Lane{a, 0}, Lane{a, 1}, Lane{b, 0}, Lane{b, 1}}));
+    };
+    std::vector<Value> x, sums;
+    for (int i = 0; i < kLaneCrowd; ++i) x.push_back(vector(i));
+    for (int i = 0; i < kLaneCrowd; ++i) sums.push_back(x[at(i)] + x[at((i + 3) % kLaneCrowd)]);
+    for (int k = 0; k < kLaneCrowd; ++k) {
+        const Value y = chain(sums, k);
+        g.output(2 * k, Lane{y.id(), 0}, Lane{y.id(), 1});
+        g.output(2 * k + 1, Lane{y.id(), 2}, Lane{y.id(), 3});
+    }
+    return {.name = name,
+            .length = 2 * kLaneCrowd,
+            .method = "test flow",
+            .scale = kernelgen::ScaleRule::BothByN,
+            .alignment = kernelgen::Alignment::Twin,
+            .readsAllFirst = true,
+            .flow = std::move(g)};
+}
+
+kernelgen::Kernel zeroFirstKernel(const std::string& name, kernelgen::Arithmetic arithmetic) {
+    Graph g(arithmetic);
+    std::vector<Value> x;
+    for (int i = 0; i < 8; ++i) x.emplace_back(g, g.input(i));
+    g.output(1, g.zero(g.elementType()));
+    for (const int i : {0, 2, 3, 4, 5, 6, 7}) g.output(i, narrow(scaled(x[at(i)] + x[1])).id());
+    return {.name = name, .length = 8, .method = "test flow", .flow = std::move(g)};
+}
+
 }  // namespace orvgen::test

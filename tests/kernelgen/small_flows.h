@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Two small flows that run through the whole kernel compiler: a real three-point transform followed
-// by a rotation by 45 degrees, in any scalar arithmetic, and an eight-point complex transform of
-// four-lane vectors.
+// Small flows that run through the whole kernel compiler: a real three-point transform followed by
+// a rotation by 45 degrees, in any scalar arithmetic; an eight-point complex transform of four-lane
+// vectors; and flows that need more registers than there are, or store a zero where they read.
 #pragma once
 
 #include <array>
@@ -46,6 +46,18 @@ inline kernelgen::Kernel smallRealKernel(const std::string& name,
 
 kernelgen::Kernel smallLaneKernel(const std::string& name);
 
+// More values are live at once than there are registers: every output takes all of them, each in
+// another order. Eighteen sums of neighbours and eighteen products, which in Single arithmetic are
+// binary32 and binary64; twenty vectors of four lanes.
+inline constexpr int kCrowd = 18;
+inline constexpr int kLaneCrowd = 20;
+kernelgen::Kernel crowdedRealKernel(const std::string& name, kernelgen::Arithmetic arithmetic);
+kernelgen::Kernel crowdedLaneKernel(const std::string& name);
+
+// A zero goes to element 1 before anything else is stored, and all outputs take input 1: in place
+// it must have been read by then.
+kernelgen::Kernel zeroFirstKernel(const std::string& name, kernelgen::Arithmetic arithmetic);
+
 inline std::vector<kernelgen::Family> smallFamilies() {
     using kernelgen::Arithmetic;
     using kernelgen::Family;
@@ -54,10 +66,29 @@ inline std::vector<kernelgen::Family> smallFamilies() {
                           return smallRealKernel(kernelgen::memberName(family, n), a);
                       }};
     };
-    return {real(Arithmetic::Single, "orvgSmall_32f"), real(Arithmetic::Double, "orvgSmall_64f"),
-            Family{"orvgSmall_32fc", {8}, [](int n) {
-                       return smallLaneKernel(kernelgen::memberName("orvgSmall_32fc", n));
-                   }}};
+    const auto crowded = [](Arithmetic a, const std::string& family) {
+        return Family{family, {2 * kCrowd}, [a, family](int n) {
+                          return crowdedRealKernel(kernelgen::memberName(family, n), a);
+                      }};
+    };
+    const auto zeroFirst = [](Arithmetic a, const std::string& family) {
+        return Family{family, {8}, [a, family](int n) {
+                          return zeroFirstKernel(kernelgen::memberName(family, n), a);
+                      }};
+    };
+    return {
+        real(Arithmetic::Single, "orvgSmall_32f"),
+        real(Arithmetic::Double, "orvgSmall_64f"),
+        crowded(Arithmetic::Single, "orvgCrowded_32f"),
+        crowded(Arithmetic::Double, "orvgCrowded_64f"),
+        zeroFirst(Arithmetic::Single, "orvgZeroFirst_32f"),
+        zeroFirst(Arithmetic::Double, "orvgZeroFirst_64f"),
+        Family{"orvgSmall_32fc",
+               {8},
+               [](int n) { return smallLaneKernel(kernelgen::memberName("orvgSmall_32fc", n)); }},
+        Family{"orvgCrowded_32fc", {2 * kLaneCrowd}, [](int n) {
+                   return crowdedLaneKernel(kernelgen::memberName("orvgCrowded_32fc", n));
+               }}};
 }
 
 }  // namespace orvgen::test
