@@ -51,6 +51,10 @@ TEST(ComplexBinary32Counts, AreThoseOfTheTableAtCompositeLengths) {
             check.compare(n, "additions", row.integer("additions"), c.distinctAdditions);
             check.compare(n, "multiplications", row.integer("multiplications"),
                           c.distinctMultiplications);
+            check.compare(n, "executed_additions", row.integer("executed_additions"),
+                          c.executedAdditions);
+            check.compare(n, "executed_multiplications", row.integer("executed_multiplications"),
+                          c.executedMultiplications);
             EXPECT_EQ(stages(*dft::singleLength(kernel.length).plan), row.text("stages"));
         }
     EXPECT_EQ(check.report(), "");
