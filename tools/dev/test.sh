@@ -7,23 +7,25 @@
 # shellcheck shell=bash
 
 # files_of_tests [CTEST ARGUMENTS]: the built files that the chosen tests run, by the paths that the builder knows them
-# by; nothing where a test names none of them, which may then need any.
+# by; "all" where a test is given the build folder and none of its files, so that it may need any.
 files_of_tests() {
     ctest --preset "$preset" -N -V "$@" | awk -v root="$PWD/$build/" '
         NR == FNR { sub(/:[^:]*$/, ""); known[$0] = 1; next }
         /^[0-9]+: Test command: / {
-            found = 0
+            found = inside = 0
             for (i = 4; i <= NF; ++i) {
                 file = $i
                 gsub(/"/, "", file)
-                if (index(file, root) == 1 && (file = substr(file, length(root) + 1)) in known) {
-                    files[file]
-                    found = 1
-                }
+                if (index(file "/", root) != 1) continue
+                inside = 1
+                file = substr(file, length(root) + 1)
+                if (!(file in known)) continue
+                files[file]
+                found = 1
             }
-            if (!found) unknown = 1
+            if (inside && !found) files["all"]
         }
-        END { if (!unknown) for (file in files) print file }' <(ninja -C "$build" -t targets all) -
+        END { for (file in files) print file }' <(ninja -C "$build" -t targets all) -
 }
 
 # names_of_tests [CTEST ARGUMENTS]
@@ -81,8 +83,9 @@ if [[ $# -gt 0 && $1 != -* ]]; then
     [[ $# == 1 ]] || export GTEST_FILTER=$2
 fi
 [[ -n $(names_of_tests "${chosen[@]}") ]] || misused "no test for: $* (./dev test list)"
-mapfile -t files < <(files_of_tests "${chosen[@]}")
-make_targets "${files[@]:-all}"
+files=(all)
+[[ ${#chosen[@]} == 0 ]] || mapfile -t files < <(files_of_tests "${chosen[@]}")
+[[ ${#files[@]} == 0 ]] || make_targets "${files[@]}"
 say "testing"
 rm -rf "$build/test-results"
 status=0
