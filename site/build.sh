@@ -8,7 +8,10 @@ program=$(realpath "$1") kernels=$(realpath "$2") bench=$(realpath -m "$3") site
 python=/usr/bin/python3 # the one that Debian's packages are installed for
 
 rm -rf "$site"
+"$python" "$root/site/reference/prepare.py" "$root" "$site-source"
+(cd "$site-source" && "$python" -m sphinx -q -W --keep-going -b html -d "$site-source/doctrees" . "$site")
+rm -f "$site"/{.buildinfo,objects.inv} "$site"/_static/{jquery,underscore,_sphinx_javascript_frameworks_compat}*.js
 mkdir -p "$site/explorer"
-cp "$root"/site/explorer/* "$site/explorer/"
+cp "$root"/site/explorer/* "$root/site/base.css" "$site/explorer/"
 "$program" "$kernels" "$root/tests/data" "$site/explorer/data"
 "$python" "$root/site/explorer_data.py" "$root" "$bench" "$site/explorer/data"

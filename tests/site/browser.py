@@ -177,14 +177,39 @@ class Kernel(Page):
         self.assertIn("There is no kernel", self.one("#page").text)
 
 
+class Reference(Page):
+    def test_draws_its_formulas_and_layouts(self):
+        for page in ("complex", "real-forward", "real-inverse", "hartley", "wht", "dct4", "batch"):
+            with self.subTest(page):
+                self.open(f"functions/{page}.html")
+                heights = self.script("return [...document.querySelectorAll('math[display=block]')]"
+                                      ".map(e => e.getBoundingClientRect().height)")
+                self.assertTrue(heights and min(heights) > 20, heights)
+                self.assertTrue(self.all(".picture svg rect"))
+                self.assertNotIn("$", self.one("main").text)
+
+    def test_finds_words_from_disk(self):
+        self.open("search.html?q=orvgHartley_48_32f")
+        WebDriverWait(self.driver, 20).until(lambda d: self.all("#search-results li a"))
+        links = [link.get_attribute("href") for link in self.all("#search-results li a")]
+        self.assertTrue(any("functions/hartley.html" in link for link in links), links)
+
+    def test_leads_to_the_explorer(self):
+        self.open("functions/complex.html")
+        self.script("document.getElementById('c.orvgDFTInv_CToC_17_64fc').click()")
+        self.wait_for_kernel("orvgDFTInv_CToC_17_64fc")
+
+
 class Everywhere(Page):
-    PAGES = (EXPLORER, f"{EXPLORER}#orvgDFTFwd_CToC_30_64fc")
+    PAGES = (EXPLORER, f"{EXPLORER}#orvgDFTFwd_CToC_30_64fc", "index.html", "functions/wht.html",
+             "docs/plans.html", "functions/header.html")
 
     def test_fits_a_phone(self):
         self.size(360, 740)
         for page in self.PAGES:
             with self.subTest(page):
                 self.open(page, page.partition("#")[2])
+                self.assertGreater(len(self.one("main").text), 100)
                 self.assertLessEqual(self.script("return document.documentElement.scrollWidth"), 360)
 
     def test_is_dark_where_the_reader_wants_it(self):

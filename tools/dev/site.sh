@@ -9,4 +9,6 @@ need build test examples site
 configure
 make_targets orvgen_site
 say "wrote $build/site/index.html"
-[[ $# == 0 ]] || /usr/bin/python3 tests/site/browser.py "$build/site"
+[[ $# == 1 ]] || exit 0
+/usr/bin/python3 tests/site/files.py "$build/site" .
+/usr/bin/python3 tests/site/browser.py "$build/site"

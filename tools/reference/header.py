@@ -71,3 +71,36 @@ def sections(header: Path):
         lines = [re.sub(r"^ \* ?", "", line) for line in body.splitlines()]
         found.append(Section(title, "\n".join(lines).strip("\n ")))
     return found
+
+
+# What paragraphs of the headers begin with, for emphasis.
+TOPIC = re.compile(r"^([A-Z][a-z]+(?: [a-z]+){0,2}|Special values, rounding, exceptions)\. (?=[A-Z])")
+
+
+def blocks(text: str):
+    """The text of a section as ("text" | "code" | topic, content): code is what is indented; a topic is
+    what stands in front of a paragraph that tells of one thing ("Aliasing")."""
+    found, kind, lines = [], "text", []
+
+    def close():
+        nonlocal lines
+        if any(lines):
+            margin = min(len(line) - len(line.lstrip()) for line in lines if line.strip())
+            found.append((kind, "\n".join(line[margin:] for line in lines).strip("\n")))
+        lines = []
+
+    for line in text.splitlines():
+        indented = line.startswith("   ")
+        topic = TOPIC.match(line)
+        if line.strip() and indented != (kind == "code"):
+            close()
+            kind = "code" if indented else "text"
+        elif not line.strip() and kind != "code":
+            close()
+            kind = "text"
+        if topic and not indented:
+            close()
+            kind, line = topic[1], line[topic.end():]
+        lines.append(line)
+    close()
+    return found
