@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-# Installed: the library (component `library`); archive, header, CMake package and pkg-config file (`development`); and
-# only where it is named, `--component core`, the core library's stand-in.
+# Installed: the library in both builds (component `library`); archive, header, CMake package and pkg-config file
+# (`development`); and only where it is named, `--component core`, the core library's stand-in.
 
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
@@ -9,6 +9,11 @@ install(TARGETS orvgen orvgen_static orvgen_batch EXPORT orvgen
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
     INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+# Where the loader looks first on processors of that level. It is a file for the loader alone: nobody links it.
+if(ORVGEN_V3)
+    install(TARGETS orvgen_v3
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/glibc-hwcaps/x86-64-v3 COMPONENT library NAMELINK_SKIP)
+endif()
 install(FILES ${PROJECT_SOURCE_DIR}/include/orvgen.h ${PROJECT_SOURCE_DIR}/include/orvgen_batch.h
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT library)

@@ -6,14 +6,17 @@
 # candidate orders of its instructions, in another way: the same results by other code.
 set(ORVGEN_KERNEL_DIR ${PROJECT_BINARY_DIR}/kernels CACHE PATH "Where the assembly of the kernels is written")
 
-# orvgen_assemble_kernels(OUT GENERATOR name...): the assembly files that `GENERATOR emit name file` writes.
+# orvgen_assemble_kernels(OUT GENERATOR name... [TARGET target]): the assembly files that `GENERATOR emit name file`
+# writes, those for another target in a folder of its name.
 function(orvgen_assemble_kernels out generator)
+    cmake_parse_arguments(PARSE_ARGV 2 arg "" "TARGET" "")
     set(files "")
-    file(MAKE_DIRECTORY ${ORVGEN_KERNEL_DIR})
-    foreach(kernel IN LISTS ARGN)
-        set(file ${ORVGEN_KERNEL_DIR}/${kernel}.s)
-        add_custom_command(OUTPUT ${file} COMMAND ${generator} emit ${kernel} ${file} DEPENDS ${generator}
-                           COMMENT "Generating ${kernel}" VERBATIM)
+    cmake_path(APPEND ORVGEN_KERNEL_DIR "${arg_TARGET}" OUTPUT_VARIABLE folder)
+    file(MAKE_DIRECTORY ${folder})
+    foreach(kernel IN LISTS arg_UNPARSED_ARGUMENTS)
+        cmake_path(APPEND folder ${kernel}.s OUTPUT_VARIABLE file)
+        add_custom_command(OUTPUT ${file} COMMAND ${generator} emit ${kernel} ${file} ${arg_TARGET} DEPENDS ${generator}
+                           COMMENT "Generating ${kernel} ${arg_TARGET}" VERBATIM)
         list(APPEND files ${file})
     endforeach()
     set(${out} ${files} PARENT_SCOPE)
@@ -35,10 +38,15 @@ function(orvgen_assemble_batch_kernels out targets)
     set(${out} ${files} PARENT_SCOPE)
 endfunction()
 
-# orvgen_add_kernels(FAMILY ELEMENT): all members of a family that the public header lists, as a part of the product.
+# orvgen_add_kernels(FAMILY ELEMENT): all members of a family that the public header lists, as a part of the product and
+# of its second build.
 function(orvgen_add_kernels family element)
     orvgen_family_members(${family} ${element} members)
     list(TRANSFORM members REPLACE "(.+)" "orvg${family}_\\1_${element}" OUTPUT_VARIABLE names)
     orvgen_assemble_kernels(files orvgen_kernelgen_program ${names})
-    orvgen_add_objects(kernels_${family}_${element} ${files})
+    orvgen_add_part(kernels_${family}_${element} ORVGEN_OBJECTS ${files})
+    if(ORVGEN_V3)
+        orvgen_assemble_kernels(files orvgen_kernelgen_program ${names} TARGET x86-64-v3)
+        orvgen_add_part(kernels_${family}_${element}_v3 ORVGEN_V3_OBJECTS ${files})
+    endif()
 endfunction()

@@ -10,6 +10,15 @@ option(ORVGEN_INSTALL "Write install rules" ${PROJECT_IS_TOP_LEVEL})
 option(ORVGEN_WERROR "Treat warnings as errors" OFF)
 option(ORVGEN_SANITIZE "Build everything with the address and undefined behaviour sanitizers" OFF)
 
+# The second build, for processors of the level x86-64-v3 (AVX2): where it is installed, the loader takes it by itself.
+include(CheckCXXCompilerFlag)
+check_cxx_compiler_flag(-march=x86-64-v3 ORVGEN_COMPILER_HAS_V3)
+set(v3 OFF)
+if(ORVGEN_COMPILER_HAS_V3 AND ORVGEN_INSTALL)
+    set(v3 ON)
+endif()
+option(ORVGEN_V3 "Build the product once more, for x86-64-v3" ${v3})
+
 set(CMAKE_C_STANDARD 99)
 set(CMAKE_C_STANDARD_REQUIRED ON)
 set(CMAKE_C_EXTENSIONS OFF)
