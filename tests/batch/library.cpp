@@ -7,13 +7,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <set>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "frame/elf_file.h"
 #include "orvgen_batch.h"
+#include "support/disassembly.h"
 
 namespace orvgen::test::batch {
 namespace {
@@ -158,15 +158,7 @@ class Reader {
 const Complaints& complaints() {
     static const Complaints found = [] {
         Reader reader;
-        FILE* code = popen("objdump -d --no-show-raw-insn " ORVGEN_BATCH_LIBRARY, "r");
-        if (code == nullptr) throw std::runtime_error("no objdump");
-        char line[512];
-        while (std::fgets(line, sizeof line, code) != nullptr) {
-            std::string text = line;
-            while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
-            reader.take(text);
-        }
-        if (pclose(code) != 0) throw std::runtime_error("objdump failed");
+        for (const std::string& line : disassembly(ORVGEN_BATCH_LIBRARY)) reader.take(line);
         return std::move(reader.found);
     }();
     return found;

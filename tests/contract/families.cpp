@@ -12,12 +12,13 @@
 #include "orvgen.h"
 #include "support/data_table.h"
 #include "support/integer_core.h"
+#include "support/library_file.h"
 
 namespace orvgen::test {
 namespace {
 
 const MachineCode& library() {
-    static const MachineCode code(ORVGEN_LIBRARY_FILE);
+    static const MachineCode code(libraryFile());
     return code;
 }
 
@@ -143,7 +144,8 @@ TEST(Families, ByLengthFunctionsReachTheirKernels) {
     EXPECT_GT(followed, 0);
 }
 
-// A null source beside a destination off its boundary reaches the test of the twin.
+// A null source beside a destination off its boundary reaches the test of the twin; in the second
+// build one body takes any alignment.
 TEST(Families, NullBesideMisalignedIsSeenByTheTwin) {
     const std::string name = "orvgDFTFwd_CToC_30_32fc";
     CallSetup setup;
@@ -151,7 +153,9 @@ TEST(Families, NullBesideMisalignedIsSeenByTheTwin) {
     setup.dstMisalignment = 8;
     const Trace t = runIntegers(library(), name, setup);
     EXPECT_EQ(t.status, orvErrNullPtr);
-    EXPECT_EQ(t.entered, (std::vector<std::string>{name, "owngDFTFwd_CToC_30_32fc_unaligned"}));
+    std::vector<std::string> entered = {name};
+    if (!isSecondBuild()) entered.push_back("owngDFTFwd_CToC_30_32fc_unaligned");
+    EXPECT_EQ(t.entered, entered);
 }
 
 TEST(Header, NamesAndNumbers) {

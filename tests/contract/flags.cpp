@@ -13,6 +13,7 @@
 #include "orvgen.h"
 #include "support/data_table.h"
 #include "support/integer_core.h"
+#include "support/library_file.h"
 
 namespace orvgen::test {
 namespace {
@@ -20,7 +21,7 @@ namespace {
 using Bytes = std::vector<unsigned char>;
 
 const MachineCode& library() {
-    static const MachineCode code(ORVGEN_LIBRARY_FILE);
+    static const MachineCode code(libraryFile());
     return code;
 }
 

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "support/data_table.h"
+#include "support/library_file.h"
 #include "support/machine_code.h"
 
 namespace orvgen::test::dct4 {
@@ -28,7 +29,7 @@ constexpr FamilyCode families[] = {{"_32f", "owngDCT4_32fw7_", "f", "ps", "ss"},
                                    {"_64f", "owngDCT4_64fw7_", "d", "pd", "sd"}};
 
 const MachineCode& code() {
-    static const MachineCode library(ORVGEN_LIBRARY_FILE);
+    static const MachineCode library(libraryFile());
     return library;
 }
 

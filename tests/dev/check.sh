@@ -60,7 +60,7 @@ errs() { grep -q -e "$1" "$copy/err" || problem "not said: $1"; }
 
 # Wrong calls.
 for arguments in nonsense lib ../dev "setup" "setup nonsense" "setup build nonsense" "audit x" "package x" "tidy x" \
-    "accuracy x" "digests x" "figures x" "format x" "format --check x" "help nonsense" "help test x" "test list x" \
+    "accuracy x" "digests x" "figures x" "format x" "format --check x" "help nonsense" "help test x" "test list x" "which a b" "which nothing" \
     "test a b c" "test nothing" "test -R nothing" "show"; do
     read -ra words <<<"$arguments"
     gives 2 "${words[@]}"
@@ -91,9 +91,9 @@ logs "bench_dct4 --longest 64 in $copy/elsewhere"
 
 # One test: the one of that name, else those that have it in their names; of these the cases asked for.
 gives 0 test test_wht "Contract.*"
-logs "ctest --preset release -j $(nproc) --output-junit test-results.junit -R ^test_wht(\.[0-9]+)?\$ GTEST_FILTER=Contract.*"
+logs "ctest --preset release -j $(nproc) --output-junit test-results.junit -R ^test_wht(\.v3)?(\.[0-9]+)?\$ GTEST_FILTER=Contract.*"
 gives 0 test test_wht_bits
-logs "ctest --preset release -j $(nproc) --output-junit test-results.junit -R ^test_wht_bits(\.[0-9]+)?\$ GTEST_FILTER="
+logs "ctest --preset release -j $(nproc) --output-junit test-results.junit -R ^test_wht_bits(\.v3)?(\.[0-9]+)?\$ GTEST_FILTER="
 gives 0 test wht
 logs "ctest --preset release -j $(nproc) --output-junit test-results.junit -R wht GTEST_FILTER="
 gives 0 test list

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
-// A library answers as it did when its digests were written. The library is the one that is built
-// here, or that of the argument, which is another build of the same functions.
+// A library answers as it did when its digests were written. The library is one of those that are
+// built here, or that of the argument, which is another build of the same functions.
 #include "digests/digests.h"
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <set>
@@ -13,15 +15,26 @@
 #include "digests/plans.h"
 #include "digests/results.h"
 #include "support/data_table.h"
+#include "support/library_file.h"
 
 namespace orvgen::test {
 namespace {
 
-std::string libraryFile = ORVGEN_LIBRARY_FILE;
+std::string fileUnderTest = libraryFile();
 
 const LoadedLibrary& library() {
-    static const LoadedLibrary loaded(libraryFile);
+    static const LoadedLibrary loaded(fileUnderTest);
     return loaded;
+}
+
+// Two files of one name in a process: each is what it was asked for as.
+TEST(Library, IsTheFileThatIsAskedFor) {
+    for (const std::string& file : {fileUnderTest, std::string(ORVGEN_LIBRARY_FILE)}) {
+        auto* const version = LoadedLibrary(file).function<void()>("orvgenGetLibVersion");
+        Dl_info mapped{};
+        ASSERT_NE(dladdr(reinterpret_cast<void*>(version), &mapped), 0);
+        EXPECT_TRUE(std::filesystem::equivalent(mapped.dli_fname, file)) << mapped.dli_fname;
+    }
 }
 
 class Digests : public testing::TestWithParam<std::string> {};
@@ -84,6 +97,6 @@ INSTANTIATE_TEST_SUITE_P(Of, LongPlans, testing::Bool(),
 
 int main(int count, char** arguments) {
     testing::InitGoogleTest(&count, arguments);
-    if (count > 1) orvgen::test::libraryFile = arguments[1];
+    if (count > 1) orvgen::test::fileUnderTest = arguments[1];
     return RUN_ALL_TESTS();
 }

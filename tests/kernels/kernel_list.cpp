@@ -35,19 +35,18 @@ using Function = OrvStatus(const T* src, T* dst, std::int32_t flag);
 template <class T>
 using ByLength = OrvStatus(const T* src, T* dst, std::int32_t length, std::int32_t flag);
 
-// A member of a family; no twin: null. Tables of these, and code that is the same for all of one
+// A member of a family. Tables of these, and code that is the same for all of one
 // element type: compilers take minutes over a function with a thousand calls of templates.
 template <class T>
 struct Row {
     int length;
     Function<T>* fixed;
-    Function<T>* twin;
 };
 
 template <class T>
 ListedKernel listed(const std::string& name, const std::string& type, const Row<T>& row,
                     ByLength<T>* byLength, int firstTwin) {
-    const auto [length, fixed, twin] = row;
+    const auto [length, fixed] = row;
     ListedKernel k;
     k.family = "orvg" + name + "_" + type;
     k.length = length;
@@ -65,29 +64,19 @@ ListedKernel listed(const std::string& name, const std::string& type, const Row<
     };
     k.plainKernel = reinterpret_cast<PlainFunction>(fixed);
     k.plainDispatcher = reinterpret_cast<PlainFunction>(byLength);
-    if (twin != nullptr) {
-        k.twin = untyped(twin);
-        k.plainTwin = reinterpret_cast<PlainFunction>(twin);
+    if (length >= firstTwin) {
         k.twinName = "owng" + k.name.substr(4) + "_unaligned";
+        k.plainTwin = loadedFunction(k.twinName);
+        k.twin = untyped(reinterpret_cast<Function<T>*>(k.plainTwin));
     }
     k.twoBodies = type == "64fc" && length < firstTwin;
     describeBuffers(k);
     return k;
 }
 
-// The twin where there is one. A template, so that the branch not taken names no function.
-#define TWIN(NAME, N, T)                               \
-    [](auto length) -> Function<Orv##T>* {             \
-        if constexpr (length() >= firstTwinLength_##T) \
-            return owng##NAME##_##N##_##T##_unaligned; \
-        else                                           \
-            return nullptr;                            \
-    }                                                  \
-    (std::integral_constant<int, N>())
-
 std::vector<ListedKernel> makeList() {
     std::vector<ListedKernel> list;
-#define MEMBER(NAME, N, T) {N, orvg##NAME##_##N##_##T, TWIN(NAME, N, T)},
+#define MEMBER(NAME, N, T) {N, orvg##NAME##_##N##_##T},
 #define FAMILY(NAME, T, LIST)                                                                      \
     {                                                                                              \
         static constexpr Row<Orv##T> rows[] = {LIST(MEMBER, NAME, T)};                             \

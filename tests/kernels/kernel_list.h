@@ -10,13 +10,12 @@
 #include <vector>
 
 #include "kernelgen/kernel.h"
+#include "support/loaded_function.h"
 
 namespace orvgen::test {
 
 // A kernel's functions on untyped buffers.
 using KernelCall = std::function<std::int32_t(const void* src, void* dst, std::int32_t flag)>;
-// Any function, for those who make calls of their own.
-using PlainFunction = void (*)();
 
 struct ListedKernel {
     std::string name;    // orvgDFTFwd_CToC_16_32fc

@@ -174,7 +174,7 @@ void LaneRun::run(const Step& step) {
             return static_cast<std::size_t>(in.operands[2].value >> (2 * i) & 3);
         };
         a = {a[lane(0)], a[lane(1)], b[lane(2)], b[lane(3)]};
-    } else if (m == "xorps" && !in.mergesFirst) {
+    } else if (in.clears) {
         a = {};
     } else if (m == "addps" || m == "subps" || m == "mulps") {
         arithmetic(m, a, b);

@@ -4,12 +4,13 @@
 
 #include <string>
 
+#include "support/library_file.h"
 #include "support/shape.h"
 
 namespace orvgen::test {
 
 inline const MachineCode& library() {
-    static const MachineCode code(ORVGEN_LIBRARY_FILE);
+    static const MachineCode code(libraryFile());
     return code;
 }
 

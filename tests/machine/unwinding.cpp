@@ -162,7 +162,7 @@ std::vector<std::string> allFunctions() {
 }
 
 TEST(Unwinding, IsRightAtEveryInstruction) {
-    const UnwindTables tables(ORVGEN_LIBRARY_FILE);
+    const UnwindTables tables(libraryFile().c_str());
     std::size_t instructions = 0;
     int frames = 0;
     for (const std::string& name : allFunctions()) {

@@ -15,6 +15,7 @@
 #include "orvgen.h"
 #include "support/data_table.h"
 #include "support/integer_core.h"
+#include "support/library_file.h"
 #include "support/mpfr_number.h"
 
 namespace orvgen::test {
@@ -57,7 +58,7 @@ std::string columnOf(const std::string& kernel) {
 }
 
 const MachineCode& library() {
-    static const MachineCode code(ORVGEN_LIBRARY_FILE);
+    static const MachineCode code(libraryFile());
     return code;
 }
 

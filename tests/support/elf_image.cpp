@@ -62,7 +62,9 @@ ElfImage::ElfImage(const std::string& path) {
                 Symbol symbol{textAt(file, sections[s.sh_link].sh_offset + sym.st_name),
                               sym.st_value, sym.st_size, type == STT_FUNC,
                               ELF64_ST_BIND(sym.st_info) == STB_GLOBAL};
-                if (symbol.function) functions[symbol.address] = allSymbols.size();
+                // Of two names for one function the exported one.
+                if (symbol.function && (symbol.global || !functions.contains(symbol.address)))
+                    functions[symbol.address] = allSymbols.size();
                 byName[symbol.name] = allSymbols.size();
                 allSymbols.push_back(std::move(symbol));
             }

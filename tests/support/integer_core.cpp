@@ -308,13 +308,16 @@ class Core {
             const Operand& o = in.operands[static_cast<std::size_t>(i)];
             const auto n = static_cast<std::size_t>(o.number);
             if (o.type == Operand::Type::vector) {
-                const bool clears = in.kind == Kind::logic && !in.mergesFirst;
                 // A conversion or a move leaves upper lanes that scalar code never looks at.
                 const bool passive = in.kind == Kind::convert || in.kind == Kind::move;
-                const bool reads = i > 0 || (in.mergesFirst && !passive);
+                // Where three operands stand, the second one gives these lanes.
+                const bool fillsUp = in.vex && i == 1 && in.operandCount == 3 && passive &&
+                                     (in.lanes == Lanes::scalar32 || in.lanes == Lanes::scalar64) &&
+                                     !in.mnemonic.starts_with("movh");
+                const bool reads = (i > 0 && !fillsUp) || (in.mergesFirst && !passive);
                 const bool half = i == 0 && in.kind == Kind::move && in.memory() &&
                                   in.mergesFirst && in.mnemonic.starts_with("movh");
-                if (!clears && (reads || half || in.stores()) && !vectorWritten[n]) {
+                if (!in.clears && (reads || half || in.stores()) && !vectorWritten[n]) {
                     complain("reads xmm" + std::to_string(n) + ", which nothing has written");
                 }
                 if (i == 0 && !in.stores()) vectorWritten[n] = true;

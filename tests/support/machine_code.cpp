@@ -79,6 +79,26 @@ constexpr VectorRow vectorRows[] = {
     {"cvtpd2ps", Kind::convert, Lanes::packed32, 16, true, false},
 };
 
+// Those that have no two-operand form.
+constexpr VectorRow vexRows[] = {
+    {"broadcastss", Kind::move, Lanes::packed32, 4, false, false},
+    {"broadcastsd", Kind::move, Lanes::packed64, 8, false, false},
+    {"broadcastf128", Kind::move, Lanes::whole, 16, false, false},
+    {"insertf128", Kind::shuffle, Lanes::whole, 16, false, false},
+    {"extractf128", Kind::shuffle, Lanes::whole, 16, false, false},
+    {"perm2f128", Kind::shuffle, Lanes::whole, 32, false, false},
+    {"permpd", Kind::shuffle, Lanes::packed64, 32, false, false},
+    {"permilps", Kind::shuffle, Lanes::packed32, 16, false, false},
+    {"permilpd", Kind::shuffle, Lanes::packed64, 16, false, false},
+    {"movsldup", Kind::shuffle, Lanes::packed32, 16, false, false},
+    {"movshdup", Kind::shuffle, Lanes::packed32, 16, false, false},
+    {"insertps", Kind::shuffle, Lanes::packed32, 4, false, false},
+    {"blendps", Kind::shuffle, Lanes::packed32, 16, false, false},
+    {"blendpd", Kind::shuffle, Lanes::packed64, 16, false, false},
+    {"addsubps", Kind::add, Lanes::packed32, 16, false, false},
+    {"addsubpd", Kind::add, Lanes::packed64, 16, false, false},
+};
+
 // Integer instructions of gates, frames and pass loops; IntegerCore executes exactly these.
 constexpr const char* integerMnemonics[] = {
     "mov",   "movabs", "lea",    "add",   "sub",    "and",    "or",     "xor",    "test",
@@ -93,6 +113,7 @@ const std::unordered_map<std::string, const VectorRow*>& vectorTable() {
     static const auto table = [] {
         std::unordered_map<std::string, const VectorRow*> t;
         for (const VectorRow& row : vectorRows) t[row.mnemonic] = &row;
+        for (const VectorRow& row : vexRows) t[std::string("v") + row.mnemonic] = &row;
         return t;
     }();
     return table;
@@ -138,6 +159,12 @@ bool setRegister(x86_reg reg, Operand& operand) {
         operand.number = reg - X86_REG_XMM0;
         return true;
     }
+    if (reg >= X86_REG_YMM0 && reg <= X86_REG_YMM15) {
+        operand.type = Operand::Type::vector;
+        operand.size = 32;
+        operand.number = reg - X86_REG_YMM0;
+        return true;
+    }
     return false;
 }
 
@@ -161,6 +188,34 @@ bool setMemory(const x86_op_mem& mem, int size, Operand& operand) {
     return true;
 }
 
+// Three operands and more: the destination is only written, any alignment will do but for the moves
+// that name it, and a memory operand of whole vectors is as wide as these are.
+void classifyVex(Instruction& in) {
+    in.vex = true;
+    in.mnemonic.erase(0, 1);
+    auto it = vectorTable().find(in.mnemonic);
+    if (it == vectorTable().end()) it = vectorTable().find("v" + in.mnemonic);
+    if (it == vectorTable().end()) return;  // foreign
+    const VectorRow& row = *it->second;
+    in.kind = row.kind;
+    in.lanes = row.lanes;
+    for (const Operand& o : in.operands) in.width = std::max(in.width, o.size);
+    const bool half = row.kind == Kind::convert && row.lanes == Lanes::packed64;
+    const bool lane = row.bytes < 16 && !half && row.mnemonic != std::string_view("movddup");
+    // Of a whole vector into the half of another, or the lane into all.
+    const bool fixed = lane || in.mnemonic.ends_with("f128");
+    const bool perm2 = in.mnemonic == "perm2f128" || in.mnemonic == "permpd";
+    for (Operand& o : in.operands) {
+        if (o.type != Operand::Type::memory) continue;
+        o.size = perm2 ? 32 : fixed ? row.bytes : row.bytes * in.width / 16;
+        if (row.bytes == 0) in.kind = Kind::foreign;
+        in.aligned = row.aligned && in.mnemonic.starts_with("mova");
+    }
+    const Operand &a = in.operands[1], &b = in.operands[2];
+    in.clears = (in.mnemonic == "xorps" || in.mnemonic == "xorpd" || in.mnemonic == "pxor") &&
+                a.type == b.type && a.number == b.number;
+}
+
 // Kind, lanes and memory size of an instruction whose operands are set.
 void classify(Instruction& in, bool jump, bool call, bool ret) {
     const std::string& m = in.mnemonic;
@@ -172,6 +227,15 @@ void classify(Instruction& in, bool jump, bool call, bool ret) {
     }
     if (m == "endbr64") {
         in.kind = Kind::nop;
+        return;
+    }
+    if (m == "vzeroupper") {
+        in.kind = Kind::nop;
+        in.vex = true;
+        return;
+    }
+    if (usesVector && m[0] == 'v') {
+        classifyVex(in);
         return;
     }
     if (!usesVector) {
@@ -196,11 +260,11 @@ void classify(Instruction& in, bool jump, bool call, bool ret) {
     } else if (m == "movss" || m == "movsd") {
         in.mergesFirst = true;
     }
-    // A bit operation of a register with itself clears or copies: its old value does not matter.
     if ((m == "xorps" || m == "xorpd" || m == "pxor") &&
         in.operands[0].number == in.operands[1].number &&
         in.operands[1].type == Operand::Type::vector) {
         in.mergesFirst = false;
+        in.clears = true;
     }
 }
 

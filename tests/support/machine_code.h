@@ -33,7 +33,7 @@ enum class Kind {
 enum class Lanes { none, scalar32, scalar64, packed32, packed64, whole };
 
 // Registers are numbered as the instruction encoding does: rax, rcx, rdx, rbx, rsp, rbp, rsi, rdi,
-// r8 to r15; xmm0 to xmm15.
+// r8 to r15; xmm0 to xmm15, of which ymm0 to ymm15 are the whole.
 struct Operand {
     enum class Type { none, general, vector, immediate, memory };
     Type type = Type::none;
@@ -58,7 +58,10 @@ struct Instruction {
     bool sse3 = false;         // the one later instruction that some kernels may hold: movddup
     bool aligned = false;      // its memory operand must lie on a 16-byte boundary
     bool mergesFirst = false;  // lanes of the destination register survive
-    std::array<Operand, 3> operands;
+    bool clears = false;       // a register combined with itself: its old value does not matter
+    bool vex = false;          // of three operands; the mnemonic stands without its v
+    int width = 16;            // bytes of the vectors that it works on
+    std::array<Operand, 4> operands;
     int operandCount = 0;
 
     const Operand* memory() const;

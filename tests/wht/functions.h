@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "frame/families.h"
+#include "support/loaded_function.h"
 
 namespace orvgen::test {
 
@@ -36,17 +37,12 @@ struct OrderFunctions {
 template <class T>
 const std::vector<OrderFunctions<T>>& orderFunctions();
 
-// The twin where there is one. A template, so that the branch not taken names no function; programs
-// that link the shared library, which does not export the twins, ask for none.
+// The twin, where there is one; programs that link the archive ask for none.
 #ifdef ORVGEN_TEST_TWINS
-#define ORVGEN_TEST_TWIN(NAME, K, T)                             \
-    [](auto order) -> typename OrderFunctions<Orv##T>::Kernel* { \
-        if constexpr (order() >= firstTwinOrder)                 \
-            return &owng##NAME##_##K##_##T##_unaligned;          \
-        else                                                     \
-            return nullptr;                                      \
-    }                                                            \
-    (std::integral_constant<int, K>())
+#define ORVGEN_TEST_TWIN(NAME, K, T)                                                   \
+    (K) < firstTwinOrder ? nullptr                                                     \
+                         : reinterpret_cast<typename OrderFunctions<Orv##T>::Kernel*>( \
+                               loadedFunction("owng" #NAME "_" #K "_" #T "_unaligned"))
 #else
 #define ORVGEN_TEST_TWIN(NAME, K, T) nullptr
 #endif

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The machine code of the kernels, read back: gates and bodies, how the layers are cut into passes,
+// The machine code of the kernels, read back: how the layers are cut into passes,
 // what each step of a pass reads, writes and does, which moves and shuffles there are.
 #include <gtest/gtest.h>
 
@@ -7,90 +7,13 @@
 #include <map>
 #include <set>
 
-#include "support/data_table.h"
 #include "support/shape.h"
+#include "wht/kernel.h"
 
+namespace orvgen::test::wht {
 namespace {
 
-using namespace orvgen::test;
-
-const MachineCode& library() {
-    static const MachineCode code(ORVGEN_LIBRARY_FILE);
-    return code;
-}
-
-// One kernel by the tables.
-struct Kernel {
-    bool single;
-    long order;
-
-    long points() const { return 1L << order; }
-    long size() const { return single ? 4 : 8; }
-    long lanes() const { return single ? 4 : 2; }
-    std::string type() const { return single ? "f32" : "f64"; }
-    std::string name() const {
-        return "orvgWHT_" + std::to_string(order) + (single ? "_32f" : "_64f");
-    }
-    std::string twin() const { return "owng" + name().substr(4) + "_unaligned"; }
-
-    const DataRow& row(const std::string& table) const { return *find(table); }
-    const DataRow* find(const std::string& table) const {
-        for (const DataRow& r : dataTable(table).rows())
-            if (r.text("type") == type() && r.integer("order") == order) return &r;
-        return nullptr;
-    }
-    std::string kind() const { return row("wht_bodies").text("kind"); }
-    bool scalar() const { return kind() == "scalar"; }
-    bool hasTwin() const { return kind() == "twin"; }
-    std::vector<std::string> functions() const {
-        return hasTwin() ? std::vector{name(), twin()} : std::vector{name()};
-    }
-    bool passes() const { return find("wht_passes") != nullptr; }
-    long bufferBytes() const {
-        return dataTable("wht_buffer").row("order", order).integer(type() + "_bytes");
-    }
-};
-
-std::vector<Kernel> allKernels() {
-    std::vector<Kernel> list;
-    for (const bool single : {true, false})
-        for (long k = 1; k <= 13; ++k) list.push_back({single, k});
-    return list;
-}
-
 class Machine : public testing::TestWithParam<Kernel> {};
-
-TEST_P(Machine, GateAndBodies) {
-    const Kernel& k = GetParam();
-    KernelFacts facts;
-    facts.name = k.name();
-    facts.twin = k.hasTwin() ? k.twin() : "";
-    facts.twoBodies = k.kind() == "two_bodies";
-    facts.pointerStep = static_cast<int>(k.size());
-    facts.takesBuffer = k.passes();
-    ShapeRules& r = facts.rules;
-    r.srcBytes = r.dstBytes = k.points() * k.size();
-    r.bufferBytes = k.bufferBytes();
-    r.straight = !k.passes();
-    r.scalar = k.scalar();
-    if (k.scalar()) r.elementBytes = static_cast<int>(k.size());
-    r.movddup = !k.single && !k.scalar();
-    r.allReadsFirst = true;
-    facts.twinRules = r;
-    if (!k.scalar()) {
-        facts.rules.elementBytes = 16;
-        facts.twinRules.elementBytes = k.single ? 16 : 8;
-    }
-    for (const std::string& complaint : checkKernel(library(), facts)) ADD_FAILURE() << complaint;
-    EXPECT_EQ(library().has(k.twin()), k.hasTwin());
-    // The calls: of the allocator, where there is a buffer.
-    for (const std::string& name : k.functions()) {
-        const auto& code = library().function(name).instructions;
-        EXPECT_EQ(std::count_if(code.begin(), code.end(),
-                                [](const Instruction& i) { return i.kind == Kind::call; }),
-                  k.passes() ? 2 : 0);
-    }
-}
 
 // ---- The steps of the passes
 
@@ -374,3 +297,4 @@ INSTANTIATE_TEST_SUITE_P(Kernels, Machine, testing::ValuesIn(allKernels()),
                          [](const auto& p) { return p.param.name(); });
 
 }  // namespace
+}  // namespace orvgen::test::wht

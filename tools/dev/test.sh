@@ -79,7 +79,7 @@ chosen=("$@")
 if [[ $# -gt 0 && $1 != -* ]]; then
     takes 2 "$@"
     chosen=(-R "$1")
-    [[ -z $(names_of_tests -R "^$1(\.[0-9]+)?\$") ]] || chosen=(-R "^$1(\.[0-9]+)?\$")
+    [[ -z $(names_of_tests -R "^$1(\.v3)?(\.[0-9]+)?\$") ]] || chosen=(-R "^$1(\.v3)?(\.[0-9]+)?\$")
     [[ $# == 1 ]] || export GTEST_FILTER=$2
 fi
 [[ -n $(names_of_tests "${chosen[@]}") ]] || misused "no test for: $* (./dev test list)"

@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: MIT
+// The machine code of the build for x86-64-v3, instruction by instruction: no encoding of two
+// operands, which would wait for the upper half of its target; no fused multiply-add, which rounds
+// once where the contract rounds twice; nothing beyond the level; and upper halves are left clear.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "support/disassembly.h"
+
+namespace orvgen::test {
+namespace {
+
+using Sentences = std::vector<std::string>;
+
+bool contains(std::string_view text, std::string_view part) { return text.find(part) != text.npos; }
+
+// Fused multiply-adds, approximations, and sums within a vector, whose order is the processor's.
+bool isForbidden(std::string_view mnemonic) {
+    for (const char* start : {"vfm", "vfnm", "vrcp", "vrsqrt", "vdpp", "vhadd", "vhsub"})
+        if (mnemonic.starts_with(start)) return true;
+    return false;
+}
+
+// What 256-bit code without AVX-512 does not have.
+bool isOfAvx512(const std::string& operands) {
+    for (const char* mark : {"zmm", "{", "%k"})
+        if (contains(operands, mark)) return true;
+    for (std::size_t at = operands.find("mm"); at != operands.npos;
+         at = operands.find("mm", at + 2))
+        if (std::atoi(operands.c_str() + at + 2) > 15) return true;
+    return false;
+}
+
+// Reads a disassembly line by line and keeps, rule by rule, what breaks it.
+class Reader {
+  public:
+    explicit Reader(const std::vector<std::string>& lines) {
+        for (const std::string& line : lines) take(line);
+    }
+
+    Sentences unknown, legacy, forbidden, beyond, full;
+    std::size_t vectors = 0, kernels = 0;
+
+  private:
+    void take(const std::string& line) {
+        if (line.ends_with(">:")) {
+            name_ = line.substr(line.find('<') + 1);
+            name_.resize(name_.size() - 2);
+            kernels += name_.starts_with("orvg");
+            full_ = false;
+            return;
+        }
+        const std::size_t colon = line.find(":\t");
+        if (colon != line.npos) instruction(line.substr(colon + 2));
+    }
+
+    void instruction(const std::string& text) {
+        const std::string mnemonic = text.substr(0, text.find(' '));
+        const std::string operands = text.substr(mnemonic.size());
+        const auto complain = [&](Sentences& list) {
+            if (list.size() < 10) list.push_back(name_ + ": " + text);
+        };
+        const bool vector = contains(operands, "mm");
+        vectors += vector;
+        if (contains(text, "(bad)")) complain(unknown);
+        if (vector && !mnemonic.starts_with("v")) complain(legacy);
+        if (isForbidden(mnemonic)) complain(forbidden);
+        if (isOfAvx512(operands)) complain(beyond);
+
+        // Straight through, since a gate's early returns stand in front of the body or behind it.
+        if (mnemonic == "vzeroupper" || mnemonic == "vzeroall") full_ = false;
+        if (contains(operands, "ymm")) full_ = true;
+        const bool leaves = mnemonic.starts_with("ret") || mnemonic.starts_with("call") ||
+                            (mnemonic == "jmp" && !contains(operands, "<" + name_));
+        if (full_ && leaves) complain(full);
+    }
+
+    std::string name_;
+    bool full_ = false;
+};
+
+const Reader& library() {
+    static const Reader reader(disassembly(ORVGEN_SECOND_BUILD));
+    return reader;
+}
+
+TEST(SecondBuild, CanBeRead) {
+    EXPECT_EQ(library().unknown, Sentences{});
+    EXPECT_GE(library().kernels, 1193U);
+    EXPECT_GT(library().vectors, 300000U);
+}
+
+TEST(SecondBuild, HasNoInstructionOfTwoOperands) { EXPECT_EQ(library().legacy, Sentences{}); }
+
+TEST(SecondBuild, HasNoFusedMultiplyAddAndNoApproximation) {
+    EXPECT_EQ(library().forbidden, Sentences{});
+}
+
+TEST(SecondBuild, StaysWithinItsLevel) { EXPECT_EQ(library().beyond, Sentences{}); }
+
+TEST(SecondBuild, ClearsTheUpperHalvesBeforeItReturnsOrCalls) {
+    EXPECT_EQ(library().full, Sentences{});
+}
+
+// The reader sees what it is to see.
+TEST(SecondBuild, IsReadWithOpenEyes) {
+    const Reader reader(
+        {"0000000000001000 <orvgOne>:", "  1000:\taddps  %xmm1,%xmm2",
+         "  1003:\tvfmadd231ps %xmm1,%xmm2,%xmm3", "  1008:\tvaddps %zmm1,%zmm2,%zmm3",
+         "  100e:\tvaddps %xmm1,%xmm2,%xmm23", "  1014:\t(bad)",
+         "0000000000001020 <orvgTwo>:", "  1020:\tvaddps %ymm1,%ymm2,%ymm3",
+         "  1024:\tjmp    1020 <orvgTwo>", "  1026:\tcall   2000 <orvFree@plt>",
+         "  102b:\tjmp    1000 <orvgOne>", "  1030:\tret", "  1031:\tvzeroupper", "  1034:\tret"});
+    EXPECT_EQ(reader.legacy.size(), 1U);
+    EXPECT_EQ(reader.forbidden.size(), 1U);
+    EXPECT_EQ(reader.beyond.size(), 2U);
+    EXPECT_EQ(reader.unknown.size(), 1U);
+    EXPECT_EQ(reader.full.size(), 3U);
+    EXPECT_EQ(reader.kernels, 2U);
+}
+
+}  // namespace
+}  // namespace orvgen::test

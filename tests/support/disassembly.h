@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+// A file's machine code as binutils disassemble it, which know every instruction.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace orvgen::test {
+
+// The lines of objdump -d, without blanks at their ends: "0000000000001000 <name>:" in front of
+// each function, "  1000:\tvaddps %ymm1,%ymm2,%ymm3" for each instruction. Throws where objdump
+// fails.
+std::vector<std::string> disassembly(const std::string& file);
+
+}  // namespace orvgen::test
