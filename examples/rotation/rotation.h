@@ -1,17 +1,13 @@
 // SPDX-License-Identifier: MIT
-// Turning vectors without a matrix: signs, then a Walsh-Hadamard and a Hartley transform.
-//
-// A vector of 2^k m elements, m odd, is seen as m rows of 2^k. Each step is orthogonal: a fixed
-// pseudo-random sign for each element, the Walsh-Hadamard transform of each row, the Hartley
-// transform of each column. So lengths and angles stay, while what stood out in single elements is
-// spread over all of them.
+// The frozen rotation (src/rotation) of vectors that stand one behind the other.
 
 #ifndef ROTATION_ROTATION_H
 #define ROTATION_ROTATION_H
 
 #include <cstddef>
-#include <cstdint>
 #include <vector>
+
+#include "rotation/rotation.h"
 
 class Rotation {
   public:
@@ -23,11 +19,11 @@ class Rotation {
     void apply(float* vectors, std::size_t count) const;
 
     int size() const { return static_cast<int>(signs_.size()); }
-    int order() const { return order_; }  // k
-    int odd() const { return odd_; }      // m
+    int order() const { return shape_.order; }
+    int odd() const { return shape_.odd; }
 
   private:
-    int order_ = 0, odd_ = 0;
+    orvgen::rotation::Shape shape_;
     std::vector<float> signs_;
 };
 

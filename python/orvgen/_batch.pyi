@@ -1,0 +1,18 @@
+from typing import Dict
+
+import numpy as np
+
+fft: np.ufunc
+ifft: np.ufunc
+rfft: np.ufunc
+irfft: np.ufunc
+hfft: np.ufunc
+ihfft: np.ufunc
+dht: np.ufunc
+wht: np.ufunc
+dct4: np.ufunc
+rotate: np.ufunc
+
+def targets() -> int: ...
+def use(target: int) -> None: ...
+def libraries() -> Dict[str, str]: ...

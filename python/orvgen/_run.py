@@ -1,0 +1,164 @@
+# SPDX-License-Identifier: MIT
+"""From arrays to ufuncs: types, lengths, shapes and layout of the results."""
+
+from __future__ import annotations
+
+from operator import index
+from typing import Any, List, Optional, Sequence, Tuple
+
+import numpy as np
+
+from ._kinds import FROM_HALF, Kind
+from ._threads import count_of_workers, split
+
+_asarray, _empty, _ndarray = np.asarray, np.empty, np.ndarray
+
+
+def run(
+    kind: Kind,
+    a: Any,
+    n: Optional[int],
+    axis: int,
+    norm: Optional[str],
+    out: Optional[np.ndarray],
+    workers: Optional[int],
+) -> np.ndarray:
+    """One transform along one axis."""
+    x = _asarray(a)
+    dtype = kind.types.get(x.dtype)
+    if dtype is None:
+        x = converted(kind, x)
+        dtype = kind.types[x.dtype]
+    shape = x.shape
+    try:
+        have = shape[axis]
+    except (IndexError, TypeError):
+        axis = checked_axis(kind, axis, x.ndim)
+        have = shape[axis]
+    n = kind.default(have) if n is None else index(n)
+    try:
+        task, m = kind.tasks[n, norm]
+    except (KeyError, TypeError):
+        task, m = kind.task(n, norm)
+    last = axis == -1 or axis == len(shape) - 1
+    if m != have:
+        shape = (*shape[:-1], m) if last else replaced(shape, axis, m)
+    if out is None:
+        out = y = _empty(shape, dtype) if x.flags.c_contiguous else empty_alike(x, shape, dtype)
+    else:
+        y = checked_out(kind, out, shape, dtype)
+    if workers is not None and workers != 1:
+        split(kind.ufunc, x, task, y, axis % x.ndim, count_of_workers(workers))
+    elif last:
+        kind.ufunc(x, task, y)
+    else:
+        kind.ufunc(x, task, y, axes=[(axis,), (), (axis,)])
+    return out
+
+
+def replaced(shape: Sequence[int], axis: int, m: int) -> Tuple[int, ...]:
+    changed = list(shape)
+    changed[axis] = m
+    return tuple(changed)
+
+
+def converted(kind: Kind, x: np.ndarray) -> np.ndarray:
+    """To a type that the transform has, as SciPy converts: float16 to float32, what is neither real
+    nor complex to float64, real to complex where a spectrum is wanted."""
+    dtype = x.dtype.newbyteorder("=")
+    if dtype.char in "gG":
+        raise TypeError(f"{kind.name}: no transform of long doubles; convert them to float64")
+    if dtype.char == "e":
+        dtype = np.dtype(np.float32)
+    elif dtype.kind not in "fc":
+        dtype = np.dtype(np.float64)
+    if kind.types is FROM_HALF and dtype.kind == "f":
+        dtype = np.result_type(dtype, np.complex64)
+    if dtype not in kind.types:
+        raise TypeError(f"{kind.name}: the data must be real, not {x.dtype}")
+    return x.astype(dtype)
+
+
+def checked_axis(kind: Kind, axis: Any, ndim: int) -> int:
+    axis = index(axis)
+    if ndim == 0:
+        raise ValueError(f"{kind.name}: a scalar has no axis to transform")
+    if not -ndim <= axis < ndim:
+        raise ValueError(f"{kind.name}: axis {axis} of an array with {ndim} axes")
+    return axis
+
+
+def checked_out(
+    kind: Kind, out: Any, shape: Tuple[int, ...], dtype: np.dtype
+) -> np.ndarray:
+    """The result's place as a plain array."""
+    if not isinstance(out, _ndarray):
+        raise TypeError(f"{kind.name}: out must be an array, not {type(out).__name__}")
+    if out.shape != shape or out.dtype != dtype:
+        raise ValueError(
+            f"{kind.name}: out must be of shape {shape} and type {dtype}, "
+            f"not {out.shape} and {out.dtype}"
+        )
+    if not out.flags.writeable:
+        raise ValueError(f"{kind.name}: out is read-only")
+    return out.view(_ndarray)
+
+
+def empty_alike(x: np.ndarray, shape: Tuple[int, ...], dtype: np.dtype) -> np.ndarray:
+    """An empty array whose axes lie in memory in the order of x's: columns stay columns."""
+    if 0 in x.strides:
+        return _empty(shape, dtype)
+    axes = sorted(range(x.ndim), key=lambda i: -abs(x.strides[i]))
+    memory = _empty([shape[i] for i in axes], dtype)
+    return memory.transpose(np.argsort(axes))
+
+
+def axes_of(
+    name: str, x: np.ndarray, s: Optional[Sequence[int]], axes: Optional[Sequence[int]]
+) -> Tuple[List[int], List[Optional[int]]]:
+    """The axes of an n-dimensional transform, and the length along each, None where it is the
+    array's own."""
+    lengths = None if s is None else [index(n) for n in np.atleast_1d(np.asarray(s)).tolist()]
+    if axes is None:
+        chosen = list(range(x.ndim))
+        if lengths is not None:
+            if len(lengths) > x.ndim:
+                raise ValueError(f"{name}: s has more lengths than the array has axes")
+            chosen = chosen[x.ndim - len(lengths) :]
+    else:
+        chosen = []
+        for axis in np.atleast_1d(np.asarray(axes)).tolist():
+            axis = index(axis)
+            if not -x.ndim <= axis < x.ndim:
+                raise ValueError(f"{name}: axis {axis} of an array with {x.ndim} axes")
+            chosen.append(axis % x.ndim)
+        if len(set(chosen)) != len(chosen):
+            raise ValueError(f"{name}: all axes must be unique")
+    if lengths is None:
+        return chosen, [None] * len(chosen)
+    if len(lengths) != len(chosen):
+        raise ValueError(f"{name}: s and axes must have the same length")
+    return chosen, [None if n == -1 else n for n in lengths]
+
+
+def run_axes(
+    steps: Sequence[Tuple[Kind, int, Optional[int]]],
+    a: Any,
+    norm: Optional[str],
+    out: Optional[np.ndarray],
+    workers: Optional[int],
+) -> np.ndarray:
+    """Transforms along several axes, one after the other: (kind, axis, n) each."""
+    x = _asarray(a)
+    spare: Optional[np.ndarray] = None
+    for number, (kind, axis, n) in enumerate(steps):
+        place = out if number == len(steps) - 1 else None
+        if place is None and spare is not None:
+            m = kind.result(kind.default(x.shape[axis]) if n is None else index(n))
+            if spare.shape == replaced(x.shape, axis, m) and spare.dtype == kind.types[x.dtype]:
+                place = spare
+        result = run(kind, x, n, axis, norm, place, workers)
+        # What this step has read is the next but one's place, unless it is the caller's.
+        spare = x if number > 0 else None
+        x = result
+    return x

@@ -1,0 +1,88 @@
+# SPDX-License-Identifier: MIT
+"""Several threads for one call: the array is cut along an axis that is not transformed."""
+
+from __future__ import annotations
+
+import os
+import threading
+from concurrent.futures import ThreadPoolExecutor, wait
+from operator import index
+from typing import Any, Optional
+
+import numpy as np
+
+# Fewer elements than this are transformed before a second thread has begun.
+_WORTH = 1 << 14
+
+_lock = threading.Lock()
+_pool: Optional[ThreadPoolExecutor] = None
+_size = 0
+
+
+def count_of_workers(workers: int) -> int:
+    """Negative numbers count from the number of processors: -1 is all of them."""
+    count, processors = index(workers), os.cpu_count() or 1
+    if count < 0:
+        count += 1 + processors
+    if count < 1:
+        raise ValueError(
+            f"workers is {workers}; possible are 1 and more, or -{processors} to -1 for all "
+            f"of {processors} processors but some"
+        )
+    return count
+
+
+def _pool_of(size: int) -> ThreadPoolExecutor:
+    """The threads are kept, and with them their plans."""
+    global _pool, _size
+    with _lock:
+        if _pool is None or _size < size:
+            # A smaller one ends by itself, when those who use it have done.
+            _pool, _size = ThreadPoolExecutor(size, thread_name_prefix="orvgen"), size
+        return _pool
+
+
+def _forget() -> None:
+    """A child of fork has none of the threads, and perhaps a lock that nobody will open."""
+    global _pool, _size, _lock
+    _pool, _size, _lock = None, 0, threading.Lock()
+
+
+os.register_at_fork(after_in_child=_forget)
+
+
+def _crosses(x: np.ndarray, y: np.ndarray) -> bool:
+    """Whether a part of y may lie on another part of x."""
+    if not np.may_share_memory(x, y):
+        return False
+    same = x.__array_interface__["data"] == y.__array_interface__["data"]
+    return not (same and x.strides == y.strides and x.shape == y.shape)
+
+
+def split(
+    ufunc: Any, x: np.ndarray, task: np.ndarray, y: np.ndarray, axis: int, workers: int
+) -> None:
+    """y = ufunc(x, task) along the axis, in up to so many threads, of which this is one."""
+    axes = [(axis,), (), (axis,)]
+    cut, parts = -1, 1
+    if workers > 1 and x.size >= _WORTH and not _crosses(x, y):
+        outer = [i for i in range(x.ndim) if i != axis]
+        cut = max(outer, key=lambda i: (x.shape[i] >= 4 * workers, abs(y.strides[i])), default=-1)
+        parts = min(workers, x.shape[cut]) if cut >= 0 else 1
+    if parts < 2:
+        ufunc(x, task, y, axes=axes)
+        return
+    whole: list = [slice(None)] * x.ndim
+    pieces = []
+    for part in range(parts):
+        begin, end = (x.shape[cut] * p // parts for p in (part, part + 1))
+        whole[cut] = slice(begin, end)
+        pieces.append((x[tuple(whole)], task, y[tuple(whole)]))
+    pool = _pool_of(parts - 1)
+    futures = [pool.submit(ufunc, *piece, axes=axes) for piece in pieces[1:]]
+    try:
+        ufunc(*pieces[0], axes=axes)
+    finally:
+        wait(futures)
+    for future in futures:
+        future.result()
