@@ -60,7 +60,8 @@ errs() { grep -q -e "$1" "$copy/err" || problem "not said: $1"; }
 
 # Wrong calls.
 for arguments in nonsense lib ../dev "setup" "setup nonsense" "setup build nonsense" "audit x" "package x" "tidy x" \
-    "accuracy x" "digests x" "figures x" "format x" "format --check x" "help nonsense" "help test x" "test list x" "which a b" "which nothing" \
+    "accuracy x" "digests x" "figures x" "faults nonsense" "faults list x" "format x" "format --check x" "help nonsense" "help test x" \
+    "test list x" "which a b" "which nothing" \
     "test a b c" "test nothing" "test -R nothing" "show"; do
     read -ra words <<<"$arguments"
     gives 2 "${words[@]}"
