@@ -34,10 +34,8 @@
  * in bytes. Any other overlap of src and dst is undefined.
  * Special values, rounding, exceptions. As in orvgen.h: the caller's rounding mode, masks, and
  * settings for denormal numbers stay in force, and the five IEEE flags raised are those that the
- * single calls raise together. (But for complex transforms in binary32 of a prime length from 7 on:
- * the single kernels may raise invalid, at 59 also overflow, in lanes that no result depends on,
- * which wide vectors do not have.) Left open are the payloads of NaN, the denormal-operand flag,
- * and what dst holds after a trap.
+ * single calls raise together. Left open are the payloads of NaN, the denormal-operand flag, and
+ * what dst holds after a trap.
  * Threads. Every function may be called from any number of threads at once, as long as no two calls
  * write to the same memory. Nothing is allocated; a call takes at most 256 KiB of stack.
  */

@@ -2,6 +2,8 @@
 // The batches in 512-bit vectors. Compiled for processors that have them: nothing of this is called
 // before targets.cpp has asked, and nothing of it is shared with code for other processors, so that
 // all stands in a namespace of its own.
+#include <limits>
+
 #include "batch/lanes_avx512.h"
 #include "batch/targets.h"
 #include "frame/families.h"

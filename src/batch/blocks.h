@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The walk over a batch, a block of as many transforms as a vector has lanes at a time. Included by
-// the file of each target, in its namespace, behind layout.h; kernelOf is the target's own.
+// The walk over a batch, in blocks of as many transforms as a vector has lanes. Included by the
+// file of each target, in its namespace, behind layout.h; kernelOf is the target's own.
 
 // The longest transform in slots: 64 complex elements, or 33 bins.
 constexpr int kSlots = 128;
+// Short blocks pass through the scratch in groups that take no more of it than this, so that what a
+// block costs beside its work is paid once for many.
+constexpr int kGroupBytes = 4096;
 
 template <class R>
 void copySlot(R* slots, int from, int to) {
@@ -57,56 +60,91 @@ class Blocks {
     explicit Blocks(const Task<R>& task)
         : task_(task),
           kernel_(kernelOf<R>(task.kind, task.n)),
-          srcPath_(pathOf(task.src, task.srcLayout)),
-          dstPath_(pathOf(task.dst, task.dstLayout)) {}
+          src_(task.src, task.srcLayout, task.n),
+          dst_(task.dst, task.dstLayout, task.n),
+          sameSlots_(task.srcLayout == task.dstLayout) {
+        if (src_.path == Path::PairedColumns && dst_.path == Path::PairedColumns)
+            src_.inOrder = dst_.inOrder = false;
+        // The half spectrum has a slot or two more in the scratch than packed.
+        srcBlock_ = (src_.slots + (isPacked(task.srcLayout) ? 2 : 0)) * kSlotBytes;
+        dstBlock_ = (dst_.slots + (isPacked(task.dstLayout) ? 2 : 0)) * kSlotBytes;
+    }
 
     std::size_t run() {
-        return walkBlocks<R>(task_.count, worthwhile<R>(task_.kind),
-                             [&](const Block<R>& b) { block(b); });
+        const bool direct = src_.path == Path::Direct && dst_.path == Path::Direct;
+        const std::ptrdiff_t larger = srcBlock_ > dstBlock_ ? srcBlock_ : dstBlock_;
+        const std::size_t most = direct                  ? std::numeric_limits<int>::max()
+                                 : larger >= kGroupBytes ? 1
+                                                         : std::size_t(kGroupBytes / larger);
+        return walkGroups<R>(task_.count, worthwhile<R>(task_.kind), most,
+                             [&](const Group<R>& g) { group(g); });
     }
 
   private:
     static constexpr int lanes = Vectors<R>::lanes;
+    static constexpr std::ptrdiff_t kSlotBytes = lanes * sizeof(R);
 
-    // Where a block begins; null stays null.
+    // A side of a kernel's call.
     template <class T>
-    static T* place(T* p, const Array<T>& a, const Block<R>& b) {
-        return p == nullptr ? nullptr : p + b.first * a.distance;
+    struct Side {
+        T *re, *im;
+        std::ptrdiff_t step, block;  // in bytes
+    };
+    template <class T>
+    static Side<T> inPlace(const Array<T>& a, std::ptrdiff_t first) {
+        return {a.re + first, a.im == nullptr ? nullptr : a.im + first,
+                a.stride * static_cast<std::ptrdiff_t>(sizeof(R)), kSlotBytes};
+    }
+    static Side<R> inScratch(R* slots, bool pairs, std::ptrdiff_t block) {
+        return {slots, slots + lanes, pairs ? 2 * kSlotBytes : kSlotBytes, block};
     }
 
-    void block(const Block<R>& b) {
-        alignas(64) R in[kSlots * lanes], out[kSlots * lanes];
-        const bool complete = b.valid == lanes;
-        constexpr std::ptrdiff_t slot = lanes * sizeof(R);
-
-        const R *srcRe = in, *srcIm = in + lanes;
-        std::ptrdiff_t srcStep = task_.srcLayout == Layout::Real ? slot : 2 * slot;
-        if (srcPath_ == Path::Direct && complete) {
-            srcRe = place(task_.src.re, task_.src, b);
-            srcIm = place(task_.src.im, task_.src, b);
-            srcStep = task_.src.stride * static_cast<std::ptrdiff_t>(sizeof(R));
-        } else {
-            const int first = firstSlot(task_.srcLayout, task_.n);
-            gather(srcPath_, task_.src, task_.srcLayout, task_.n, b, in + first * lanes);
-            unpackSlots(in, task_.srcLayout, task_.n);
-        }
-
-        if (dstPath_ == Path::Direct && complete) {
-            kernel_(srcRe, srcIm, srcStep, place(task_.dst.re, task_.dst, b),
-                    place(task_.dst.im, task_.dst, b),
-                    task_.dst.stride * static_cast<std::ptrdiff_t>(sizeof(R)), task_.scale);
-            return;
-        }
+    void group(const Group<R>& g) {
+        // The two do not stand a multiple of a page apart: a load would seem to want what a store
+        // has just written in the other.
+        struct Scratch {
+            alignas(64) R in[kSlots * lanes];
+            alignas(64) R between[8 * lanes];
+            alignas(64) R out[kSlots * lanes];
+        } scratch;
         // Where both sides have the same slots, one scratch is less memory to run through.
-        R* results = task_.srcLayout == task_.dstLayout ? in : out;
-        kernel_(srcRe, srcIm, srcStep, results, results + lanes,
-                task_.dstLayout == Layout::Real ? slot : 2 * slot, task_.scale);
-        packSlots(results, task_.dstLayout, task_.n);
-        scatter(dstPath_, results + firstSlot(task_.dstLayout, task_.n) * lanes, task_.dstLayout,
-                task_.n, b, task_.dst);
+        R* const results = sameSlots_ ? scratch.in : scratch.out;
+        const bool takesSrc = src_.path == Path::Direct && g.isComplete();
+        const bool takesDst = dst_.path == Path::Direct && g.isComplete();
+        if (!takesSrc)
+            for (int i = 0; i < g.blocks; ++i) fetch(g.block(i), at(scratch.in, i * srcBlock_));
+        Side<const R> src;
+        if (takesSrc) {
+            src = inPlace(task_.src, g.first);
+        } else {
+            const Side<R> in = inScratch(scratch.in, task_.srcLayout != Layout::Real, srcBlock_);
+            src = {in.re, in.im, in.step, in.block};
+        }
+        const Side<R> dst = takesDst
+                                ? inPlace(task_.dst, g.first)
+                                : inScratch(results, task_.dstLayout != Layout::Real, dstBlock_);
+        kernel_(src.re, src.im, src.step, dst.re, dst.im, dst.step, task_.scale,
+                static_cast<std::size_t>(g.blocks), src.block, dst.block);
+        if (!takesDst)
+            for (int i = 0; i < g.blocks; ++i) bring(at(results, i * dstBlock_), g.block(i));
+    }
+
+    static R* at(R* scratch, std::ptrdiff_t bytes) {
+        return scratch + bytes / static_cast<std::ptrdiff_t>(sizeof(R));
+    }
+    void fetch(const Block<R>& b, R* slots) {
+        gather(task_.src, src_, b, slots + firstSlot(task_.srcLayout, task_.n) * lanes);
+        unpackSlots(slots, task_.srcLayout, task_.n);
+    }
+    void bring(R* slots, const Block<R>& b) {
+        packSlots(slots, task_.dstLayout, task_.n);
+        scatter(static_cast<const R*>(slots) + firstSlot(task_.dstLayout, task_.n) * lanes, dst_, b,
+                task_.dst);
     }
 
     const Task<R>& task_;
     BlockKernel<R>* kernel_;
-    Path srcPath_, dstPath_;
+    Form src_, dst_;
+    std::ptrdiff_t srcBlock_ = 0, dstBlock_ = 0;  // bytes of a block in the scratch
+    bool sameSlots_;
 };

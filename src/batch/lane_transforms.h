@@ -68,22 +68,22 @@ void whtInLanes(const R* src, std::ptrdiff_t srcStep, R* dst, std::ptrdiff_t dst
 template <class R, class AnyTask, class Kernel>
 std::size_t runInLanes(const AnyTask& task, int n, R* slots, const Kernel& kernel) {
     constexpr int lanes = Vectors<R>::lanes;
-    const Path srcPath = pathOf(task.src, Layout::Real), dstPath = pathOf(task.dst, Layout::Real);
-    return walkBlocks<R>(task.count, lanes / 2 + 1, [&](const Block<R>& b) {
-        const bool complete = b.valid == lanes;
+    const Form srcForm(task.src, Layout::Real, n), dstForm(task.dst, Layout::Real, n);
+    return walkGroups<R>(task.count, lanes / 2 + 1, 1, [&](const Group<R>& g) {
+        const Block<R> b = g.block(0);
         const R* src = slots;
         std::ptrdiff_t srcStep = lanes;
-        if (srcPath == Path::Direct && complete) {
+        if (srcForm.path == Path::Direct && g.isComplete()) {
             src = task.src.re + b.first;
             srcStep = task.src.stride;
         } else {
-            gather(srcPath, task.src, Layout::Real, n, b, slots);
+            gather(task.src, srcForm, b, slots);
         }
-        if (dstPath == Path::Direct && complete) {
+        if (dstForm.path == Path::Direct && g.isComplete()) {
             kernel(src, srcStep, task.dst.re + b.first, task.dst.stride);
         } else {
             kernel(src, srcStep, slots, std::ptrdiff_t{lanes});
-            scatter(dstPath, static_cast<const R*>(slots), Layout::Real, n, b, task.dst);
+            scatter(static_cast<const R*>(slots), dstForm, b, task.dst);
         }
     });
 }

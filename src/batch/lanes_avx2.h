@@ -19,42 +19,125 @@ struct Vectors;
 template <>
 struct Vectors<float> {
     using V = __m256;
-    static constexpr int lanes = 8;    // transforms in a block
-    static constexpr int columns = 4;  // elements in 16 bytes
-    static constexpr int parts = 2;    // of 16 bytes
+    static constexpr int lanes = 8;  // transforms in a block
 
     static V load(const float* p) { return _mm256_loadu_ps(p); }
     static void store(float* p, V v) { _mm256_storeu_ps(p, v); }
     static V zero() { return _mm256_setzero_ps(); }
     static V spread(float x) { return _mm256_set1_ps(x); }
-    // 16 bytes from the place of each part; one part to its place.
-    template <class Place>
-    static V loadParts(const Place& place) {
-        return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(place(Index<0>{}))),
-                                    _mm_loadu_ps(place(Index<1>{})), 1);
+
+    // 8 x 8 numbers: rows become columns.
+    ORVGEN_DCT4_INLINE static void transpose(V (&v)[8]) {
+        __m256d u[8];
+        transposeParts(v, u);
+        transposeParts(v + 4, u + 4);
+        unroll<4>([&](auto c) ORVGEN_DCT4_INLINE_LAMBDA {
+            v[c] = _mm256_castpd_ps(_mm256_permute2f128_pd(u[c], u[4 + c], 0x20));
+            v[4 + c] = _mm256_castpd_ps(_mm256_permute2f128_pd(u[c], u[4 + c], 0x31));
+        });
     }
-    template <int part>
-    static void storePart(float* p, V v, Index<part>) {
-        _mm_storeu_ps(p, _mm256_extractf128_ps(v, part));
-    }
-    // columns x columns elements change places in every part.
-    static void transposeParts(V (&v)[4]) {
+    // The same of 4 x 4 numbers in each 16-byte part of four vectors.
+    ORVGEN_DCT4_INLINE static void transposeParts(const V* v, __m256d* u) {
         const __m256d a = _mm256_castps_pd(_mm256_unpacklo_ps(v[0], v[1]));
         const __m256d b = _mm256_castps_pd(_mm256_unpackhi_ps(v[0], v[1]));
         const __m256d c = _mm256_castps_pd(_mm256_unpacklo_ps(v[2], v[3]));
         const __m256d d = _mm256_castps_pd(_mm256_unpackhi_ps(v[2], v[3]));
-        v[0] = _mm256_castpd_ps(_mm256_unpacklo_pd(a, c));
-        v[1] = _mm256_castpd_ps(_mm256_unpackhi_pd(a, c));
-        v[2] = _mm256_castpd_ps(_mm256_unpacklo_pd(b, d));
-        v[3] = _mm256_castpd_ps(_mm256_unpackhi_pd(b, d));
+        u[0] = _mm256_unpacklo_pd(a, c);
+        u[1] = _mm256_unpackhi_pd(a, c);
+        u[2] = _mm256_unpacklo_pd(b, d);
+        u[3] = _mm256_unpackhi_pd(b, d);
     }
-    // Pairs of `lanes` transforms side by side, as real and imaginary parts, and back.
-    static void splitPairs(V low, V high, V& re, V& im) {
-        const V r = _mm256_shuffle_ps(low, high, 0x88), i = _mm256_shuffle_ps(low, high, 0xdd);
-        re = _mm256_castpd_ps(_mm256_permute4x64_pd(_mm256_castps_pd(r), 0xd8));
-        im = _mm256_castpd_ps(_mm256_permute4x64_pd(_mm256_castps_pd(i), 0xd8));
+
+    // The first columns of all rows as slots; row(Index<l>) is where row l begins.
+    template <class Row>
+    ORVGEN_DCT4_INLINE static void toSlots(Index<8>, const Row& row, float* to) {
+        V v[8];
+        unroll<8>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA { v[l] = load(row(l)); });
+        transpose(v);
+        unroll<8>([&](auto c) ORVGEN_DCT4_INLINE_LAMBDA { store(to + c * 8, v[c]); });
     }
-    static void joinPairs(V re, V im, V& low, V& high) {
+    template <class Row>
+    ORVGEN_DCT4_INLINE static void toSlots(Index<4>, const Row& row, float* to) {
+        V v[4];
+        __m256d u[4];
+        unroll<4>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            v[l] = _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(row(l))),
+                                        _mm_loadu_ps(row(Index<l + 4>{})), 1);
+        });
+        transposeParts(v, u);
+        unroll<4>([&](auto c)
+                      ORVGEN_DCT4_INLINE_LAMBDA { store(to + c * 8, _mm256_castpd_ps(u[c])); });
+    }
+    template <class Row>
+    ORVGEN_DCT4_INLINE static void toSlots(Index<2>, const Row& row, float* to) {
+        const auto four = [&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            const __m128 low = pairs(row(l), row(Index<l + 1>{}));
+            const __m128 high = pairs(row(Index<l + 4>{}), row(Index<l + 5>{}));
+            return _mm256_insertf128_ps(_mm256_castps128_ps256(low), high, 1);
+        };
+        const V a = four(Index<0>{}), b = four(Index<2>{});
+        store(to, _mm256_shuffle_ps(a, b, 0x88));
+        store(to + 8, _mm256_shuffle_ps(a, b, 0xdd));
+    }
+    ORVGEN_DCT4_INLINE static __m128 pairs(const float* p, const float* q) {
+        const __m128 low = _mm_loadl_pi(_mm_setzero_ps(), reinterpret_cast<const __m64*>(p));
+        return _mm_loadh_pi(low, reinterpret_cast<const __m64*>(q));
+    }
+
+    // Slots as the first columns of all rows: put(Index<l>, write) calls write(p) with the place of
+    // row l, if there is such a row.
+    template <class Put>
+    ORVGEN_DCT4_INLINE static void fromSlots(Index<8>, const float* from, const Put& put) {
+        V v[8];
+        unroll<8>([&](auto c) ORVGEN_DCT4_INLINE_LAMBDA { v[c] = load(from + c * 8); });
+        transpose(v);
+        unroll<8>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            put(l, [&](float* p) ORVGEN_DCT4_INLINE_LAMBDA { store(p, v[l]); });
+        });
+    }
+    template <class Put>
+    ORVGEN_DCT4_INLINE static void fromSlots(Index<4>, const float* from, const Put& put) {
+        V v[4];
+        __m256d u[4];
+        unroll<4>([&](auto c) ORVGEN_DCT4_INLINE_LAMBDA { v[c] = load(from + c * 8); });
+        transposeParts(v, u);
+        unroll<8>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            put(l, [&](float* p) ORVGEN_DCT4_INLINE_LAMBDA {
+                _mm_storeu_ps(p, _mm256_extractf128_ps(_mm256_castpd_ps(u[l % 4]), l / 4));
+            });
+        });
+    }
+    template <class Put>
+    ORVGEN_DCT4_INLINE static void fromSlots(Index<2>, const float* from, const Put& put) {
+        const V x = load(from), y = load(from + 8);
+        const V v[2] = {_mm256_unpacklo_ps(x, y), _mm256_unpackhi_ps(x, y)};
+        unroll<8>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            put(l, [&](float* p) ORVGEN_DCT4_INLINE_LAMBDA {
+                const __m128 two = _mm256_extractf128_ps(v[l / 2 % 2], l / 4);
+                if constexpr (l % 2 == 0)
+                    _mm_storel_pi(reinterpret_cast<__m64*>(p), two);
+                else
+                    _mm_storeh_pi(reinterpret_cast<__m64*>(p), two);
+            });
+        });
+    }
+
+    // Pairs of `lanes` transforms side by side, as real and imaginary parts, and back. In any
+    // order: the transforms change places, and joining them puts them back.
+    ORVGEN_DCT4_INLINE static void splitPairsInAnyOrder(V low, V high, V& re, V& im) {
+        re = _mm256_shuffle_ps(low, high, 0x88);
+        im = _mm256_shuffle_ps(low, high, 0xdd);
+    }
+    ORVGEN_DCT4_INLINE static void joinPairsInAnyOrder(V re, V im, V& low, V& high) {
+        low = _mm256_unpacklo_ps(re, im);
+        high = _mm256_unpackhi_ps(re, im);
+    }
+    ORVGEN_DCT4_INLINE static void splitPairs(V low, V high, V& re, V& im) {
+        splitPairsInAnyOrder(low, high, re, im);
+        re = _mm256_castpd_ps(_mm256_permute4x64_pd(_mm256_castps_pd(re), 0xd8));
+        im = _mm256_castpd_ps(_mm256_permute4x64_pd(_mm256_castps_pd(im), 0xd8));
+    }
+    ORVGEN_DCT4_INLINE static void joinPairs(V re, V im, V& low, V& high) {
         const V a = _mm256_unpacklo_ps(re, im), b = _mm256_unpackhi_ps(re, im);
         low = _mm256_permute2f128_ps(a, b, 0x20);
         high = _mm256_permute2f128_ps(a, b, 0x31);
@@ -65,32 +148,70 @@ template <>
 struct Vectors<double> {
     using V = __m256d;
     static constexpr int lanes = 4;
-    static constexpr int columns = 2;
-    static constexpr int parts = 2;
 
     static V load(const double* p) { return _mm256_loadu_pd(p); }
     static void store(double* p, V v) { _mm256_storeu_pd(p, v); }
     static V zero() { return _mm256_setzero_pd(); }
     static V spread(double x) { return _mm256_set1_pd(x); }
-    template <class Place>
-    static V loadParts(const Place& place) {
-        return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_loadu_pd(place(Index<0>{}))),
-                                    _mm_loadu_pd(place(Index<1>{})), 1);
+
+    ORVGEN_DCT4_INLINE static void transpose(V (&v)[4]) {
+        const V a = _mm256_unpacklo_pd(v[0], v[1]), b = _mm256_unpackhi_pd(v[0], v[1]);
+        const V c = _mm256_unpacklo_pd(v[2], v[3]), d = _mm256_unpackhi_pd(v[2], v[3]);
+        v[0] = _mm256_permute2f128_pd(a, c, 0x20);
+        v[1] = _mm256_permute2f128_pd(b, d, 0x20);
+        v[2] = _mm256_permute2f128_pd(a, c, 0x31);
+        v[3] = _mm256_permute2f128_pd(b, d, 0x31);
     }
-    template <int part>
-    static void storePart(double* p, V v, Index<part>) {
-        _mm_storeu_pd(p, _mm256_extractf128_pd(v, part));
+
+    template <class Row>
+    ORVGEN_DCT4_INLINE static void toSlots(Index<4>, const Row& row, double* to) {
+        V v[4];
+        unroll<4>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA { v[l] = load(row(l)); });
+        transpose(v);
+        unroll<4>([&](auto c) ORVGEN_DCT4_INLINE_LAMBDA { store(to + c * 4, v[c]); });
     }
-    static void transposeParts(V (&v)[2]) {
-        const V low = _mm256_unpacklo_pd(v[0], v[1]);
-        v[1] = _mm256_unpackhi_pd(v[0], v[1]);
-        v[0] = low;
+    template <class Row>
+    ORVGEN_DCT4_INLINE static void toSlots(Index<2>, const Row& row, double* to) {
+        const auto two = [&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_loadu_pd(row(l))),
+                                        _mm_loadu_pd(row(Index<l + 2>{})), 1);
+        };
+        const V a = two(Index<0>{}), b = two(Index<1>{});
+        store(to, _mm256_unpacklo_pd(a, b));
+        store(to + 4, _mm256_unpackhi_pd(a, b));
     }
-    static void splitPairs(V low, V high, V& re, V& im) {
+    template <class Put>
+    ORVGEN_DCT4_INLINE static void fromSlots(Index<4>, const double* from, const Put& put) {
+        V v[4];
+        unroll<4>([&](auto c) ORVGEN_DCT4_INLINE_LAMBDA { v[c] = load(from + c * 4); });
+        transpose(v);
+        unroll<4>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            put(l, [&](double* p) ORVGEN_DCT4_INLINE_LAMBDA { store(p, v[l]); });
+        });
+    }
+    template <class Put>
+    ORVGEN_DCT4_INLINE static void fromSlots(Index<2>, const double* from, const Put& put) {
+        const V x = load(from), y = load(from + 4);
+        const V v[2] = {_mm256_unpacklo_pd(x, y), _mm256_unpackhi_pd(x, y)};
+        unroll<4>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            put(l, [&](double* p) ORVGEN_DCT4_INLINE_LAMBDA {
+                _mm_storeu_pd(p, _mm256_extractf128_pd(v[l % 2], l / 2));
+            });
+        });
+    }
+
+    ORVGEN_DCT4_INLINE static void splitPairsInAnyOrder(V low, V high, V& re, V& im) {
+        re = _mm256_unpacklo_pd(low, high);
+        im = _mm256_unpackhi_pd(low, high);
+    }
+    ORVGEN_DCT4_INLINE static void joinPairsInAnyOrder(V re, V im, V& low, V& high) {
+        splitPairsInAnyOrder(re, im, low, high);
+    }
+    ORVGEN_DCT4_INLINE static void splitPairs(V low, V high, V& re, V& im) {
         re = _mm256_permute4x64_pd(_mm256_unpacklo_pd(low, high), 0xd8);
         im = _mm256_permute4x64_pd(_mm256_unpackhi_pd(low, high), 0xd8);
     }
-    static void joinPairs(V re, V im, V& low, V& high) {
+    ORVGEN_DCT4_INLINE static void joinPairs(V re, V im, V& low, V& high) {
         const V a = _mm256_unpacklo_pd(re, im), b = _mm256_unpackhi_pd(re, im);
         low = _mm256_permute2f128_pd(a, b, 0x20);
         high = _mm256_permute2f128_pd(a, b, 0x31);

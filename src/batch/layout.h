@@ -29,6 +29,23 @@ Path pathOf(const Array<R>& a, Layout layout) {
     return layout == Layout::Real ? Path::Direct : Path::Columns;
 }
 
+// One side of a call: how its transforms lie, and how much of it there is.
+struct Form {
+    template <class R>
+    Form(const Array<R>& a, Layout layout, int n)
+        : path(pathOf(a, layout)),
+          paired(isPairs(layout)),
+          elements(elementsOf(layout, n)),
+          slots(paired ? 2 * elements : elements) {}
+
+    Path path;
+    bool paired;
+    int elements, slots;  // of one transform
+    // The lanes are the transforms in their order; where both sides are columns of pairs, they need
+    // not be.
+    bool inOrder = true;
+};
+
 template <class R>
 struct Block {
     static constexpr int lanes = Vectors<R>::lanes;
@@ -39,60 +56,87 @@ struct Block {
     std::ptrdiff_t transform(int lane) const { return first + (lane < valid ? lane : valid - 1); }
 };
 
-// block(b) for one complete block after the other, and for what is left if it is at least
-// `worthwhile` transforms. Returns how many transforms are done.
+// Some blocks that follow each other; an incomplete one stands alone.
+template <class R>
+struct Group {
+    std::ptrdiff_t first;  // number of its first transform
+    int blocks;
+    int valid;
+
+    bool isComplete() const { return valid == Vectors<R>::lanes; }
+    Block<R> block(int i) const { return {first + i * Vectors<R>::lanes, valid}; }
+};
+
+// run(group) for all complete blocks, at most `most` at a time, and for what is left if it is at
+// least `worthwhile` transforms. Returns how many transforms are done.
 template <class R, class Run>
-std::size_t walkBlocks(std::size_t count, int worthwhile, const Run& block) {
+std::size_t walkGroups(std::size_t count, int worthwhile, std::size_t most, const Run& run) {
     constexpr std::size_t lanes = Vectors<R>::lanes;
     std::size_t done = 0;
-    for (; count - done >= lanes; done += lanes)
-        block(Block<R>{static_cast<std::ptrdiff_t>(done), Vectors<R>::lanes});
+    for (std::size_t blocks = count / lanes; blocks > 0;) {
+        const std::size_t now = blocks < most ? blocks : most;
+        run(Group<R>{static_cast<std::ptrdiff_t>(done), static_cast<int>(now), lanes});
+        done += now * lanes;
+        blocks -= now;
+    }
     const auto left = static_cast<int>(count - done);
     if (left < worthwhile) return done;
-    block(Block<R>{static_cast<std::ptrdiff_t>(done), left});
+    run(Group<R>{static_cast<std::ptrdiff_t>(done), 1, left});
     return count;
 }
 
-// Numbers of contiguous transforms, 16 bytes of each at a time: a transpose brings together what
-// belongs to one slot. The last 16 bytes overlap those before them. Loops over lanes are written
-// out by unroll, so that the vectors stay in registers.
-template <class R>
+// chunk(Index<columns>, at) for columns 0 to slots - 1 of rows: as many at a time as a vector has
+// lanes, then fewer. The last ones may overlap those before them.
+template <class R, int columns, class Chunk>
+ORVGEN_DCT4_INLINE void overRest(int slots, int at, const Chunk& chunk) {
+    if (slots - at >= columns) {
+        chunk(Index<columns>{}, at);
+        at += columns;
+    }
+    const int left = slots - at;
+    if (left == 0) return;
+    if ((2 * left > columns || columns == 2) && slots >= columns)
+        return chunk(Index<columns>{}, slots - columns);
+    if constexpr (columns > 2) overRest<R, columns / 2>(slots, at, chunk);
+}
+template <class R, class Chunk>
+ORVGEN_DCT4_INLINE void overColumns(int slots, const Chunk& chunk) {
+    constexpr int lanes = Vectors<R>::lanes;
+    int at = 0;
+    for (; at + lanes <= slots; at += lanes) chunk(Index<lanes>{}, at);
+    overRest<R, lanes>(slots, at, chunk);
+}
+
+// Numbers of contiguous transforms, a square of a vector's lanes at a time: a transpose brings
+// together what belongs to one slot. Loops over lanes are written out by unroll, so that the
+// vectors stay in registers.
+template <class R, bool complete>
 void gatherRows(const Array<const R>& a, const Block<R>& block, int slots, R* to) {
     using Vs = Vectors<R>;
-    const R* row[Vs::lanes];
-    unroll<Vs::lanes>(
-        [&](auto l) ORVGEN_DCT4_INLINE_LAMBDA { row[l] = a.re + block.transform(l) * a.distance; });
-    for (int at = 0; at < slots; at += Vs::columns) {
-        const int j = at + Vs::columns <= slots ? at : slots - Vs::columns;
-        typename Vs::V v[Vs::columns];
-        unroll<Vs::columns>([&](auto c) ORVGEN_DCT4_INLINE_LAMBDA {
-            v[c] = Vs::loadParts([&](auto part) ORVGEN_DCT4_INLINE_LAMBDA {
-                return row[c + part * Vs::columns] + j;
-            });
-        });
-        Vs::transposeParts(v);
-        unroll<Vs::columns>(
-            [&](auto c) ORVGEN_DCT4_INLINE_LAMBDA { Vs::store(to + (j + c) * Vs::lanes, v[c]); });
-    }
+    const R* const first = a.re + block.first * a.distance;
+    overColumns<R>(slots, [&](auto columns, int at) ORVGEN_DCT4_INLINE_LAMBDA {
+        Vs::toSlots(
+            columns,
+            [&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+                if constexpr (complete)
+                    return first + l * a.distance + at;
+                else
+                    return a.re + block.transform(l) * a.distance + at;
+            },
+            to + at * Vs::lanes);
+    });
 }
 
 template <class R, bool complete>
 void scatterRows(const R* from, int slots, const Block<R>& block, const Array<R>& a) {
     using Vs = Vectors<R>;
-    R* row[Vs::lanes];
-    unroll<Vs::lanes>(
-        [&](auto l) ORVGEN_DCT4_INLINE_LAMBDA { row[l] = a.re + block.transform(l) * a.distance; });
-    for (int at = 0; at < slots; at += Vs::columns) {
-        const int j = at + Vs::columns <= slots ? at : slots - Vs::columns;
-        typename Vs::V v[Vs::columns];
-        unroll<Vs::columns>(
-            [&](auto c) ORVGEN_DCT4_INLINE_LAMBDA { v[c] = Vs::load(from + (j + c) * Vs::lanes); });
-        Vs::transposeParts(v);
-        unroll<Vs::lanes>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
-            if (complete || l < block.valid)
-                Vs::storePart(row[l] + j, v[l % Vs::columns], Index<l / Vs::columns>{});
-        });
-    }
+    R* const first = a.re + block.first * a.distance;
+    overColumns<R>(slots, [&](auto columns, int at) ORVGEN_DCT4_INLINE_LAMBDA {
+        Vs::fromSlots(columns, from + at * Vs::lanes,
+                      [&](auto l, const auto& write) ORVGEN_DCT4_INLINE_LAMBDA {
+                          if (complete || l < block.valid) write(first + l * a.distance + at);
+                      });
+    });
 }
 
 // Slots of a complete block, pairs as two slots.
@@ -109,26 +153,34 @@ void scatterColumns(const R* from, int slots, const Block<R>& block, const Array
     for (int j = 0; j < slots; ++j) Vs::store(to + j * a.stride, Vs::load(from + j * Vs::lanes));
 }
 
-template <class R>
+template <class R, bool inOrder>
 void gatherPairedColumns(const Array<const R>& a, const Block<R>& block, int pairs, R* to) {
     using Vs = Vectors<R>;
     const R* from = a.re + block.first * a.distance;
     for (int j = 0; j < pairs; ++j) {
         typename Vs::V re, im;
-        Vs::splitPairs(Vs::load(from + j * a.stride), Vs::load(from + j * a.stride + Vs::lanes), re,
-                       im);
+        const auto low = Vs::load(from + j * a.stride);
+        const auto high = Vs::load(from + j * a.stride + Vs::lanes);
+        if constexpr (inOrder)
+            Vs::splitPairs(low, high, re, im);
+        else
+            Vs::splitPairsInAnyOrder(low, high, re, im);
         Vs::store(to + 2 * j * Vs::lanes, re);
         Vs::store(to + (2 * j + 1) * Vs::lanes, im);
     }
 }
-template <class R>
+template <class R, bool inOrder>
 void scatterPairedColumns(const R* from, int pairs, const Block<R>& block, const Array<R>& a) {
     using Vs = Vectors<R>;
     R* to = a.re + block.first * a.distance;
     for (int j = 0; j < pairs; ++j) {
         typename Vs::V low, high;
-        Vs::joinPairs(Vs::load(from + 2 * j * Vs::lanes), Vs::load(from + (2 * j + 1) * Vs::lanes),
-                      low, high);
+        const auto re = Vs::load(from + 2 * j * Vs::lanes);
+        const auto im = Vs::load(from + (2 * j + 1) * Vs::lanes);
+        if constexpr (inOrder)
+            Vs::joinPairs(re, im, low, high);
+        else
+            Vs::joinPairsInAnyOrder(re, im, low, high);
         Vs::store(to + j * a.stride, low);
         Vs::store(to + j * a.stride + Vs::lanes, high);
     }
@@ -152,55 +204,51 @@ void scatterElements(const R* from, int step, const Block<R>& block, int element
     }
 }
 
-// The path that a block can take: vectors of an incomplete one would touch what is not the batch's,
-// and fewer than 16 bytes of a row are no part.
+// The path that a block can take: vectors of an incomplete one would touch what is not the batch's.
 template <class R>
-Path pathOf(Path path, const Block<R>& block, int slots) {
-    if (path == Path::Rows) return slots < Vectors<R>::columns ? Path::Elements : path;
-    return block.valid < Block<R>::lanes ? Path::Elements : path;
+Path pathOf(Path path, const Block<R>& block) {
+    const bool isComplete = block.valid == Block<R>::lanes;
+    return isComplete || path == Path::Rows ? path : Path::Elements;
 }
 
 template <class R>
-void gather(Path path, const Array<const R>& a, Layout layout, int n, const Block<R>& block,
-            R* to) {
+void gather(const Array<const R>& a, const Form& form, const Block<R>& block, R* to) {
     constexpr int lanes = Block<R>::lanes;
-    const bool paired = isPairs(layout);
-    const int elements = elementsOf(layout, n);
-    const int slots = paired ? 2 * elements : elements;
-    switch (pathOf(path, block, slots)) {
+    const bool isComplete = block.valid == lanes;
+    switch (pathOf(form.path, block)) {
         case Path::Rows:
-            return gatherRows(a, block, slots, to);
+            return isComplete ? gatherRows<R, true>(a, block, form.slots, to)
+                              : gatherRows<R, false>(a, block, form.slots, to);
         case Path::Columns:
-            return gatherColumns(a, block, slots, to);
+            return gatherColumns(a, block, form.slots, to);
         case Path::PairedColumns:
-            return gatherPairedColumns(a, block, elements, to);
+            return form.inOrder ? gatherPairedColumns<R, true>(a, block, form.elements, to)
+                                : gatherPairedColumns<R, false>(a, block, form.elements, to);
         default:
             break;
     }
-    if (!paired) return gatherElements(a.re, a, block, elements, to, lanes);
-    gatherElements(a.re, a, block, elements, to, 2 * lanes);
-    gatherElements(a.im, a, block, elements, to + lanes, 2 * lanes);
+    if (!form.paired) return gatherElements(a.re, a, block, form.elements, to, lanes);
+    gatherElements(a.re, a, block, form.elements, to, 2 * lanes);
+    gatherElements(a.im, a, block, form.elements, to + lanes, 2 * lanes);
 }
 
 template <class R>
-void scatter(Path path, const R* from, Layout layout, int n, const Block<R>& block,
-             const Array<R>& a) {
+void scatter(const R* from, const Form& form, const Block<R>& block, const Array<R>& a) {
     constexpr int lanes = Block<R>::lanes;
-    const bool paired = isPairs(layout);
-    const int elements = elementsOf(layout, n);
-    const int slots = paired ? 2 * elements : elements;
-    switch (pathOf(path, block, slots)) {
+    const bool isComplete = block.valid == lanes;
+    switch (pathOf(form.path, block)) {
         case Path::Rows:
-            return block.valid == lanes ? scatterRows<R, true>(from, slots, block, a)
-                                        : scatterRows<R, false>(from, slots, block, a);
+            return isComplete ? scatterRows<R, true>(from, form.slots, block, a)
+                              : scatterRows<R, false>(from, form.slots, block, a);
         case Path::Columns:
-            return scatterColumns(from, slots, block, a);
+            return scatterColumns(from, form.slots, block, a);
         case Path::PairedColumns:
-            return scatterPairedColumns(from, elements, block, a);
+            return form.inOrder ? scatterPairedColumns<R, true>(from, form.elements, block, a)
+                                : scatterPairedColumns<R, false>(from, form.elements, block, a);
         default:
             break;
     }
-    if (!paired) return scatterElements(from, lanes, block, elements, a, a.re);
-    scatterElements(from, 2 * lanes, block, elements, a, a.re);
-    scatterElements(from + lanes, 2 * lanes, block, elements, a, a.im);
+    if (!form.paired) return scatterElements(from, lanes, block, form.elements, a, a.re);
+    scatterElements(from, 2 * lanes, block, form.elements, a, a.re);
+    scatterElements(from + lanes, 2 * lanes, block, form.elements, a, a.im);
 }

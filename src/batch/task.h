@@ -43,10 +43,13 @@ using Single = OrvStatus(const R* src, R* dst, std::int32_t length, std::int32_t
 // A kernel on a block of transforms, one in each lane. Element j of all of them is one vector, at
 // srcRe + j * srcStep bytes; so are the imaginary parts at srcIm, and the results at dstRe and
 // dstIm. Bins are those of CCS, whose imaginary parts that are always zero are left alone. Steps
-// are in bytes. Source and destination may be the same if their steps are, or else lie apart.
+// are in bytes. Source and destination may be the same if their steps are, or else lie apart. The
+// same is done for `blocks` blocks, at least one, of which each begins srcBlock and dstBlock bytes
+// behind the one before.
 template <class R>
 using BlockKernel = void(const R* srcRe, const R* srcIm, std::ptrdiff_t srcStep, R* dstRe, R* dstIm,
-                         std::ptrdiff_t dstStep, std::int32_t scale);
+                         std::ptrdiff_t dstStep, std::int32_t scale, std::size_t blocks,
+                         std::ptrdiff_t srcBlock, std::ptrdiff_t dstBlock);
 
 // The scales of a kernel's pool, in their order there.
 enum Scale : std::int32_t { scaleNone, scaleBySqrtN, scaleByN };

@@ -330,6 +330,7 @@ class Allocator {
         unlockAll();
         release(x);
         if (y != x) release(y);
+        release(i.dst);  // a result that nothing takes, computed for its exceptions
     }
 
     struct Places {

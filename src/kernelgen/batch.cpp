@@ -16,10 +16,13 @@ namespace {
 //     rdi, rsi, rdx   srcRe, srcIm, srcStep        r10   three times srcStep
 //     rcx, r8, r9     dstRe, dstIm, dstStep        r11   three times dstStep
 //     rax             pool                         rbx   address of the scale
-//     rbp             the caller's frame           rsp   spill slots
+//     rbp             the caller's frame, above    rsp   spill slots
+//                     it scale, blocks, srcBlock, dstBlock
 //     r12 to r15, and rsi and r8 where they are free: elements of src and dst
 
 constexpr int kPage = 4096;
+// Of arguments from the caller's frame.
+constexpr int kScaleAt = 16, kBlocksAt = 24, kSrcBlockAt = 32, kDstBlockAt = 40;
 constexpr int kShort = 128;  // displacements of one byte reach from -128 to 127
 
 enum Side : std::size_t { SrcRe, SrcIm, DstRe, DstIm };
@@ -41,9 +44,11 @@ class BatchPrinter {
         widenedAt_ = target.broadcasts ? 8 : vector;
         scaleBytes_ = roundUp(3 * scaleStride_, target.vectorBytes);
         layout_ = layOutPool(block_.pool, block_.instructions, scaleBytes_);
+        isSrcReal_ = options.src == Layout::Real;
+        isDstReal_ = options.dst == Layout::Real;
         std::vector<std::string> spare;
-        if (options.src == Layout::Real) spare.push_back("rsi");
-        if (options.dst == Layout::Real) spare.push_back("r8");
+        if (isSrcReal_) spare.push_back("rsi");
+        if (isDstReal_) spare.push_back("r8");
         callerSaved_ = spare.size();
         for (const char* reg : {"r12", "r13", "r14", "r15"}) spare.push_back(reg);
         pointers_ = StridedPointers({{"rdi", "rdx", "r10"},
@@ -63,7 +68,7 @@ class BatchPrinter {
                           .modelCycles = block_.modelCycles,
                           .portBound = block_.portBound};
         result.assembly = head(result.figures) + "\t.text\n\t.intel_syntax noprefix\n\n" + enter() +
-                          body + leave() + pool();
+                          nextBlock() + body + leave() + pool();
         return result;
     }
 
@@ -107,7 +112,7 @@ class BatchPrinter {
             at -= 8;
             text += line("push\t" + reg) + line(".cfi_offset " + reg + ", " + std::to_string(at));
         }
-        text += line("movsxd\trbx, dword ptr [rbp + 16]");
+        text += line("movsxd\trbx, dword ptr [rbp + " + std::to_string(kScaleAt) + "]");
         text += line("lea\trax, [rip + " + poolLabel(name_) + "]");
         text += line("shl\trbx, " + std::to_string(std::countr_zero(unsigned(scaleStride_))));
         text += line("add\trbx, rax");
@@ -121,8 +126,25 @@ class BatchPrinter {
         return text + line("sub\trsp, " + std::to_string(left));
     }
 
+    // ---- the loop over blocks
+
+    static std::string argument(int at) { return "qword ptr [rbp + " + std::to_string(at) + "]"; }
+
+    std::string nextBlock() const { return "\t.p2align\t5\n" + std::string(kLoop) + ":\n"; }
+
+    std::string untilLastBlock() const {
+        const auto advance = [](const char* pointer, int step) {
+            return line("add\t" + std::string(pointer) + ", " + argument(step));
+        };
+        std::string text = advance("rdi", kSrcBlockAt);
+        if (!isSrcReal_) text += advance("rsi", kSrcBlockAt);
+        text += advance("rcx", kDstBlockAt);
+        if (!isDstReal_) text += advance("r8", kDstBlockAt);
+        return text + line("dec\t" + argument(kBlocksAt)) + line("jnz\t" + std::string(kLoop));
+    }
+
     std::string leave() const {
-        std::string text = line("vzeroupper");
+        std::string text = untilLastBlock() + line("vzeroupper");
         const std::vector<std::string> list = saved();
         int at = 0;
         for (const std::string& reg : list) {
@@ -204,6 +226,8 @@ class BatchPrinter {
         return text + "\n\t.section\t.note.GNU-stack, \"\", @progbits\n";
     }
 
+    static constexpr const char* kLoop = ".Lblock";
+
     const Kernel& kernel_;
     const Target& target_;
     std::string name_;
@@ -211,6 +235,7 @@ class BatchPrinter {
     PoolLayout layout_;
     int scaleStride_ = 0, widenedAt_ = 0, scaleBytes_ = 0;
     std::vector<std::string> spare_;
+    bool isSrcReal_ = false, isDstReal_ = false;
     std::size_t callerSaved_ = 0;  // of the spare registers
     StridedPointers pointers_{{}, {}};
     int instructions_ = 0;
@@ -224,6 +249,7 @@ std::string batchName(const std::string& kernel, const Target& target) {
 
 CompiledKernel compileBatch(const Kernel& kernel, const Target& target, WideOptions options) {
     options.length = kernel.length;
+    options.halvesOnly = kernel.halvesOnly;
     return BatchPrinter(kernel, target, options).run();
 }
 

@@ -2,12 +2,15 @@
 // A kernel for batches: W transforms at once, one in each lane of the widest vectors of a target.
 //
 //     void f(const R* srcRe, const R* srcIm, ptrdiff_t srcStep,
-//            R* dstRe, R* dstIm, ptrdiff_t dstStep, int32_t scale);
+//            R* dstRe, R* dstIm, ptrdiff_t dstStep, int32_t scale,
+//            size_t blocks, ptrdiff_t srcBlock, ptrdiff_t dstBlock);
 //
 // Element n of the W transforms is one vector, aligned or not, at srcRe + n srcStep (its real part,
 // or the real element) and srcIm + n srcStep (the imaginary part); results likewise. Steps are in
 // bytes. A side of real numbers has no second pointer: what is passed for it is not used. `scale`
-// is a ScaleKind. Equal pointers and steps on both sides are harmless, any other overlap is not.
+// is a ScaleKind. The same is done `blocks` times, at least once, the pointers moved on by srcBlock
+// and dstBlock bytes each time. Equal pointers and steps on both sides are harmless, any other
+// overlap is not.
 #pragma once
 
 #include "compile.h"

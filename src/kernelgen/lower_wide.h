@@ -27,6 +27,7 @@ enum class Layout : std::uint8_t {
 
 struct WideOptions {
     int length = 0;  // N: elements of src beyond it, which a single kernel may read, are zeros
+    bool halvesOnly = false;  // as in Kernel
     Layout src = Layout::Real, dst = Layout::Real;
 };
 

@@ -199,7 +199,7 @@ Order windowed(const Dependences& d, const Order& base, std::size_t window, int 
         for (std::size_t k = 0; k < view.size(); ++k) {
             const int i = view[k];
             if (waiting[at(i)] > 0) continue;
-            int frees = d.defines(i) ? -1 : 0;
+            int frees = d.defines(i) && !d.users[at(i)].empty() ? -1 : 0;
             for (const int o : d.operands[at(i)]) frees += remainingUsers[at(o)] == 1;
             const int stall = std::max(0, ready[at(i)] - clock);
             const bool tight = live - frees > liveLimit || live >= liveLimit;
