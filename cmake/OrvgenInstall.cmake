@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Installed: the library in both builds (component `library`); archive, header, CMake package and pkg-config file
+# Installed: the library in both builds (component `library`); archive, headers, CMake package and pkg-config file
 # (`development`); and only where it is named, `--component core`, the core library's stand-in.
 
 include(CMakePackageConfigHelpers)
@@ -15,7 +15,9 @@ if(ORVGEN_V3)
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/glibc-hwcaps/x86-64-v3 COMPONENT library NAMELINK_SKIP)
 endif()
 install(FILES ${PROJECT_SOURCE_DIR}/include/orvgen.h ${PROJECT_SOURCE_DIR}/include/orvgen_batch.h
+              ${PROJECT_SOURCE_DIR}/include/orvgen.hpp ${PROJECT_SOURCE_DIR}/include/orvgen_batch.hpp
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/orvgen DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT library)
 
 set(package ${CMAKE_INSTALL_LIBDIR}/cmake/orvgen)

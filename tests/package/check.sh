@@ -45,7 +45,7 @@ pkg_config() { PKG_CONFIG_PATH=$prefix/$libdir/pkgconfig command pkg-config "$@"
 module=orvgen
 compile_by_pkg_config() {
     # shellcheck disable=SC2046
-    "$1" "$here/consumer/$2" $(pkg_config --cflags --libs) -Wl,-rpath,"$prefix/$libdir" -o "$folder/consumer"
+    "$1" "${@:3}" "$here/consumer/$2" $(pkg_config --cflags --libs) -Wl,-rpath,"$prefix/$libdir" -o "$folder/consumer"
     "$folder/consumer"
 }
 
@@ -80,6 +80,12 @@ case $name in
         [[ $found == "orvgDFTFwd_CToC_12_32fc owngDFTFwd_CToC_12_32fc_unaligned " ]] || fail "linked: $found"
         ;;
 
+    typed) install_with_core; consume find CXX -DCONSUMER_LIBRARY=orvgen::batch -DCONSUMER_SOURCE=use_typed.cpp ;;
+    typed_pkg_config)
+        install_with_core
+        module=orvgen-batch
+        compile_by_pkg_config "$cxx" use_typed.cpp -std=c++20
+        ;;
     batch_c) install_with_core; consume find C -DCONSUMER_LIBRARY=orvgen::batch -DCONSUMER_SOURCE=use_batch.c ;;
     batch_cpp) install_with_core; consume find CXX -DCONSUMER_LIBRARY=orvgen::batch -DCONSUMER_SOURCE=use_batch.cpp ;;
     batch_pkg_config)
@@ -152,7 +158,8 @@ case $name in
             DESTDIR=$folder/stage quietly "$cmake" --install "$build" --prefix /opt/orvgen $component
         done
         mv "$folder/stage/opt/orvgen" "$prefix"
-        for file in "include/orvgen.h" "include/orvgen_batch.h" "$libdir/liborvgenbatch.so" "$libdir/liborvgenbatch.so.1" \
+        for file in "include/orvgen.h" "include/orvgen_batch.h" "include/orvgen.hpp" "include/orvgen_batch.hpp" \
+            "include/orvgen/values.hpp" "$libdir/liborvgenbatch.so" "$libdir/liborvgenbatch.so.1" \
             "$libdir/pkgconfig/orvgen-batch.pc" "$libdir/liborvgenm7.so" "$libdir/liborvgenm7.so.6.1" "$libdir/liborvgenm7.a" \
             "$libdir/$core" "$libdir/pkgconfig/orvgen.pc" "$libdir/cmake/orvgen/orvgenConfig.cmake" \
             "share/doc/orvgen/LICENSE"; do
