@@ -14,7 +14,7 @@ namespace {
 
 // "| 45 | (5, 3) T 3 |" by its length.
 std::map<int, std::string> documentedDecompositions() {
-    std::ifstream file(std::string(ORVGEN_DOCS) + "/complex.md");
+    std::ifstream file(std::string(ORVGEN_DOCS) + "/complex-binary32.md");
     std::map<int, std::string> rows;
     for (std::string line; std::getline(file, line);) {
         int n = 0, at = 0;

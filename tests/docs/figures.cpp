@@ -92,9 +92,9 @@ TEST(Figures, PassesAndBuffersOfTheWalshHadamardTransforms) {
         std::string row = "| " + number(k);
         for (const wht::Element e : {F32, F64})
             row += " | " + layers(wht::cutOf(e, k)) + " | " + number(wht::bufferBytes(e, k));
-        EXPECT_TRUE(says("docs/wht.md", row + " |")) << row;
+        EXPECT_TRUE(says("docs/walsh-hadamard.md", row + " |")) << row;
     }
-    EXPECT_TRUE(says("docs/wht.md", "| 1 to " + number(straight) + " | all | 0 | all | 0 |"));
+    EXPECT_TRUE(says("docs/walsh-hadamard.md", "| 1 to " + number(straight) + " | all | 0 | all | 0 |"));
 }
 
 // What the flows of the kernels are counted against.
@@ -141,9 +141,9 @@ void expectCarries(const std::string& path, const plan::Table& plans, bool howMa
 }
 
 TEST(Figures, LengthsThatCarryValuesOnUnrounded) {
-    expectCarries("docs/real-forward.md", realdft::forwardPlans(), false);
+    expectCarries("docs/real.md", realdft::forwardPlans(), false);
     for (const auto format : realdft::kPackedFormats)
-        expectCarries("docs/real-inverse.md", realdft::inversePlans(format), true);
+        expectCarries("docs/real.md", realdft::inversePlans(format), true);
 }
 
 TEST(Figures, LengthsThatReadBehindTheSource) {

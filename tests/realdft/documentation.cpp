@@ -38,7 +38,7 @@ std::string layoutRow(Format format, int n) {
 }
 
 TEST(Documentation, PackedFormats) {
-    const auto lines = linesOf("real-forward.md");
+    const auto lines = linesOf("real.md");
     ASSERT_FALSE(lines.empty());
     for (const int n : {2, 5, 6})
         for (const Format format : realdft::kPackedFormats)
@@ -58,9 +58,9 @@ void expectCarries(const std::string& page, const plan::Table& plans) {
 }
 
 TEST(Documentation, CarriedValues) {
-    expectCarries("real-forward.md", realdft::forwardPlans());
+    expectCarries("real.md", realdft::forwardPlans());
     for (const Format format : realdft::kPackedFormats)
-        expectCarries("real-inverse.md", realdft::inversePlans(format));
+        expectCarries("real.md", realdft::inversePlans(format));
 }
 
 }  // namespace

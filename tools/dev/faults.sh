@@ -58,19 +58,24 @@ check_anchors() {
     [[ $lost == 0 ]] || fail "mend these faults: what they would break has moved"
 }
 
-# What belongs to the tree, and not to git or the builds.
-tree_files() { find "$1" -mindepth 1 \( -path "$1/build" -o -path "$1/.git" \) -prune -o -type f -printf '%P\n' | sort; }
-
 # The copy becomes the tree; files whose bytes are the same stay as they are, with what is built of them.
 copy_tree() {
-    local file
+    local line folder
     mkdir -p "$copy"
-    comm -13 <(tree_files "$root") <(tree_files "$copy") | while IFS= read -r file; do rm -- "$copy/$file"; done
-    tree_files "$root" | while IFS= read -r file; do
-        cmp -s "$root/$file" "$copy/$file" && continue
-        mkdir -p "$copy/$(dirname "$file")"
-        rm -f "$copy/$file"
-        cp "$root/$file" "$copy/$file"
+    { diff -rq -x build -x .git "$root" "$copy" || true; } | while IFS= read -r line; do
+        case $line in
+            "Files $root/"*)
+                line=${line#"Files $root/"}
+                cp "$root/${line%% and "$copy"/*}" "$copy/${line%% and "$copy"/*}"
+                ;;
+            "Only in $copy"*) line=${line#Only in } && rm -rf -- "${line%%: *}/${line#*: }" ;;
+            "Only in $root"*)
+                line=${line#Only in }
+                folder=${line%%: *}
+                cp -R "$folder/${line#*: }" "$copy${folder#"$root"}/"
+                ;;
+            *) fail "diff said: $line" ;;
+        esac
     done
     [[ -d $copy/build/kernels || ! -d build/kernels ]] || { mkdir -p "$copy/build" && cp -a build/kernels "$copy/build"; }
 }
