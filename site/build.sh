@@ -14,4 +14,4 @@ rm -f "$site"/{.buildinfo,objects.inv} "$site"/_static/{jquery,underscore,_sphin
 mkdir -p "$site/explorer"
 cp "$root"/site/explorer/* "$root/site/base.css" "$site/explorer/"
 "$program" "$kernels" "$root/tests/data" "$site/explorer/data"
-"$python" "$root/site/explorer_data.py" "$root" "$bench" "$site/explorer/data"
+"$python" "$root/site/explorer_data.py" "$bench" "$site/explorer/data"

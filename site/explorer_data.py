@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""explorer_data.py ROOT BENCH FOLDER: what the explorer shows beside the data of the kernel compiler.
+"""explorer_data.py BENCH FOLDER: what the explorer shows beside the data of the kernel compiler.
 
 FOLDER/functions.js: the functions that are not generated, and the pages of all. FOLDER/measured.js:
 errors from docs/accuracy.md, cycles from BENCH, the table of the last benchmark, if it is there.
@@ -11,7 +11,7 @@ import re
 import sys
 from pathlib import Path
 
-ROOT = Path(sys.argv[1])
+ROOT = Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(ROOT / "tools/reference"))
 
 import families  # noqa: E402
@@ -65,7 +65,7 @@ def cycles(table: Path) -> tuple:
 
 
 def main():
-    table, folder = Path(sys.argv[2]), Path(sys.argv[3])
+    table, folder = Path(sys.argv[1]), Path(sys.argv[2])
     folder.mkdir(parents=True, exist_ok=True)
     functions = [f.name for f in header.functions(ROOT / "include/orvgen.h")]
     kernels = [name for name in functions if families.is_kernel(name)]
@@ -85,4 +85,5 @@ def main():
         f"explorer.measured({json.dumps({'libraries': libraries, 'kernels': measured}, separators=(',', ':'))});\n")
 
 
-main()
+if __name__ == "__main__":
+    main()

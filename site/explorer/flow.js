@@ -160,7 +160,7 @@ explorer.flow = (() => {
       "data-node": node.number, "data-stage": node.stage,
     }));
     return draw("svg", {
-      class: "flow", viewBox: `0 0 ${width} ${height}`, width, height, tabindex: "0", role: "img",
+      class: "flow", viewBox: `0 0 ${width} ${height}`, width, height, tabindex: "0", role: "application",
       "aria-label": title,
     }, bands(layout, flow), edges, circles);
   }

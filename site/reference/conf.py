@@ -13,6 +13,7 @@ language = "en"
 
 extensions = ["myst_parser", "mathml", "functions"]
 myst_heading_anchors = 3
+suppress_warnings = ["myst.header"]  # levels of headings that a page of docs/ leaves out
 myst_enable_extensions = ["dollarmath"]
 source_suffix = {".md": "markdown"}
 primary_domain = "c"

@@ -19,6 +19,13 @@ def on_the_site(match):
         if text.strip("`") == Path(target).name else text
 
 
+def listed(index):
+    """The list of pages on the first one, with the pages of docs/ that it does not name at its end."""
+    named = set(re.findall(r"^docs/([\w-]+)$", index, re.M))
+    others = sorted(page.stem for page in (ROOT / "docs").glob("*.md") if page.stem not in named)
+    return index.rstrip().removesuffix("```") + "".join(f"docs/{page}\n" for page in others) + "```\n"
+
+
 def main():
     here = Path(__file__).parent
     shutil.rmtree(SOURCES, ignore_errors=True)
@@ -35,6 +42,7 @@ def main():
     for page in (SOURCES / "docs").glob("*.md"):
         text = page.read_text()
         page.write_text(re.sub(r"\[([^\]]*)\]\(([^)\s]+)\)", on_the_site, text))
+    (SOURCES / "index.md").write_text(listed((SOURCES / "index.md").read_text()))
     shutil.copy(ROOT / "CHANGELOG.md", SOURCES / "changelog.md")
 
 

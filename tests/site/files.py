@@ -2,8 +2,11 @@
 """files.py SITE ROOT: what the files of the site promise: links that lead somewhere, nothing from
 elsewhere, every function, small enough."""
 
+import re
 import sys
+import tempfile
 import unittest
+from html import unescape
 from html.parser import HTMLParser
 from pathlib import Path
 from urllib.parse import unquote, urldefrag, urlsplit
@@ -11,6 +14,7 @@ from urllib.parse import unquote, urldefrag, urlsplit
 SITE, ROOT = (Path(sys.argv.pop(1)).resolve() for _ in range(2))
 sys.path[:0] = [str(ROOT / "tools/reference"), str(ROOT / "site")]
 
+import explorer_data  # noqa: E402
 import families  # noqa: E402
 import header  # noqa: E402
 
@@ -96,10 +100,26 @@ class Files(unittest.TestCase):
     def test_the_site_is_small(self):
         self.assertLess(sum(file.stat().st_size for file in SITE.rglob("*") if file.is_file()), 60 * MB)
 
+    # As the benchmark writes it, two libraries and one of them without a figure.
+    def test_measurements_come_from_the_benchmark(self):
+        table = ("kernel,family,length,ratio FFTW,ratio KissFFT,cycles over bound,cycles,median,bound,FFTW,"
+                 "FFTW median,KissFFT,KissFFT median\n"
+                 "DFTFwd_CToC_64_32fc,DFTFwd_CToC_32fc,64,0.667,,1.1,150.0,151.0,136.0,100.0,101.0,,\n")
+        with tempfile.TemporaryDirectory() as folder:
+            (Path(folder) / "table.csv").write_text(table)
+            libraries, measured = explorer_data.cycles(Path(folder) / "table.csv")
+            self.assertEqual(explorer_data.cycles(Path(folder) / "none.csv"), ([], {}))
+        self.assertEqual(libraries, ["FFTW", "KissFFT"])
+        self.assertEqual(measured, {"orvgDFTFwd_CToC_64_32fc": {"cycles": 150.0, "others": [100.0, None]}})
+
+    def test_errors_are_those_of_their_page(self):
+        errors = explorer_data.errors((ROOT / "docs/accuracy.md").read_text())
+        self.assertEqual(len(errors), 18 * 63 - 4)
+        row = next(line for line in (ROOT / "docs/accuracy.md").read_text().splitlines() if line.startswith("| 13 |"))
+        self.assertEqual(errors["orvgHartley_13_64f"], float(row.split("|")[-2]))
+
     # Examples are there as they are compiled and run by the tests.
     def test_examples_are_those_of_the_tree(self):
-        from html import unescape
-        import re
         pages = [unescape(re.sub(r"<[^>]*>", "", path.read_text())) for path in (SITE / "functions").glob("*.html")]
         shown = 0
         for source in (ROOT / "examples/small").glob("*.c*"):
