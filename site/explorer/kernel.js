@@ -78,11 +78,11 @@ explorer.kernelView = (() => {
   }
 
   function measurements(kernel) {
-    const {libraries, core} = explorer.measurement;
+    const {libraries} = explorer.measurement;
     const rows = [["By the model", kernel.model, "mean of two models of wide cores"],
       ["Port bound of the model", kernel.bound, "what the ports allow for these operations"]];
     if (kernel.cycles !== undefined) {
-      rows.push(["Measured", kernel.cycles, core ?? ""]);
+      rows.push(["Measured", kernel.cycles, "of calls in long bursts"]);
       (kernel.others ?? []).forEach((cycles, i) => {
         if (cycles !== null)
           rows.push([libraries[i], cycles, `${number(cycles / kernel.cycles)} times ours`]);

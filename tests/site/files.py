@@ -104,7 +104,8 @@ class Files(unittest.TestCase):
     def test_measurements_come_from_the_benchmark(self):
         table = ("kernel,family,length,ratio FFTW,ratio KissFFT,cycles over bound,cycles,median,bound,FFTW,"
                  "FFTW median,KissFFT,KissFFT median\n"
-                 "DFTFwd_CToC_64_32fc,DFTFwd_CToC_32fc,64,0.667,,1.1,150.0,151.0,136.0,100.0,101.0,,\n")
+                 "orvgDFTFwd_CToC_64_32fc,DFTFwd_CToC_32fc,64,0.667,,1.1,150.0,151.0,136.0,100.0,101.0,,\n"
+                 "orvgDCT4_32f of 64,DCT4_32f,64,1.5,,,100.0,101.0,,150.0,151.0,,\n")
         with tempfile.TemporaryDirectory() as folder:
             (Path(folder) / "table.csv").write_text(table)
             libraries, measured = explorer_data.cycles(Path(folder) / "table.csv")

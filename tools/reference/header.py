@@ -66,15 +66,15 @@ def sections(header: Path):
     text = header.read_text()
     head = re.search(r"/\* (orvgen[\w-]*: .*?)\*/", text, re.S)
     lines = [re.sub(r"^ \* ?", "", line) for line in head[1].splitlines()]
-    found = [Section(lines[0], "\n".join(lines[1:]).strip("\n "))]
+    found = [Section(lines[0], "\n".join(lines[1:]).strip("\n").rstrip())]
     for title, body in re.findall(r"/\* ---- (.+?) -+(.*?)\*/", text, re.S):
         lines = [re.sub(r"^ \* ?", "", line) for line in body.splitlines()]
-        found.append(Section(title, "\n".join(lines).strip("\n ")))
+        found.append(Section(title, "\n".join(lines).strip("\n").rstrip()))
     return found
 
 
 # What paragraphs of the headers begin with, for emphasis.
-TOPIC = re.compile(r"^([A-Z][a-z]+(?: [a-z]+){0,2}|Special values, rounding, exceptions)\. (?=[A-Z])")
+TOPIC = re.compile(r"^([A-Z][a-z]+(?: [a-z]+){0,2}|Special values, rounding, exceptions)\. (?=\w)")
 
 
 def blocks(text: str):

@@ -78,8 +78,8 @@ def lengths(kernels):
 
 def marked_up(text):
     """Plain text as Markdown: names as code, and nothing else means anything."""
-    parts = re.split(r"((?:lib)?\b[oO]rv\w*(?:<\w+>\w*)*(?:\.\w+)*|ORVGEN_\w+(?:<T>)?)", text)
-    return "".join(f"`{part}`" if i % 2 else re.sub(r"([\\`*_<>\[\]#|])", r"\\\1", part)
+    parts = re.split(r"(`\w+`|\b(?:lib)?[oO]rv\w*(?:(?:::|[.-])\w+|<\w+>\w*)*|\bORVGEN_\w+(?:<T>)?)", text)
+    return "".join(f"`{part.strip('`')}`" if i % 2 else re.sub(r"([\\`*_<>\[\]#|])", r"\\\1", part)
                    for i, part in enumerate(parts))
 
 

@@ -80,8 +80,8 @@ def strides(rows):
     N, count = 4, 3
     order = ([(t, j) for t in range(count) for j in range(N)] if rows
              else [(t, j) for j in range(N) for t in range(count)])
-    label = "rows: 1, 4" if rows else "columns: 3, 1"
-    return [(label, [(f"x{j} of {t}", "real" if t % 2 == 0 else "") for t, j in order])]
+    label = "rows" if rows else "columns"
+    return [(label, [(f"{'abc'[t]}{j}", "real" if t % 2 == 0 else "") for t, j in order])]
 
 
 def picture(name, tables):
