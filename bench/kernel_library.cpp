@@ -15,16 +15,18 @@ KernelLibrary::KernelLibrary(const std::filesystem::path& file)
     if (!handle) throw std::runtime_error(dlerror());
 }
 
-KernelLibrary KernelLibrary::asBuilt() { return KernelLibrary(ORVGEN_LIBRARY_FILE); }
+KernelLibrary KernelLibrary::asBuilt(const std::filesystem::path& file) {
+    return KernelLibrary(file);
+}
 
-KernelLibrary KernelLibrary::copy() {
+KernelLibrary KernelLibrary::copy(const std::filesystem::path& file) {
     namespace fs = std::filesystem;
     std::string folder = (fs::temp_directory_path() / "bench-XXXXXX").string();
     if (!mkdtemp(folder.data())) throw std::runtime_error("cannot make " + folder);
     const std::shared_ptr<void> remove(nullptr, [&](void*) { fs::remove_all(folder); });
-    const fs::path file = fs::path(folder) / fs::path(ORVGEN_LIBRARY_FILE).filename();
-    fs::copy_file(ORVGEN_LIBRARY_FILE, file);
-    return KernelLibrary(file);
+    const fs::path copied = fs::path(folder) / file.filename();
+    fs::copy_file(file, copied);
+    return KernelLibrary(copied);
 }
 
 void* KernelLibrary::find(const std::string& name) const {

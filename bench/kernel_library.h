@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The library that is measured, loaded at run time: the file as built, or a copy of it.
+// A build of the library, loaded at run time: the file as built, or a copy of it.
 //
 // A copy stands on other pages of memory, and where the pages stand can matter more than the code:
 // on a virtual machine one kernel in a thousand or so missed the instruction cache at each of its
@@ -14,8 +14,8 @@ namespace orvgen::bench {
 
 class KernelLibrary {
   public:
-    static KernelLibrary asBuilt();
-    static KernelLibrary copy();  // its file is gone once it is loaded
+    static KernelLibrary asBuilt(const std::filesystem::path& file);
+    static KernelLibrary copy(const std::filesystem::path& file);  // gone once it is loaded
 
     template <class Function>
     Function* function(const std::string& name) const {

@@ -41,12 +41,15 @@ class Ratios {
 
     void add(double ratio, const Result& result) {
         logs_ += std::log(ratio);
+        below_ += ratio < 1;
         if (count_++ == 0 || (largestIsWorst_ ? ratio > worst_ : ratio < worst_)) {
             worst_ = ratio;
             worstResult_ = &result;
         }
     }
     bool empty() const { return count_ == 0; }
+    int count() const { return count_; }
+    int below() const { return below_; }  // of them below 1
     std::string mean() const { return number("%.2f", std::exp(logs_ / count_)); }
     std::string worst() const { return number("%.2f", worst_); }
     const Result& worstResult() const { return *worstResult_; }
@@ -54,10 +57,15 @@ class Ratios {
   private:
     bool largestIsWorst_;
     double logs_ = 0;
-    int count_ = 0;
+    int count_ = 0, below_ = 0;
     double worst_ = 0;
     const Result* worstResult_ = nullptr;
 };
+
+// An empty name is that of all families.
+bool isOf(const Result& r, const std::string& family) {
+    return family.empty() || r.family == family;
+}
 
 // Their cycles over ours.
 Ratios toLibrary(const std::vector<Result>& results, const std::string& family,
@@ -65,7 +73,27 @@ Ratios toLibrary(const std::vector<Result>& results, const std::string& family,
     Ratios ratios(false);
     for (const Result& r : results) {
         const Cycles* c = theirs(r, library);
-        if (r.family == family && c) ratios.add(c->least / r.ours.burst.least, r);
+        if (isOf(r, family) && c) ratios.add(c->least / r.ours.burst.least, r);
+    }
+    return ratios;
+}
+
+// Cycles of the first build over those of the second.
+Ratios toSecond(const std::vector<Result>& results, const std::string& family) {
+    Ratios ratios(false);
+    for (const Result& r : results) {
+        if (isOf(r, family) && r.second) ratios.add(r.ours.burst.least / r.second->burst.least, r);
+    }
+    return ratios;
+}
+
+// Their cycles over those of the second build.
+Ratios fromSecond(const std::vector<Result>& results, const std::string& family,
+                  const std::string& library) {
+    Ratios ratios(false);
+    for (const Result& r : results) {
+        const Cycles* c = theirs(r, library);
+        if (isOf(r, family) && r.second && c) ratios.add(c->least / r.second->burst.least, r);
     }
     return ratios;
 }
@@ -85,7 +113,17 @@ std::string summaryPage(const Heading& heading, const std::vector<Result>& resul
         text += " " + l + " |";
         rule += "---|";
     }
-    text += " ours / bound |" + rule + "---|\n";
+    text += " ours / bound |";
+    rule += "---|";
+    if (heading.secondBuild) {
+        text += " ours / v3 |";
+        rule += "---|";
+        for (const std::string& l : heading.libraries) {
+            text += " " + l + " / v3 |";
+            rule += "---|";
+        }
+    }
+    text += rule + "\n";
     const auto cell = [](const Ratios& r) {
         if (r.empty()) return std::string(" |");
         return " " + r.mean() + ", " + r.worst() + " at " + std::to_string(r.worstResult().length) +
@@ -94,7 +132,13 @@ std::string summaryPage(const Heading& heading, const std::vector<Result>& resul
     for (const std::string& family : familiesOf(results)) {
         text += "| `" + family + "` |";
         for (const std::string& l : heading.libraries) text += cell(toLibrary(results, family, l));
-        text += cell(toBound(results, family)) + "\n";
+        text += cell(toBound(results, family));
+        if (heading.secondBuild) {
+            text += cell(toSecond(results, family));
+            for (const std::string& l : heading.libraries)
+                text += cell(fromSecond(results, family, l));
+        }
+        text += "\n";
     }
     return text;
 }
@@ -106,6 +150,10 @@ void writeCsv(const std::filesystem::path& file, const Heading& heading,
     for (const std::string& l : heading.libraries) out << ",ratio " << l;
     out << ",cycles over bound,cycles,median,short,short median,latency,latency median,bound";
     for (const std::string& l : heading.libraries) out << "," << l << "," << l << " median";
+    if (heading.secondBuild) {
+        out << ",ratio of builds,v3 cycles,v3 median,v3 short,v3 short median,v3 latency,"
+               "v3 latency median";
+    }
     out << "\n";
     for (const Result& r : results) {
         out << r.name << "," << r.family << "," << r.length;
@@ -121,6 +169,11 @@ void writeCsv(const std::filesystem::path& file, const Heading& heading,
         for (const std::string& l : heading.libraries) {
             const Cycles* c = theirs(r, l);
             out << (c ? number(",%.1f", c->least) + number(",%.1f", c->median) : ",,");
+        }
+        if (r.second) {
+            out << "," << number("%.3f", r.ours.burst.least / r.second->burst.least);
+            for (const Cycles* c : {&r.second->burst, &r.second->brief, &r.second->latency})
+                out << number(",%.1f", c->least) << number(",%.1f", c->median);
         }
         out << "\n";
     }
@@ -219,6 +272,7 @@ std::string tableHead(const Heading& heading) {
     std::string text;
     for (const std::string& note : heading.notes) text += "# " + note + "\n";
     for (const std::string& l : heading.libraries) text += padded(l, 12);
+    if (heading.secondBuild) text += padded("v3", 8);
     text += padded("/bound", 9) + padded("cycles", 10) + padded("median", 10) +
             padded("short", 10) + padded("latency", 10) + padded("bound", 10) + "  kernel\n";
     return text;
@@ -230,6 +284,7 @@ std::string tableRow(const Heading& heading, const Result& r) {
         const Cycles* c = theirs(r, l);
         text += padded(c ? number("%.2f", c->least / r.ours.burst.least) : "-", 12);
     }
+    if (r.second) text += padded(number("%.2f", r.ours.burst.least / r.second->burst.least), 8);
     text += padded(r.bound ? number("%.2f", r.ours.burst.least / *r.bound) : "-", 9);
     text += padded(number("%.1f", r.ours.burst.least), 10);
     text += padded(number("%.1f", r.ours.burst.median), 10);
@@ -251,7 +306,20 @@ std::string summary(const Heading& heading, const std::vector<Result>& results) 
         for (const std::string& l : heading.libraries)
             line(l + " / ours", toLibrary(results, family, l));
         line("ours / bound", toBound(results, family));
+        line("ours / v3", toSecond(results, family));
+        for (const std::string& l : heading.libraries)
+            line(l + " / v3", fromSecond(results, family, l));
     }
+    text += "all\n";
+    const auto ahead = [&](const std::string& what, const Ratios& r) {
+        line(what, r);
+        if (!r.empty())
+            text += "        below 1: " + std::to_string(r.below()) + " of " +
+                    std::to_string(r.count()) + "\n";
+    };
+    for (const std::string& l : heading.libraries) ahead(l + " / ours", toLibrary(results, "", l));
+    ahead("ours / v3", toSecond(results, ""));
+    for (const std::string& l : heading.libraries) ahead(l + " / v3", fromSecond(results, "", l));
     return text;
 }
 

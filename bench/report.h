@@ -16,7 +16,8 @@ struct Result {
     std::string name;
     std::string family;
     int length = 0;
-    Timing ours;
+    Timing ours;                           // in the build for every processor
+    std::optional<Timing> second;          // in that for x86-64-v3
     std::optional<double> bound;           // cycles of the kernel's own operations
     std::map<std::string, Cycles> others;  // by library, long bursts
 };
@@ -24,13 +25,15 @@ struct Result {
 struct Heading {
     std::string core;                    // of the port table
     std::vector<std::string> libraries;  // in the order of the columns
+    bool secondBuild = false;            // measured too
     std::vector<std::string> notes;
 };
 
 std::string tableHead(const Heading& heading);
 std::string tableRow(const Heading& heading, const Result& result);
 // For each family and each library: geometric mean and worst of (their cycles / ours), and the same
-// of (our cycles / bound).
+// of (our cycles / bound), of (our cycles / those of the second build) and of (their cycles /
+// those).
 std::string summary(const Heading& heading, const std::vector<Result>& results);
 
 // table.txt, table.csv, summary.txt, summary.md and, where gnuplot is there, one PNG of all
