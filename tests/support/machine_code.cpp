@@ -193,6 +193,11 @@ bool setMemory(const x86_op_mem& mem, int size, Operand& operand) {
 void classifyVex(Instruction& in) {
     in.vex = true;
     in.mnemonic.erase(0, 1);
+    // The decoder names the size of a memory operand that the result does not tell.
+    if (in.mnemonic == "cvtpd2psx" || in.mnemonic == "cvtpd2psy") {
+        if (in.mnemonic.back() == 'y') in.width = 32;
+        in.mnemonic.pop_back();
+    }
     auto it = vectorTable().find(in.mnemonic);
     if (it == vectorTable().end()) it = vectorTable().find("v" + in.mnemonic);
     if (it == vectorTable().end()) return;  // foreign
