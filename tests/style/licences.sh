@@ -15,16 +15,25 @@ if [[ -e .git ]]; then
 else
     mapfile -t files < <(find . -path ./build -prune -o -type f -printf '%P\n')
 fi
-checked=0 missing=()
+sources=()
 for file in "${files[@]}"; do
     [[ -f $file ]] || continue # removed, and not yet committed
-    case $file in
-        *.cpp | *.hpp | *.c | *.h | *.S | *.sh | *.py | *.js | *.css | *.cmake | *.in | *.map | */CMakeLists.txt | CMakeLists.txt) ;;
-        *) [[ $(head -c 2 "$file" | tr -d '\0') == '#!' ]] || continue ;;
+    case ${file##*/} in
+        *.cpp | *.hpp | *.c | *.h | *.S | *.sh | *.py | *.js | *.css | *.cmake | *.in | *.map | CMakeLists.txt) ;;
+        *.*) continue ;;
+        *) # a script, or no source
+            first=
+            read -rN 2 first <"$file" 2>/dev/null || true
+            [[ $first == '#!' ]] || continue
+            ;;
     esac
-    checked=$((checked + 1))
-    head -n 3 "$file" | grep -qE "(^|[ /#*])$line( \*/)?\$" || missing+=("$file")
+    sources+=("$file")
 done
-[[ ${#missing[@]} == 0 ]] || fail "no line '$line': ${missing[*]}"
+checked=${#sources[@]}
 ((checked > 500)) || fail "only $checked source files found"
+missing=$(awk -v line="(^|[ /#*])$line( \\*/)?$" '
+    FNR == 1 { if (file != "" && !found) print file; file = FILENAME; found = 0 }
+    FNR <= 3 && $0 ~ line { found = 1 }
+    END { if (!found) print file }' "${sources[@]}")
+[[ -z $missing ]] || fail "no line '$line': $missing"
 echo "all $checked source files are under $name"
