@@ -2,6 +2,7 @@
 // The benchmark: every kernel beside other libraries and beside the bound of its own operations, in
 // core cycles. Ratios come first: their cycles over ours, above 1 where ours is faster.
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -9,7 +10,6 @@
 #include <filesystem>
 #include <memory>
 #include <random>
-#include <set>
 #include <stdexcept>
 
 #include "generator/names.h"
@@ -99,18 +99,14 @@ std::vector<std::string> legend(const std::string& ports) {
         "bound: cycles that the operations take at least, without call, gate and return"};
 }
 
-// A DCT-IV of 8 points (orvgDCT4_32f of 8) is called as if it were a kernel of that length.
-std::string calledName(const Subject& s) {
-    if (s.problem.transform != Transform::dct4) return s.name;
-    return "orvgDCT4_" + std::to_string(s.problem.length) + (s.problem.wide ? "_64f" : "_32f");
-}
-
+// A DCT-IV of 8 points is called as if it were a kernel of that length: DCT4_8_32f.
 std::vector<Subject> chosen(std::vector<Subject> subjects, const std::vector<std::string>& words) {
-    std::vector<std::string> names;
-    for (const Subject& s : subjects) names.push_back(calledName(s));
-    const std::vector<std::string> called = generator::calledBy(names, words);
-    const std::set<std::string> wanted(called.begin(), called.end());
-    std::erase_if(subjects, [&](const Subject& s) { return !wanted.contains(calledName(s)); });
+    std::vector<Member> members;
+    for (const Subject& s : subjects) members.push_back(s.member);
+    const std::vector<Member> called = generator::calledBy(members, words);
+    std::erase_if(subjects, [&](const Subject& s) {
+        return std::find(called.begin(), called.end(), s.member) == called.end();
+    });
     return subjects;
 }
 
@@ -229,7 +225,7 @@ int run(const Options& options) {
         dst.fill(s.problem.wide);
         Result r;
         r.name = s.name;
-        r.family = s.family;
+        r.family = s.member.family;
         r.length = s.problem.length;
         r.ours = timingOf(measure, first, i, src.data(), dst.data(), bytes);
         if (second) r.second = timingOf(measure, *second, i, src.data(), dst.data(), bytes);

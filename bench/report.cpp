@@ -8,6 +8,8 @@
 #include <fstream>
 #include <stdexcept>
 
+#include "frame/names.h"
+
 namespace orvgen::bench {
 namespace {
 
@@ -26,12 +28,14 @@ const Cycles* theirs(const Result& r, const std::string& library) {
     return it == r.others.end() || it->second.least <= 0 ? nullptr : &it->second;
 }
 
-std::vector<std::string> familiesOf(const std::vector<Result>& results) {
-    std::vector<std::string> names;
+using Families = std::vector<const FamilyInfo*>;
+
+Families familiesOf(const std::vector<Result>& results) {
+    Families families;
     for (const Result& r : results) {
-        if (names.empty() || names.back() != r.family) names.push_back(r.family);
+        if (families.empty() || families.back() != r.family) families.push_back(r.family);
     }
-    return names;
+    return families;
 }
 
 // Geometric mean and worst of a family's ratios.
@@ -68,7 +72,7 @@ bool isOf(const Result& r, const std::string& family) {
 }
 
 // Their cycles over ours.
-Ratios toLibrary(const std::vector<Result>& results, const std::string& family,
+Ratios toLibrary(const std::vector<Result>& results, const FamilyInfo* family,
                  const std::string& library) {
     Ratios ratios(false);
     for (const Result& r : results) {
@@ -99,7 +103,7 @@ Ratios fromSecond(const std::vector<Result>& results, const std::string& family,
 }
 
 // Our cycles over the bound of our operations.
-Ratios toBound(const std::vector<Result>& results, const std::string& family) {
+Ratios toBound(const std::vector<Result>& results, const FamilyInfo* family) {
     Ratios ratios(true);
     for (const Result& r : results)
         if (r.family == family && r.bound) ratios.add(r.ours.burst.least / *r.bound, r);
@@ -129,8 +133,8 @@ std::string summaryPage(const Heading& heading, const std::vector<Result>& resul
         return " " + r.mean() + ", " + r.worst() + " at " + std::to_string(r.worstResult().length) +
                " |";
     };
-    for (const std::string& family : familiesOf(results)) {
-        text += "| `" + family + "` |";
+    for (const FamilyInfo* family : familiesOf(results)) {
+        text += "| `" + shortName(*family) + "` |";
         for (const std::string& l : heading.libraries) text += cell(toLibrary(results, family, l));
         text += cell(toBound(results, family));
         if (heading.secondBuild) {
@@ -156,7 +160,7 @@ void writeCsv(const std::filesystem::path& file, const Heading& heading,
     }
     out << "\n";
     for (const Result& r : results) {
-        out << r.name << "," << r.family << "," << r.length;
+        out << r.name << "," << shortName(*r.family) << "," << r.length;
         for (const std::string& l : heading.libraries) {
             const Cycles* c = theirs(r, l);
             out << "," << (c ? number("%.3f", c->least / r.ours.burst.least) : "");
@@ -182,12 +186,11 @@ void writeCsv(const std::filesystem::path& file, const Heading& heading,
 // The ratios over the length, one panel a family, so many in a row.
 struct Picture {
     std::string file;
-    std::vector<std::string> families;
+    Families families;
     int columns = 1;
 };
 
-std::string plotScript(const Picture& picture, const Heading& heading,
-                       const std::vector<std::string>& dataBlocks) {
+std::string plotScript(const Picture& picture, const Heading& heading, const Families& dataBlocks) {
     const auto panels = static_cast<int>(picture.families.size());
     const int rows = (panels + picture.columns - 1) / picture.columns;
     std::string text = "set terminal pngcairo size " + std::to_string(440 * picture.columns) + "," +
@@ -195,11 +198,11 @@ std::string plotScript(const Picture& picture, const Heading& heading,
                        "'\nset multiplot layout " + std::to_string(rows) + "," +
                        std::to_string(picture.columns) +
                        " title 'Cycles of other libraries over ours (above 1: ours is faster)'\n";
-    for (const std::string& family : picture.families) {
-        const bool doubling = family.starts_with("WHT") || family.starts_with("DCT4");
+    for (const FamilyInfo* family : picture.families) {
+        const bool doubling = family->byOrder || family->numbers.doubling;
         const auto block = std::find(dataBlocks.begin(), dataBlocks.end(), family);
         const std::string index = std::to_string(block - dataBlocks.begin());
-        text += "set title '" + family + "' noenhanced\n";
+        text += "set title '" + shortName(*family) + "' noenhanced\n";
         text += doubling ? "set logscale x 2\n" : "unset logscale x\n";
         text += "plot 1 lc 'black' notitle";
         int column = 2;
@@ -212,14 +215,13 @@ std::string plotScript(const Picture& picture, const Heading& heading,
     return text + "unset multiplot\n";
 }
 
-// Each transform once, the first packed format for the real ones; element types below each other.
-std::vector<std::string> overview(const std::vector<std::string>& families) {
-    std::vector<std::string> single, twice;
-    for (const std::string& f : families) {
-        const bool shown = f.find("Inv") == std::string::npos &&
-                           f.find("Pack") == std::string::npos &&
-                           f.find("Perm") == std::string::npos;
-        if (shown) (f.find("_64") == std::string::npos ? single : twice).push_back(f);
+// Each transform once, CCS for the real ones; element types below each other.
+Families overview(const Families& families) {
+    const auto isPacked = [](Layout l) { return l == Layout::Pack || l == Layout::Perm; };
+    Families single, twice;
+    for (const FamilyInfo* f : families) {
+        if (f->direction == Direction::Inverse || isPacked(f->src) || isPacked(f->dst)) continue;
+        (f->isSingle() ? single : twice).push_back(f);
     }
     single.insert(single.end(), twice.begin(), twice.end());
     return single;
@@ -227,9 +229,9 @@ std::vector<std::string> overview(const std::vector<std::string>& families) {
 
 void plot(const std::filesystem::path& folder, const Heading& heading,
           const std::vector<Result>& results) {
-    const std::vector<std::string> families = familiesOf(results);
+    const Families families = familiesOf(results);
     std::ofstream data(folder / "plot.dat");
-    for (const std::string& family : families) {
+    for (const FamilyInfo* family : families) {
         for (const Result& r : results) {
             if (r.family != family) continue;
             data << r.length;
@@ -245,7 +247,7 @@ void plot(const std::filesystem::path& folder, const Heading& heading,
     const auto columnsFor = [](std::size_t panels) {
         return panels > 12 ? 4 : panels > 4 ? 3 : panels > 1 ? 2 : 1;
     };
-    const std::vector<std::string> some = overview(families);
+    const Families some = overview(families);
     const int half = static_cast<int>(some.size() + 1) / 2;
     std::ofstream script(folder / "plot.gp");
     script << "set datafile missing '?'\nset grid ytics\nset logscale y\nset key below\n"
@@ -301,8 +303,8 @@ std::string summary(const Heading& heading, const std::vector<Result>& results) 
         text += "    " + what + ": geometric mean " + r.mean() + ", worst " + r.worst() + " (" +
                 r.worstResult().name + ")\n";
     };
-    for (const std::string& family : familiesOf(results)) {
-        text += family + "\n";
+    for (const FamilyInfo* family : familiesOf(results)) {
+        text += shortName(*family) + "\n";
         for (const std::string& l : heading.libraries)
             line(l + " / ours", toLibrary(results, family, l));
         line("ours / bound", toBound(results, family));

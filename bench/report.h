@@ -8,13 +8,14 @@
 #include <string>
 #include <vector>
 
+#include "frame/families.h"
 #include "measure.h"
 
 namespace orvgen::bench {
 
 struct Result {
     std::string name;
-    std::string family;
+    const FamilyInfo* family = nullptr;
     int length = 0;
     Timing ours;                           // in the build for every processor
     std::optional<Timing> second;          // in that for x86-64-v3

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/names.h"
 #include "kernel_library.h"
 
 namespace orvgen::bench {
@@ -28,9 +29,8 @@ struct Problem {
 using Loop = std::function<void(const void* src, void* dst, int calls, bool chained)>;
 
 struct Subject {
-    std::string name;    // of the kernel
-    std::string family;  // of its list, for the summary
-    std::string format;  // RToCCS and the like; empty where there is one only
+    std::string name;  // of the kernel
+    Member member;
     Problem problem;
     Loop loop;
 };

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "cycles.h"
+#include "frame/names.h"
 #include "orvgen_batch.h"
 #include "program.h"
 
@@ -42,19 +43,26 @@ struct Size {
 // A family: its functions here, and the same problem for FFTW.
 template <class R>
 struct Family {
-    const char* name;
-    bool complex;
-    Size (*size)(int n);
+    const FamilyInfo* info;
     void (*batch)(int n, const R* src, R* dst, const Places& p);
     void (*single)(int n, const R* src, R* dst);
     // Null where FFTW finds no plan.
     Run (*fftw)(int n, R* src, R* dst, const Places& p);
 };
 
-Size complexSize(int n) { return {n, 2 * n, 2 * n, 2, 2, n, n}; }
-Size forwardSize(int n) { return {n, n, 2 * (n / 2 + 1), 1, 2, n, n / 2 + 1}; }
-Size inverseSize(int n) { return {n, 2 * (n / 2 + 1), n, 2, 1, n / 2 + 1, n}; }
-Size realSize(int n) { return {n, n, n, 1, 1, n, n}; }
+Size sizeOf(const FamilyInfo& family, int n) {
+    const auto width = [](orvgen::Layout l) {
+        return l == orvgen::Layout::Complex || l == orvgen::Layout::Ccs ? 2 : 1;
+    };
+    const int src = width(family.src), dst = width(family.dst);
+    return {.n = n,
+            .srcReals = family.srcReals(n),
+            .dstReals = family.dstReals(n),
+            .srcElement = src,
+            .dstElement = dst,
+            .srcElements = family.srcReals(n) / src,
+            .dstElements = family.dstReals(n) / dst};
+}
 
 // FFTW of one element type.
 #define ORVGEN_FFTW(PREFIX, NAME, R)                                                               \
@@ -107,36 +115,36 @@ ORVGEN_FFTW(fftw, Fftw64, double)
     }
 
 const std::vector<Family<float>> kFamilies32 = {
-    {"RToCCS_32f", false, forwardSize, ORVGEN_BATCH(DFTFwd_RToCCS, 32f, Orv32f, Orv32fc),
+    {&familyOf("DFTFwd_RToCCS", "32f"), ORVGEN_BATCH(DFTFwd_RToCCS, 32f, Orv32f, Orv32fc),
      ORVGEN_SINGLE(DFTFwd_RToCCS, 32f), Fftw32::forward},
-    {"CCSToR_32f", false, inverseSize, ORVGEN_BATCH(DFTInv_CCSToR, 32f, Orv32fc, Orv32f),
+    {&familyOf("DFTInv_CCSToR", "32f"), ORVGEN_BATCH(DFTInv_CCSToR, 32f, Orv32fc, Orv32f),
      ORVGEN_SINGLE(DFTInv_CCSToR, 32f), Fftw32::inverse},
-    {"Hartley_32f", false, realSize, ORVGEN_BATCH(Hartley, 32f, Orv32f, Orv32f),
+    {&familyOf("Hartley", "32f"), ORVGEN_BATCH(Hartley, 32f, Orv32f, Orv32f),
      ORVGEN_SINGLE(Hartley, 32f), Fftw32::hartley},
-    {"FwdCToC_32fc", true, complexSize, ORVGEN_BATCH(DFTFwd_CToC, 32fc, Orv32fc, Orv32fc),
+    {&familyOf("DFTFwd_CToC", "32fc"), ORVGEN_BATCH(DFTFwd_CToC, 32fc, Orv32fc, Orv32fc),
      ORVGEN_SINGLE(DFTFwd_CToC, 32fc),
      [](int n, float* x, float* y, const Places& p) {
          return Fftw32::dft(n, x, y, p, FFTW_FORWARD);
      }},
-    {"InvCToC_32fc", true, complexSize, ORVGEN_BATCH(DFTInv_CToC, 32fc, Orv32fc, Orv32fc),
+    {&familyOf("DFTInv_CToC", "32fc"), ORVGEN_BATCH(DFTInv_CToC, 32fc, Orv32fc, Orv32fc),
      ORVGEN_SINGLE(DFTInv_CToC, 32fc),
      [](int n, float* x, float* y, const Places& p) {
          return Fftw32::dft(n, x, y, p, FFTW_BACKWARD);
      }},
 };
 const std::vector<Family<double>> kFamilies64 = {
-    {"RToCCS_64f", false, forwardSize, ORVGEN_BATCH(DFTFwd_RToCCS, 64f, Orv64f, Orv64fc),
+    {&familyOf("DFTFwd_RToCCS", "64f"), ORVGEN_BATCH(DFTFwd_RToCCS, 64f, Orv64f, Orv64fc),
      ORVGEN_SINGLE(DFTFwd_RToCCS, 64f), Fftw64::forward},
-    {"CCSToR_64f", false, inverseSize, ORVGEN_BATCH(DFTInv_CCSToR, 64f, Orv64fc, Orv64f),
+    {&familyOf("DFTInv_CCSToR", "64f"), ORVGEN_BATCH(DFTInv_CCSToR, 64f, Orv64fc, Orv64f),
      ORVGEN_SINGLE(DFTInv_CCSToR, 64f), Fftw64::inverse},
-    {"Hartley_64f", false, realSize, ORVGEN_BATCH(Hartley, 64f, Orv64f, Orv64f),
+    {&familyOf("Hartley", "64f"), ORVGEN_BATCH(Hartley, 64f, Orv64f, Orv64f),
      ORVGEN_SINGLE(Hartley, 64f), Fftw64::hartley},
-    {"FwdCToC_64fc", true, complexSize, ORVGEN_BATCH(DFTFwd_CToC, 64fc, Orv64fc, Orv64fc),
+    {&familyOf("DFTFwd_CToC", "64fc"), ORVGEN_BATCH(DFTFwd_CToC, 64fc, Orv64fc, Orv64fc),
      ORVGEN_SINGLE(DFTFwd_CToC, 64fc),
      [](int n, double* x, double* y, const Places& p) {
          return Fftw64::dft(n, x, y, p, FFTW_FORWARD);
      }},
-    {"InvCToC_64fc", true, complexSize, ORVGEN_BATCH(DFTInv_CToC, 64fc, Orv64fc, Orv64fc),
+    {&familyOf("DFTInv_CToC", "64fc"), ORVGEN_BATCH(DFTInv_CToC, 64fc, Orv64fc, Orv64fc),
      ORVGEN_SINGLE(DFTInv_CToC, 64fc),
      [](int n, double* x, double* y, const Places& p) {
          return Fftw64::dft(n, x, y, p, FFTW_BACKWARD);
@@ -239,12 +247,13 @@ constexpr TargetName kTargets[] = {{orvTargetAVX2, "AVX2", 32}, {orvTargetAVX512
 
 template <class R>
 void family(const Family<R>& f, const Arguments& a, std::ofstream& csv) {
-    if (!a.only.empty() && std::string(f.name).find(a.only) == std::string::npos) return;
+    const std::string name = shortName(*f.info);
+    if (!a.only.empty() && name.find(a.only) == std::string::npos) return;
     for (const TargetName& t : kTargets) {
         if ((orvgBatchTargets() & t.target) == 0) continue;
         Summary besideFftw, besideSingle;
         for (const int n : a.lengths) {
-            const Size s = f.size(n);
+            const Size s = sizeOf(*f.info, n);
             const Places p = placesOf(s, a, sizeof(R), t.bytes / static_cast<int>(sizeof(R)));
             std::vector<R> src(reach(p.stride, p.distance, s.srcElements, p.count) *
                                static_cast<std::size_t>(s.srcElement));
@@ -269,11 +278,11 @@ void family(const Family<R>& f, const Arguments& a, std::ofstream& csv) {
             const std::vector<double> cycles = measure({ours, single, other}, p.count, a.samples);
             besideSingle.add(cycles[1] / cycles[0], n);
             besideFftw.add(cycles[2] / cycles[0], n);
-            csv << f.name << ',' << n << ',' << t.name << ',' << a.layout << ',' << a.place << ','
+            csv << name << ',' << n << ',' << t.name << ',' << a.layout << ',' << a.place << ','
                 << p.count << ',' << cycles[0] << ',' << cycles[1] << ',' << cycles[2] << '\n';
         }
-        std::printf("%-13s %-8s  FFTW %-28s single %s\n", f.name, t.name, besideFftw.text().c_str(),
-                    besideSingle.text().c_str());
+        std::printf("%-17s %-8s  FFTW %-28s single %s\n", name.c_str(), t.name,
+                    besideFftw.text().c_str(), besideSingle.text().c_str());
         std::fflush(stdout);
     }
 }
@@ -285,7 +294,7 @@ void declare(CLI::App& app, Arguments& a) {
         ->check(CLI::IsMember({"cache", "memory"}));
     app.add_option("--lengths", a.lengths, "lengths (2 to 64)")
         ->delimiter(',')
-        ->check(CLI::Range(2, 64));
+        ->check(CLI::Range(kLengths.first, kLengths.last));
     app.add_option("--only", a.only, "families whose name holds this");
     app.add_option("--limit", a.planSeconds, "seconds of FFTW's planning of each length (5)")
         ->check(CLI::PositiveNumber);
@@ -296,7 +305,7 @@ void declare(CLI::App& app, Arguments& a) {
 
 int run(Arguments& a) {
     if (a.lengths.empty())
-        for (int n = 2; n <= 64; ++n) a.lengths.push_back(n);
+        for (const int n : kLengths) a.lengths.push_back(n);
     Fftw32::limit(a.planSeconds);
     Fftw64::limit(a.planSeconds);
     std::ofstream csv(a.csv);

@@ -52,7 +52,7 @@ const char* word(Counted counted) {
                                                  : "additions and multiplications";
 }
 
-Json knownJson(const Kernel& kernel, const std::string& family,
+Json knownJson(const Kernel& kernel, const FamilyInfo& family,
                const generator::Operations& operations) {
     std::vector<Json> rows;
     for (const KnownCount& known : knownCounts(kindOf(family), kernel.length)) {
@@ -68,9 +68,9 @@ Json knownJson(const Kernel& kernel, const std::string& family,
     return array(rows);
 }
 
-Json requiredJson(const std::string& tables, const Kernel& kernel) {
+Json requiredJson(const std::string& tables, const FamilyInfo& family, int number) {
     std::vector<Json> rows;
-    for (const auto& row : generator::requiredRows(tables, kernel.name, kernel.length)) {
+    for (const auto& row : generator::requiredRows(tables, family, number)) {
         std::string text;
         for (const auto& [column, value] : row.cells)
             text += (text.empty() ? "" : ", ") + column + " " + value;
@@ -90,14 +90,18 @@ void replaceAll(std::string& text, const std::string& from, const std::string& t
 
 }  // namespace
 
-Kind kindOf(const std::string& family) {
-    const auto has = [&](const char* part) { return family.find(part) != std::string::npos; };
-    if (has("CToC")) return Kind::Complex;
-    if (has("DFTFwd_RTo")) return Kind::Real;
-    if (has("DFTInv_")) return Kind::InverseReal;
-    if (has("Hartley")) return Kind::Hartley;
-    if (has("WHT")) return Kind::WalshHadamard;
-    throw std::invalid_argument("no kind of transform: " + family);
+Kind kindOf(const FamilyInfo& family) {
+    switch (family.transform) {
+        case Transform::Dft:
+            if (family.isComplex()) return Kind::Complex;
+            return family.direction == Direction::Forward ? Kind::Real : Kind::InverseReal;
+        case Transform::Hartley:
+            return Kind::Hartley;
+        case Transform::WalshHadamard:
+            return Kind::WalshHadamard;
+        default:
+            throw std::invalid_argument("a transform without kernels");
+    }
 }
 
 int comparable(const generator::Operations& o, Counted counted) {
@@ -125,7 +129,7 @@ Json rowOf(const Kernel& kernel, int family, int length, const std::string& asse
                   number(f.portBound), number(generator::errorBoundOf(kernel).absolute)});
 }
 
-Json pageOf(const Kernel& kernel, const std::string& family, int length, const std::string& tables,
+Json pageOf(const Kernel& kernel, const FamilyInfo& family, int length, const std::string& tables,
             const std::string& assembly) {
     const generator::Operations operations = generator::operationsOf(kernel);
     return object({{"tree", treeOf(branchOf(kernel, family, length))},
@@ -133,7 +137,7 @@ Json pageOf(const Kernel& kernel, const std::string& family, int length, const s
                    {"known", knownJson(kernel, family, operations)},
                    {"largestConstant", number(largestConstant(kernel))},
                    {"magnitude", number(generator::errorBoundOf(kernel).magnitude)},
-                   {"tables", requiredJson(tables, kernel)},
+                   {"tables", requiredJson(tables, family, length)},
                    {"flow", flowOf(kernel)},
                    {"assembly", quoted(marked(assembly, kernel.name))}});
 }

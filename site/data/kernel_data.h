@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/families.h"
 #include "generator/operations.h"
 #include "kernelgen/kernel.h"
 #include "known_counts.h"
@@ -12,7 +13,7 @@
 
 namespace orvgen::site {
 
-Kind kindOf(const std::string& family);
+Kind kindOf(const FamilyInfo& family);
 
 // What a kernel has of what was counted. The scale is left out, a sign is free, and a doubling is
 // an addition of the value to itself.
@@ -26,7 +27,7 @@ Json rowOf(const kernelgen::Kernel& kernel, int family, int length, const std::s
 
 // All the rest: plan, counts beside known ones, rows of the count tables (in the folder `tables`),
 // flow, assembly.
-Json pageOf(const kernelgen::Kernel& kernel, const std::string& family, int length,
+Json pageOf(const kernelgen::Kernel& kernel, const FamilyInfo& family, int length,
             const std::string& tables, const std::string& assembly);
 
 // Assembly repeats itself; short marks stand for what is frequent. The list of (mark, text) is to

@@ -35,17 +35,17 @@ void writeAll(const std::filesystem::path& kernels, const std::string& tables,
               const std::filesystem::path& folder) {
     std::filesystem::create_directories(folder / "kernels");
     std::vector<Json> families, rows, marks;
-    for (const kernelgen::Family& family : generator::allFamilies()) {
-        for (const int length : family.lengths) {
+    for (const KernelFamily& family : generator::allFamilies()) {
+        for (const int length : family.info->numbers) {
             const kernelgen::Kernel kernel = family.kernel(length);
             const std::string assembly = contentOf(kernels / (kernel.name + ".s"));
             rows.push_back(
                 site::rowOf(kernel, static_cast<int>(families.size()), length, assembly));
             write(folder / "kernels" / (kernel.name + ".js"),
                   "explorer.kernel(" + site::quoted(kernel.name).text + "," +
-                      site::pageOf(kernel, family.name, length, tables, assembly).text + ");\n");
+                      site::pageOf(kernel, *family.info, length, tables, assembly).text + ");\n");
         }
-        families.push_back(site::quoted(family.name));
+        families.push_back(site::quoted(nameOf(*family.info)));
     }
     for (const site::Mark& mark : site::marks())
         marks.push_back(site::array({site::quoted(mark.mark), site::quoted(mark.text)}));

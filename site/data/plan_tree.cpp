@@ -18,13 +18,13 @@ namespace {
 std::string points(const Plan& plan) {
     const std::string n = std::to_string(plan.length);
     switch (plan.transform) {
-        case Transform::Real:
+        case plan::Transform::Real:
             return n + " real points";
-        case Transform::InverseReal:
+        case plan::Transform::InverseReal:
             return n + " real points, inverse";
-        case Transform::Odd:
+        case plan::Transform::Odd:
             return n + " real points, odd frequencies";
-        case Transform::InverseOdd:
+        case plan::Transform::InverseOdd:
             return n + " real points, odd frequencies, inverse";
         default:
             return n + " complex points";
@@ -142,37 +142,36 @@ Branch passesOf(const kernelgen::Kernel& kernel, const kernelgen::Passes& passes
     return root;
 }
 
-realdft::PackedFormat formatOf(const std::string& family) {
-    for (const realdft::PackedFormat format : realdft::kPackedFormats)
-        if (family.find(realdft::formatName(format)) != std::string::npos) return format;
-    throw std::invalid_argument("no packed format in " + family);
-}
-
 }  // namespace
 
-PlanPtr planOf(const std::string& family, int length) {
-    const auto has = [&](const char* part) { return family.find(part) != std::string::npos; };
-    if (has("WHT")) return nullptr;
-    if (has("Hartley")) return hartley::planOf(length);
-    if (has("CToC"))
-        return has("_32fc") ? dft::singleLength(length).plan : dft::doublePlans().plan(length);
-    return has("DFTFwd") ? realdft::forwardPlans().plan(length)
-                         : realdft::inversePlans(formatOf(family)).plan(length);
+PlanPtr planOf(const FamilyInfo& family, int length) {
+    switch (family.transform) {
+        case orvgen::Transform::Dft:
+            if (family.isComplex())
+                return family.isSingle() ? dft::singleLength(length).plan
+                                         : dft::doublePlans().plan(length);
+            return family.direction == Direction::Forward
+                       ? realdft::forwardPlans().plan(length)
+                       : realdft::inversePlans(family.src).plan(length);
+        case orvgen::Transform::Hartley:
+            return hartley::planOf(length);
+        default:
+            return nullptr;
+    }
 }
 
 Branch branchOf(const Plan& plan) { return std::visit(Describer{plan}, plan.node); }
 
-Branch branchOf(const kernelgen::Kernel& kernel, const std::string& family, int length) {
+Branch branchOf(const kernelgen::Kernel& kernel, const FamilyInfo& family, int length) {
     if (kernel.passes) return passesOf(kernel, *kernel.passes);
-    const auto has = [&](const char* part) { return family.find(part) != std::string::npos; };
     const Branch plan = branchOf(*planOf(family, length));
     const std::string n = std::to_string(length);
     Branch root{"", "", kernel.method, {plan}};
-    if (has("CToC_64fc"))
+    if (family.isComplex() && !family.isSingle())
         root.what = "Complex transform of " + n +
                     " points: the real flow on pairs of a real and an imaginary part, then "
                     "y[k], y[N-k] = P +- i Q";
-    else if (has("Hartley"))
+    else if (family.transform == orvgen::Transform::Hartley)
         root.what = "Hartley transform of " + n + " points through the " +
                     (hartley::runsForwardFlow(length) ? "forward" : "inverse") + " real transform";
     else

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/families.h"
 #include "kernelgen/kernel.h"
 #include "plan/plan.h"
 
@@ -17,12 +18,12 @@ struct Branch {
     std::vector<Branch> parts = {};
 };
 
-// The plan of a member of a family (orvgDFTFwd_CToC_32fc, 16), and none for Walsh-Hadamard kernels.
-plan::PlanPtr planOf(const std::string& family, int length);
+// The plan of a member of a family, and none for Walsh-Hadamard kernels.
+plan::PlanPtr planOf(const FamilyInfo& family, int length);
 
 Branch branchOf(const plan::Plan& plan);
 // Of a member of a family: its plan, in the way in which the family runs plans; of a Walsh-Hadamard
 // kernel its passes.
-Branch branchOf(const kernelgen::Kernel& kernel, const std::string& family, int length);
+Branch branchOf(const kernelgen::Kernel& kernel, const FamilyInfo& family, int length);
 
 }  // namespace orvgen::site

@@ -50,30 +50,35 @@ void run(const AnyTask& task) {
     if (done < task.count) runSingles(task, done);
 }
 
-// What the name of a family says.
-enum class Direction : std::uint8_t { Forward, Inverse, Both };
+constexpr Kind kindOf(const FamilyInfo& family) {
+    const bool isForward = family.direction == Direction::Forward;
+    if (family.transform == Transform::Hartley) return Kind::Hartley;
+    if (family.isComplex()) return isForward ? Kind::Forward : Kind::Inverse;
+    if (isForward) return Kind::RealForward;
+    return family.src == Layout::Ccs ? Kind::InverseFromCcs : Kind::InverseFromPack;
+}
+
+// What the table says of a family, without its names.
 struct Meaning {
     Kind kind;
     Layout src, dst;
-    Direction direction;
+    Numbers lengths;
+    ScaleRule scale;
+    BehindSrc behindSrc;
 };
-constexpr Meaning DFTFwd_CToC{Kind::Forward, Layout::Complex, Layout::Complex, Direction::Forward};
-constexpr Meaning DFTInv_CToC{Kind::Inverse, Layout::Complex, Layout::Complex, Direction::Inverse};
-constexpr Meaning DFTFwd_RToCCS{Kind::RealForward, Layout::Real, Layout::Ccs, Direction::Forward};
-constexpr Meaning DFTFwd_RToPack{Kind::RealForward, Layout::Real, Layout::Pack, Direction::Forward};
-constexpr Meaning DFTFwd_RToPerm{Kind::RealForward, Layout::Real, Layout::Perm, Direction::Forward};
-constexpr Meaning DFTInv_CCSToR{Kind::InverseFromCcs, Layout::Ccs, Layout::Real,
-                                Direction::Inverse};
-constexpr Meaning DFTInv_PackToR{Kind::InverseFromPack, Layout::Pack, Layout::Real,
-                                 Direction::Inverse};
-constexpr Meaning DFTInv_PermToR{Kind::InverseFromPack, Layout::Perm, Layout::Real,
-                                 Direction::Inverse};
-constexpr Meaning Hartley{Kind::Hartley, Layout::Real, Layout::Real, Direction::Both};
+consteval Meaning meaningOf(const FamilyInfo& family) {
+    return {.kind = kindOf(family),
+            .src = family.src,
+            .dst = family.dst,
+            .lengths = family.numbers,
+            .scale = family.scale,
+            .behindSrc = family.behindSrc};
+}
 
-Scale scaleOf(Direction direction, std::int32_t flag) {
+Scale scaleOf(ScaleRule rule, std::int32_t flag) {
     if (flag == orvScaleBySqrtN) return scaleBySqrtN;
-    const bool byN = (flag == orvScaleFwdByN && direction != Direction::Inverse) ||
-                     (flag == orvScaleInvByN && direction != Direction::Forward);
+    const bool byN = (flag == orvScaleFwdByN && rule != ScaleRule::InverseByN) ||
+                     (flag == orvScaleInvByN && rule != ScaleRule::ForwardByN);
     return byN ? scaleByN : scaleNone;
 }
 
@@ -108,13 +113,22 @@ inline auto array(Orv64fc* p, std::ptrdiff_t stride, std::ptrdiff_t distance) {
 template <class R>
 OrvStatus transform(const Meaning& meaning, Single<R>* single, const Array<const R>& src,
                     const Array<R>& dst, std::int32_t n, std::size_t count, std::int32_t flag) {
-    const OrvStatus status = check(n >= firstLength && n <= lastLength,
+    const OrvStatus status = check(meaning.lengths.has(n),
                                    {src.re, dst.re, isPairs(meaning.src) ? src.im : src.re,
                                     isPairs(meaning.dst) ? dst.im : dst.re},
                                    flag, count);
     if (status != orvOk || count == 0) return status;
-    run(Task<R>{meaning.kind, n, meaning.src, meaning.dst, src, dst, count, flag,
-                scaleOf(meaning.direction, flag), single});
+    run(Task<R>{.kind = meaning.kind,
+                .n = n,
+                .srcLayout = meaning.src,
+                .dstLayout = meaning.dst,
+                .readsBehind = meaning.behindSrc.bytesOf(n) > 0,
+                .src = src,
+                .dst = dst,
+                .count = count,
+                .flag = flag,
+                .scale = scaleOf(meaning.scale, flag),
+                .single = single});
     return orvOk;
 }
 
@@ -129,11 +143,10 @@ template <class R>
 OrvStatus whtTransform(const R* src, std::ptrdiff_t srcStride, std::ptrdiff_t srcDistance, R* dst,
                        std::ptrdiff_t dstStride, std::ptrdiff_t dstDistance, std::int32_t order,
                        std::size_t count, std::int32_t flag) {
-    const OrvStatus status =
-        check(order >= firstOrder && order <= lastOrder, {src, dst}, flag, count);
+    const OrvStatus status = check(kOrders.has(order), {src, dst}, flag, count);
     if (status != orvOk || count == 0) return status;
     run(WhtTask<R>{order, array(src, srcStride, srcDistance), array(dst, dstStride, dstDistance),
-                   count, flag, scaleOf(Direction::Both, flag)});
+                   count, flag, scaleOf(ScaleRule::BothByN, flag)});
     return orvOk;
 }
 
@@ -141,6 +154,7 @@ OrvStatus whtTransform(const R* src, std::ptrdiff_t srcStride, std::ptrdiff_t sr
 
 }  // namespace orvgen::batch
 
+using namespace orvgen;
 using namespace orvgen::batch;
 
 #define REAL_32fc float
@@ -152,7 +166,8 @@ using namespace orvgen::batch;
     OrvStatus orvgBatch##NAME##_##T(const S* src, ptrdiff_t srcStride, ptrdiff_t srcDistance, \
                                     D* dst, ptrdiff_t dstStride, ptrdiff_t dstDistance,       \
                                     int32_t len, size_t count, int32_t flag) {                \
-        return transform<REAL_##T>(NAME, onReals<orvg##NAME##_##T, REAL_##T, Orv##T>,         \
+        static constexpr Meaning meaning = meaningOf(familyOf(#NAME, #T));                    \
+        return transform<REAL_##T>(meaning, onReals<orvg##NAME##_##T, REAL_##T, Orv##T>,      \
                                    array(src, srcStride, srcDistance),                        \
                                    array(dst, dstStride, dstDistance), len, count, flag);     \
     }
@@ -163,7 +178,8 @@ ORVGEN_BATCH_LENGTH_FAMILIES(TRANSFORM)
                                          ptrdiff_t srcDistance, R* dstRe, R* dstIm,               \
                                          ptrdiff_t dstStride, ptrdiff_t dstDistance, int32_t len, \
                                          size_t count, int32_t flag) {                            \
-        return transform<R>(NAME, onReals<orvg##NAME##_##T##c, R, Orv##T##c>,                     \
+        static constexpr Meaning meaning = meaningOf(familyOf(#NAME, #T "c"));                    \
+        return transform<R>(meaning, onReals<orvg##NAME##_##T##c, R, Orv##T##c>,                  \
                             {srcRe, srcIm, srcStride, srcDistance},                               \
                             {dstRe, dstIm, dstStride, dstDistance}, len, count, flag);            \
     }
@@ -190,10 +206,10 @@ namespace {
 template <class R, class Spec>
 OrvStatus dct4Transform(const R* src, std::ptrdiff_t srcStride, std::ptrdiff_t srcDistance, R* dst,
                         std::ptrdiff_t dstStride, std::ptrdiff_t dstDistance, std::int32_t n,
-                        Spec* spec, std::size_t count, std::int32_t longest,
+                        Spec* spec, std::size_t count, const Numbers& lengths,
                         OrvStatus (*single)(const R*, R*, Spec*)) {
     constexpr int lastInLanes = 32;
-    if (n < 2 || n > longest || (n & (n - 1)) != 0) return orvErrSize;
+    if (!lengths.has(n)) return orvErrSize;
     if (count == 0) return orvOk;
     if (src == nullptr || dst == nullptr) return orvErrNullPtr;
     if (n <= lastInLanes) {
@@ -220,15 +236,17 @@ OrvStatus dct4Transform(const R* src, std::ptrdiff_t srcStride, std::ptrdiff_t s
 OrvStatus orvgBatchDCT4_32f(const Orv32f* src, ptrdiff_t srcStride, ptrdiff_t srcDistance,
                             Orv32f* dst, ptrdiff_t dstStride, ptrdiff_t dstDistance, int32_t len,
                             OrvDCT4Spec_32f* spec, size_t count) {
+    static constexpr Numbers lengths = familyOf("DCT4", "32f").numbers;
     return dct4Transform(src, srcStride, srcDistance, dst, dstStride, dstDistance, len, spec, count,
-                         1 << 26, orvgDCT4_32f);
+                         lengths, orvgDCT4_32f);
 }
 
 OrvStatus orvgBatchDCT4_64f(const Orv64f* src, ptrdiff_t srcStride, ptrdiff_t srcDistance,
                             Orv64f* dst, ptrdiff_t dstStride, ptrdiff_t dstDistance, int32_t len,
                             OrvDCT4Spec_64f* spec, size_t count) {
+    static constexpr Numbers lengths = familyOf("DCT4", "64f").numbers;
     return dct4Transform(src, srcStride, srcDistance, dst, dstStride, dstDistance, len, spec, count,
-                         1 << 25, orvgDCT4_64f);
+                         lengths, orvgDCT4_64f);
 }
 
 const char* orvgBatchStatusText(OrvStatus status) {

@@ -31,7 +31,7 @@ DECLARE_64(DFTInv_PackToR, 49, 64f)
 template <class R>
 struct Kernels;
 
-// Rows of length 2 and up, in the order of Kind; InverseFromPack is looked up as InverseFromCcs.
+// Rows of all lengths in their order; InverseFromPack is looked up as InverseFromCcs.
 template <>
 struct Kernels<float> {
     using Row = BlockKernel<float>*;
@@ -58,7 +58,7 @@ struct Kernels<double> {
 template <class R>
 BlockKernel<R>* kernelOf(Kind kind, int n) {
     using Ks = Kernels<R>;
-    const int row = n - 2;
+    const int row = n - kLengths.first;
     switch (kind) {
         case Kind::Forward:
             return Ks::forward[row];

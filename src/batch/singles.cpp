@@ -8,8 +8,6 @@ namespace orvgen::batch {
 
 namespace {
 
-constexpr int kLongest = 64;
-
 // The elements of one transform side by side, as the single kernels want them.
 template <class R>
 void gather(const Array<const R>& a, Layout layout, int n, std::ptrdiff_t t, R* to) {
@@ -46,19 +44,14 @@ bool isContiguous(const Array<R>& a, Layout layout) {
     return isPairs(layout) ? a.stride == 2 && a.isInterleaved() : a.stride == 1;
 }
 
-// The single kernels of these lengths read one element behind src.
-template <class R>
-bool readsBehind(const Task<R>& task) {
-    return sizeof(R) == 4 && task.srcLayout == Layout::Complex && (task.n == 47 || task.n == 59);
-}
-
 }  // namespace
 
 template <class R>
 void runSingles(const Task<R>& task, std::size_t first) {
-    const bool takesSrc = isContiguous(task.src, task.srcLayout) && !readsBehind(task);
+    const bool takesSrc = isContiguous(task.src, task.srcLayout) && !task.readsBehind;
     const bool takesDst = isContiguous(task.dst, task.dstLayout);
-    alignas(16) R x[2 * (kLongest + 1)], y[2 * (kLongest + 1)];
+    constexpr int most = 2 * (kLengths.last + 1);  // with an element behind
+    alignas(16) R x[most], y[most];
     x[2 * task.n] = x[2 * task.n + 1] = 0;
     for (std::size_t i = first; i < task.count; ++i) {
         const auto t = static_cast<std::ptrdiff_t>(i);
@@ -93,8 +86,8 @@ struct WhtFunction<double> {
 template <class R>
 void runSingles(const WhtTask<R>& task, std::size_t first) {
     constexpr auto element = WhtFunction<R>::element;
-    constexpr int longest = 1 << wht::lastOrder;
-    alignas(64) std::uint8_t buffer[wht::bufferBytes(element, wht::lastOrder)];
+    constexpr int longest = 1 << kOrders.last;
+    alignas(64) std::uint8_t buffer[wht::bufferBytes(element, kOrders.last)];
     alignas(16) R x[longest];
     const bool takesSrc = isContiguous(task.src, Layout::Real);
     const bool takesDst = isContiguous(task.dst, Layout::Real);

@@ -9,18 +9,10 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "frame/families.h"
 #include "orvgen_batch.h"
 
 namespace orvgen::batch {
-
-// How the numbers of one transform follow each other in an array.
-enum class Layout : std::uint8_t {
-    Real,     // x[0] .. x[N-1]
-    Complex,  // N pairs
-    Ccs,      // N/2 + 1 pairs: bins
-    Pack,     // R0 R1 I1 R2 I2 ..
-    Perm,     // even N: R0 R[N/2] R1 I1 ..; odd N: as Pack
-};
 
 constexpr bool isPairs(Layout layout) { return layout == Layout::Complex || layout == Layout::Ccs; }
 
@@ -70,6 +62,7 @@ struct Task {
     Kind kind;
     int n;
     Layout srcLayout, dstLayout;
+    bool readsBehind;  // the single kernel of this length reads behind src
     Array<const R> src;
     Array<R> dst;
     std::size_t count;

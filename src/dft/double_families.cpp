@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The complex binary64 kernels: two bodies in one function up to length 4, twins from 5 up.
+// The complex binary64 kernels.
 #include "double_flow.h"
 #include "double_plans.h"
 #include "families.h"
@@ -8,36 +8,23 @@
 namespace orvgen::dft {
 
 using flows::Direction;
-using kernelgen::Alignment;
-using kernelgen::Family;
-using kernelgen::Kernel;
-using kernelgen::ScaleRule;
 
 namespace {
 
-Family family(const std::string& name, Direction direction) {
-    Family f;
-    f.name = name;
-    for (int n = 2; n <= 64; ++n) f.lengths.push_back(n);
-    f.kernel = [name, direction](int n) {
-        return Kernel{
-            kernelgen::memberName(name, n),
-            n,
-            plan::notation(*doublePlans().plan(n)),
-            direction == Direction::Forward ? ScaleRule::ForwardByN : ScaleRule::InverseByN,
-            n < 5 ? Alignment::TwoBodies : Alignment::Twin,
-            false,
-            true,
-            doubleFlow(direction, n)};
-    };
-    return f;
+kernelgen::Kernel kernel(const FamilyInfo& family, int n) {
+    const Direction direction =
+        family.direction == orvgen::Direction::Forward ? Direction::Forward : Direction::Inverse;
+    return kernelOf(family, n, plan::notation(*doublePlans().plan(n)), doubleFlow(direction, n));
 }
 
 }  // namespace
 
-std::vector<Family> complexDoubleFamilies() {
-    return {family("orvgDFTFwd_CToC_64fc", Direction::Forward),
-            family("orvgDFTInv_CToC_64fc", Direction::Inverse)};
+std::vector<KernelFamily> complexDoubleFamilies() {
+    std::vector<KernelFamily> families;
+    for (const FamilyInfo& f : kFamilies)
+        if (f.isComplex() && !f.isSingle())
+            families.push_back({&f, [&f](int n) { return kernel(f, n); }});
+    return families;
 }
 
 }  // namespace orvgen::dft

@@ -26,7 +26,7 @@ Table table() {
         {.even = goodThomas(2, 7), .odd = cooleyTukey(2, 7), .cycle = goodThomas(4, 7)});
 
     return {
-        Transform::Real,
+        plan::Transform::Real,
         {
             {10, goodThomas(raderFive, 2)},
             {17, rader({.cycle = 16,

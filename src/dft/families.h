@@ -4,13 +4,13 @@
 
 #include <vector>
 
-#include "kernelgen/kernel.h"
+#include "frame/kernel_family.h"
 
 namespace orvgen::dft {
 
 // Binary32: orvgDFTFwd_CToC_32fc and orvgDFTInv_CToC_32fc.
-std::vector<kernelgen::Family> complexSingleFamilies();
+std::vector<KernelFamily> complexSingleFamilies();
 // Binary64: orvgDFTFwd_CToC_64fc and orvgDFTInv_CToC_64fc.
-std::vector<kernelgen::Family> complexDoubleFamilies();
+std::vector<KernelFamily> complexDoubleFamilies();
 
 }  // namespace orvgen::dft

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The complex binary32 kernels: lengths 2 to 5 on scalars, from 6 up in lanes.
+// The complex binary32 kernels: the shortest on scalars, which take any alignment, from length 6 up
+// in lanes.
 #include "bluestein.h"
 #include "butterflies.h"
 #include "families.h"
@@ -11,11 +12,8 @@
 
 namespace orvgen::dft {
 
-using kernelgen::Alignment;
 using kernelgen::Arithmetic;
-using kernelgen::Family;
 using kernelgen::Kernel;
-using kernelgen::ScaleRule;
 
 Graph scalarFlow(Direction direction, int length) {
     Graph graph(Arithmetic::Single);
@@ -49,33 +47,26 @@ Graph laneFlow(Direction direction, int length) {
 
 namespace {
 
-Kernel kernel(const std::string& family, Direction direction, int length) {
-    const bool scalar = length <= 5;
+Kernel kernel(const FamilyInfo& family, int length) {
+    const Direction direction =
+        family.direction == orvgen::Direction::Forward ? Direction::Forward : Direction::Inverse;
+    const bool scalar = family.alignmentOf(length) == Alignment::Any;
     const SingleLength facts = singleLength(length);
-    return {
-        .name = kernelgen::memberName(family, length),
-        .length = length,
-        .method = plan::notation(*facts.plan),
-        .scale = direction == Direction::Forward ? ScaleRule::ForwardByN : ScaleRule::InverseByN,
-        .alignment = scalar ? Alignment::Any : Alignment::Twin,
-        .halvesOnly = facts.halvesOnly,
-        .readsAllFirst = true,
-        .flow = scalar ? scalarFlow(direction, length) : laneFlow(direction, length),
-        .registersOnly = facts.registersOnly,
-    };
-}
-
-Family family(const std::string& name, Direction direction, const std::vector<int>& lengths) {
-    return {name, lengths, [name, direction](int n) { return kernel(name, direction, n); }};
+    Kernel k = kernelOf(family, length, plan::notation(*facts.plan),
+                        scalar ? scalarFlow(direction, length) : laneFlow(direction, length));
+    k.halvesOnly = facts.halvesOnly;
+    k.registersOnly = facts.registersOnly;
+    return k;
 }
 
 }  // namespace
 
-std::vector<Family> complexSingleFamilies() {
-    std::vector<int> lengths;
-    for (int n = 2; n <= 64; ++n) lengths.push_back(n);
-    return {family("orvgDFTFwd_CToC_32fc", Direction::Forward, lengths),
-            family("orvgDFTInv_CToC_32fc", Direction::Inverse, lengths)};
+std::vector<KernelFamily> complexSingleFamilies() {
+    std::vector<KernelFamily> families;
+    for (const FamilyInfo& f : kFamilies)
+        if (f.isComplex() && f.isSingle())
+            families.push_back({&f, [&f](int n) { return kernel(f, n); }});
+    return families;
 }
 
 }  // namespace orvgen::dft

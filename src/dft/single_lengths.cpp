@@ -121,7 +121,7 @@ std::vector<Row> rows() {
 
 class Lengths {
   public:
-    Lengths() : rows_(rows()), plans_(Transform::Complex, terms(rows_)) {}
+    Lengths() : rows_(rows()), plans_(plan::Transform::Complex, terms(rows_)) {}
 
     SingleLength operator[](int length) const {
         const auto row = std::ranges::find(rows_, length, &Row::length);

@@ -41,19 +41,21 @@ struct KernelTable {
 
 #define ORVGEN_KERNEL_ROW(NAME, N, T) {N, orvg##NAME##_##N##_##T},
 
-#define ORVGEN_LENGTH_DISPATCHER(NAME, T, LIST)                                               \
-    OrvStatus orvg##NAME##_##T(const Orv##T* src, Orv##T* dst, int32_t len, int32_t flag) {   \
-        using Kernel = OrvStatus(const Orv##T*, Orv##T*, int32_t);                            \
-        using Kernels = orvgen::KernelTable<Kernel, orvgen::firstLength, orvgen::lastLength>; \
-        static constexpr Kernels table({LIST(ORVGEN_KERNEL_ROW, NAME, T)});                   \
-        return table.call(len, src, dst, flag);                                               \
+#define ORVGEN_LENGTH_DISPATCHER(NAME, T, LIST)                                             \
+    OrvStatus orvg##NAME##_##T(const Orv##T* src, Orv##T* dst, int32_t len, int32_t flag) { \
+        using Kernel = OrvStatus(const Orv##T*, Orv##T*, int32_t);                          \
+        constexpr orvgen::Numbers numbers = orvgen::familyOf(#NAME, #T).numbers;            \
+        using Kernels = orvgen::KernelTable<Kernel, numbers.first, numbers.last>;           \
+        static constexpr Kernels table({LIST(ORVGEN_KERNEL_ROW, NAME, T)});                 \
+        return table.call(len, src, dst, flag);                                             \
     }
 
 #define ORVGEN_ORDER_DISPATCHER(NAME, T, LIST)                                              \
     OrvStatus orvg##NAME##_##T(const Orv##T* src, Orv##T* dst, int32_t order, int32_t flag, \
                                uint8_t* buffer) {                                           \
         using Kernel = OrvStatus(const Orv##T*, Orv##T*, int32_t, uint8_t*);                \
-        using Kernels = orvgen::KernelTable<Kernel, orvgen::firstOrder, orvgen::lastOrder>; \
+        constexpr orvgen::Numbers numbers = orvgen::familyOf(#NAME, #T).numbers;            \
+        using Kernels = orvgen::KernelTable<Kernel, numbers.first, numbers.last>;           \
         static constexpr Kernels table({LIST(ORVGEN_KERNEL_ROW, NAME, T)});                 \
         return table.call(order, src, dst, flag, buffer);                                   \
     }

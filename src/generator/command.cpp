@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "command.h"
 
+#include <algorithm>
 #include <exception>
 #include <iostream>
 #include <optional>
+#include <stdexcept>
 
 #include "kernelgen/batch.h"
 #include "kernelgen/compile.h"
@@ -24,22 +26,21 @@ int fail(const std::string& what, int status) {
     return status;
 }
 
-struct Member {
-    const Family* family;
-    int length;
-};
-
-std::vector<std::string> namesOf(const std::vector<Family>& families) {
-    std::vector<std::string> names;
-    for (const Family& family : families)
-        for (const int length : family.lengths) names.push_back(memberName(family.name, length));
-    return names;
+std::vector<Member> allMembers(const std::vector<KernelFamily>& families) {
+    std::vector<Member> all;
+    for (const KernelFamily& family : families)
+        for (const Member& m : membersOf(*family.info)) all.push_back(m);
+    return all;
 }
 
-std::optional<Member> findMember(const std::vector<Family>& families, const std::string& name) {
-    for (const Family& family : families)
-        for (const int length : family.lengths)
-            if (memberName(family.name, length) == name) return Member{&family, length};
+const KernelFamily& familyOf(const std::vector<KernelFamily>& families, const Member& member) {
+    return *std::ranges::find(families, member.family, &KernelFamily::info);
+}
+
+std::optional<Member> findMember(const std::vector<KernelFamily>& families,
+                                 const std::string& name) {
+    for (const Member& member : allMembers(families))
+        if (member.name() == name) return member;
     return std::nullopt;
 }
 
@@ -53,39 +54,45 @@ void emit(const Kernel& kernel, const std::string& file, const Target& target) {
     writeKernelFile(file, keyOf(kernel), [&] { return compileKernel(kernel, target).assembly; });
 }
 
-// What the arrays of a kernel hold.
-WideOptions layoutsOf(const std::string& kernel) {
-    const auto has = [&](const char* part) { return kernel.find(part) != std::string::npos; };
-    WideOptions options;
-    if (has("_CToC_") || has("_CCSToR_")) options.src = Layout::Complex;
-    if (has("_PackToR_")) options.src = Layout::PackedBins;
-    if (has("_CToC_") || has("_RToCCS_")) options.dst = Layout::Complex;
-    return options;
+// An array as batches see it.
+kernelgen::Layout batchLayout(orvgen::Layout layout) {
+    switch (layout) {
+        case orvgen::Layout::Complex:
+        case orvgen::Layout::Ccs:
+            return kernelgen::Layout::Complex;
+        case orvgen::Layout::Pack:
+            return kernelgen::Layout::PackedBins;
+        case orvgen::Layout::Real:
+            return kernelgen::Layout::Real;
+        default:
+            throw std::runtime_error("no batches of this layout");
+    }
 }
 
-void emitBatch(const Kernel& kernel, const std::string& folder, const std::string& name) {
+void emitBatch(const Kernel& kernel, const FamilyInfo& family, const std::string& folder,
+               const std::string& name) {
     const Target& target = targetOf(name);
+    const WideOptions options = {.src = batchLayout(family.src), .dst = batchLayout(family.dst)};
     writeKernelFile(folder + "/" + batchName(kernel.name, target) + ".s", keyOf(kernel),
-                    [&] { return compileBatch(kernel, target, layoutsOf(kernel.name)).assembly; });
+                    [&] { return compileBatch(kernel, target, options).assembly; });
 }
 
-void show(const std::vector<Family>& families, const std::string& tables,
+void show(const std::vector<KernelFamily>& families, const std::string& tables,
           const std::vector<std::string>& words) {
-    const std::vector<std::string> names = calledBy(namesOf(families), words);
-    for (const std::string& name : names) {
-        const Member member = *findMember(families, name);
-        if (name != names.front()) std::cout << "\n";
-        printPage(std::cout, member.family->kernel(member.length), tables);
+    const std::vector<Member> members = calledBy(allMembers(families), words);
+    for (const Member& member : members) {
+        if (member != members.front()) std::cout << "\n";
+        printPage(std::cout, familyOf(families, member), member.number, tables);
     }
 }
 
 }  // namespace
 
-int runCommand(int argc, char** argv, const std::vector<Family>& families) {
+int runCommand(int argc, char** argv, const std::vector<KernelFamily>& families) {
     try {
         const std::string command = argc > 1 ? argv[1] : "";
         if (command == "list" && argc == 2) {
-            for (const std::string& name : namesOf(families)) std::cout << name << "\n";
+            for (const Member& member : allMembers(families)) std::cout << member.name() << "\n";
             return 0;
         }
         if (command == "plans" && argc == 2) {
@@ -103,9 +110,9 @@ int runCommand(int argc, char** argv, const std::vector<Family>& families) {
                 2);
         const std::optional<Member> member = findMember(families, argv[2]);
         if (!member) return fail("no such kernel: " + std::string(argv[2]), 2);
-        const Kernel kernel = member->family->kernel(member->length);
+        const Kernel kernel = familyOf(families, *member).kernel(member->number);
         if (command == "batch")
-            for (int i = 4; i < argc; ++i) emitBatch(kernel, argv[3], argv[i]);
+            for (int i = 4; i < argc; ++i) emitBatch(kernel, *member->family, argv[3], argv[i]);
         else
             emit(kernel, argv[3], argc == 5 ? targetOf(argv[4]) : kSse2);
         return 0;

@@ -4,9 +4,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
-#include <map>
 #include <numeric>
-#include <set>
 
 namespace orvgen::generator {
 
@@ -34,21 +32,28 @@ std::vector<std::string> formsOf(const std::string& name) {
     return forms;
 }
 
+// A member with all that calls it, composed once.
+struct Called {
+    explicit Called(const Member& m) : member(m), name(m.name()), ofName(formsOf(name)) {
+        forms = ofName;
+        const std::vector<std::string> more = formsOf(nameOf(*m.family));
+        forms.insert(forms.end(), more.begin(), more.end());
+        // Not the element type alone, which would be half of the library.
+        std::erase_if(forms, [](const std::string& f) { return f.find('_') == std::string::npos; });
+        const std::vector<std::string> untyped = formsOf("orvg" + std::string(m.family->name));
+        forms.insert(forms.end(), untyped.begin(), untyped.end());
+    }
+
+    Member member;
+    std::string name;
+    std::vector<std::string> ofName;
+    std::vector<std::string> forms;
+};
+
 bool anyMatches(const std::string& word, const std::vector<std::string>& forms) {
     return std::any_of(forms.begin(), forms.end(), [&](const std::string& form) {
         return matches(word.c_str(), form.c_str());
     });
-}
-
-// By itself, by its family, or by its family without the element type; but not by the element type
-// alone, which would be half of the library.
-bool calls(const std::string& word, const std::string& name) {
-    const std::string family = familyOf(name);
-    std::vector<std::string> forms = formsOf(name), more = formsOf(family);
-    forms.insert(forms.end(), more.begin(), more.end());
-    std::erase_if(forms, [](const std::string& f) { return f.find('_') == std::string::npos; });
-    return anyMatches(word, forms) ||
-           anyMatches(word, formsOf(family.substr(0, family.rfind('_'))));
 }
 
 // Letters to change, to insert or to leave out (Levenshtein).
@@ -67,14 +72,18 @@ std::size_t distance(const std::string& a, const std::string& b) {
     return row.back();
 }
 
-// The number between the family's two halves; 0 where there is none.
-int numberOf(const std::string& name) {
-    const std::string family = familyOf(name);
-    return family == name ? 0 : std::atoi(name.c_str() + family.rfind('_') + 1);
+// The number that the user meant; 0 where there is none.
+int numberIn(const std::string& word) {
+    for (std::size_t at = word.find('_'); at != std::string::npos; at = word.find('_', at + 1)) {
+        const int number = std::atoi(word.c_str() + at + 1);
+        // The element types begin with digits too, and stand last.
+        if (number > 0 && word.find('_', at + 1) != std::string::npos) return number;
+    }
+    return 0;
 }
 
 // Some names that are nearly what the word says; of equally near ones those whose length is nearer.
-std::string nearest(const std::vector<std::string>& names, const std::string& word) {
+std::string nearest(const std::vector<Called>& members, const std::string& word) {
     constexpr std::size_t shown = 4;
     const std::size_t bearable = std::max<std::size_t>(1, word.size() / 3);
     struct Near {
@@ -83,12 +92,11 @@ std::string nearest(const std::vector<std::string>& names, const std::string& wo
         std::string name;
     };
     std::vector<Near> found;
-    for (const std::string& name : names) {
+    for (const Called& c : members) {
         std::size_t letters = bearable + 1;
-        for (const std::string& form : formsOf(name))
-            letters = std::min(letters, distance(form, word));
+        for (const std::string& form : c.ofName) letters = std::min(letters, distance(form, word));
         if (letters <= bearable)
-            found.push_back({letters, std::abs(numberOf(name) - numberOf(word)), name});
+            found.push_back({letters, std::abs(c.member.number - numberIn(word)), c.name});
     }
     std::stable_sort(found.begin(), found.end(), [](const Near& a, const Near& b) {
         return std::pair(a.letters, a.length) < std::pair(b.letters, b.length);
@@ -99,53 +107,47 @@ std::string nearest(const std::vector<std::string>& names, const std::string& wo
     return text;
 }
 
-std::string listOf(const std::vector<std::string>& names) {
-    std::map<std::string, std::pair<int, int>> reach;
-    std::vector<std::string> order;
-    for (const std::string& name : names) {
-        const auto [at, fresh] = reach.try_emplace(familyOf(name), numberOf(name), numberOf(name));
-        at->second.second = numberOf(name);
-        if (fresh) order.push_back(at->first);
+std::string listOf(const std::vector<Called>& members) {
+    struct Reach {
+        const FamilyInfo* family;
+        int first, last;
+    };
+    std::vector<Reach> reach;
+    for (const Called& c : members) {
+        const auto [family, number] = c.member;
+        const auto at = std::ranges::find(reach, family, &Reach::family);
+        if (at == reach.end())
+            reach.push_back({family, number, number});
+        else
+            at->last = number;
     }
     std::string text;
-    for (const std::string& family : order) {
-        text += "\n  " + family + ", " + std::to_string(reach[family].first) + " to " +
-                std::to_string(reach[family].second);
-    }
+    for (const auto& [family, first, last] : reach)
+        text +=
+            "\n  " + nameOf(*family) + ", " + std::to_string(first) + " to " + std::to_string(last);
     return text;
 }
 
 }  // namespace
 
-std::string familyOf(const std::string& name) {
-    const std::size_t type = name.rfind('_');
-    if (type == std::string::npos || type == 0) return name;
-    const std::size_t number = name.rfind('_', type - 1);
-    if (number == std::string::npos) return name;
-    const bool digits = std::all_of(name.begin() + static_cast<std::ptrdiff_t>(number) + 1,
-                                    name.begin() + static_cast<std::ptrdiff_t>(type),
-                                    [](char c) { return c >= '0' && c <= '9'; });
-    return digits ? name.substr(0, number) + name.substr(type) : name;
-}
-
-std::vector<std::string> calledBy(const std::vector<std::string>& names,
-                                  const std::vector<std::string>& words) {
-    if (words.empty()) return names;
-    std::set<std::string> called;
+std::vector<Member> calledBy(const std::vector<Member>& members,
+                             const std::vector<std::string>& words) {
+    if (words.empty()) return members;
+    const std::vector<Called> all(members.begin(), members.end());
+    std::vector<bool> isCalled(all.size());
     for (const std::string& word : words) {
         bool any = false;
-        for (const std::string& name : names) {
-            if (!calls(lower(word), name)) continue;
-            called.insert(name);
-            any = true;
+        for (std::size_t i = 0; i < all.size(); ++i) {
+            if (!anyMatches(lower(word), all[i].forms)) continue;
+            isCalled[i] = any = true;
         }
         if (!any)
-            throw UnknownName("no kernel is called " + word + nearest(names, lower(word)) +
-                              "\nthere are:" + listOf(names));
+            throw UnknownName("no kernel is called " + word + nearest(all, lower(word)) +
+                              "\nthere are:" + listOf(all));
     }
-    std::vector<std::string> chosen;
-    std::copy_if(names.begin(), names.end(), std::back_inserter(chosen),
-                 [&](const std::string& name) { return called.contains(name); });
+    std::vector<Member> chosen;
+    for (std::size_t i = 0; i < all.size(); ++i)
+        if (isCalled[i]) chosen.push_back(members[i]);
     return chosen;
 }
 

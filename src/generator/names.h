@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "frame/names.h"
+
 namespace orvgen::generator {
 
 // A word that calls no kernel; says so with the nearest names and a list of the families.
@@ -18,11 +20,8 @@ class UnknownName : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// Those of the names that one of the words calls, in the order of the names; without words all.
-std::vector<std::string> calledBy(const std::vector<std::string>& names,
-                                  const std::vector<std::string>& words);
-
-// The family's by-length function: orvgDFTFwd_CToC_32fc for orvgDFTFwd_CToC_64_32fc.
-std::string familyOf(const std::string& name);
+// Those of the members that one of the words calls, in their order; without words all.
+std::vector<Member> calledBy(const std::vector<Member>& members,
+                             const std::vector<std::string>& words);
 
 }  // namespace orvgen::generator

@@ -45,7 +45,9 @@ Lines linesOf(const Operations& o) {
 
 }  // namespace
 
-void printPage(std::ostream& out, const Kernel& kernel, const std::string& tables) {
+void printPage(std::ostream& out, const KernelFamily& family, int number,
+               const std::string& tables) {
+    const Kernel kernel = family.kernel(number);
     const CompiledKernel compiled = compileKernel(kernel);
     const KernelFigures& f = compiled.figures;
     const Lines lines = linesOf(operationsOf(kernel));
@@ -55,7 +57,7 @@ void printPage(std::ostream& out, const Kernel& kernel, const std::string& table
         << "  additions        " << lines.additions << "\n"
         << "  multiplications  " << lines.multiplications << "\n"
         << "  conversions      " << lines.conversions << "\n";
-    for (const RequiredRow& row : requiredRows(tables, kernel.name, kernel.length)) {
+    for (const RequiredRow& row : requiredRows(tables, *family.info, number)) {
         out << "  the table says  ";
         for (const auto& [column, value] : row.cells) out << " " << column << " " << value << ";";
         out << " (" << row.table << ")\n";

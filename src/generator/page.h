@@ -5,12 +5,13 @@
 #include <iosfwd>
 #include <string>
 
-#include "kernelgen/kernel.h"
+#include "frame/kernel_family.h"
 
 namespace orvgen::generator {
 
 // `tables`: the folder of the count tables; empty for none. Every family has the same lines; counts
 // are of real operations, the scale included.
-void printPage(std::ostream& out, const kernelgen::Kernel& kernel, const std::string& tables);
+void printPage(std::ostream& out, const KernelFamily& family, int number,
+               const std::string& tables);
 
 }  // namespace orvgen::generator

@@ -9,8 +9,6 @@ namespace orvgen::generator {
 
 namespace {
 
-using kernelgen::Family;
-
 constexpr const char* kHead = R"(# How every length is computed
 
 Written by `./dev show --all-plans`; `./dev show NAME` prints the line of one kernel, its figures and its assembly, which
@@ -56,16 +54,16 @@ struct Section {
     std::vector<Row> rows;
 };
 
-std::vector<Section> sectionsOf(const std::vector<Family>& families) {
+std::vector<Section> sectionsOf(const std::vector<KernelFamily>& families) {
     std::vector<Section> sections;
-    for (const Family& family : families) {
+    for (const KernelFamily& family : families) {
         std::vector<Row> rows;
-        for (const int n : family.lengths) rows.push_back({n, family.kernel(n).method});
+        for (const int n : family.info->numbers) rows.push_back({n, family.kernel(n).method});
         const auto same = std::ranges::find(sections, rows, &Section::rows);
         if (same != sections.end())
-            same->families.push_back(family.name);
+            same->families.push_back(nameOf(*family.info));
         else
-            sections.push_back({{family.name}, rows});
+            sections.push_back({{nameOf(*family.info)}, rows});
     }
     return sections;
 }
@@ -112,7 +110,7 @@ std::string dct4Section() {
 
 }  // namespace
 
-std::string plansPage(const std::vector<Family>& families) {
+std::string plansPage(const std::vector<KernelFamily>& families) {
     std::string page = kHead;
     const std::vector<Section> sections = sectionsOf(families);
     for (std::size_t i = 0; i < sections.size(); ++i)

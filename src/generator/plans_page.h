@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "kernelgen/kernel.h"
+#include "frame/kernel_family.h"
 
 namespace orvgen::generator {
 
 // In Markdown. Families that are computed alike share a table; one that differs at few lengths has
 // these only.
-std::string plansPage(const std::vector<kernelgen::Family>& families);
+std::string plansPage(const std::vector<KernelFamily>& families);
 
 }  // namespace orvgen::generator

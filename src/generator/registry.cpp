@@ -8,11 +8,9 @@
 
 namespace orvgen::generator {
 
-using kernelgen::Family;
-
-std::vector<Family> allFamilies() {
-    std::vector<Family> all;
-    const auto append = [&all](const std::vector<Family>& families) {
+std::vector<KernelFamily> allFamilies() {
+    std::vector<KernelFamily> all;
+    const auto append = [&all](const std::vector<KernelFamily>& families) {
         all.insert(all.end(), families.begin(), families.end());
     };
     append(dft::complexSingleFamilies());

@@ -4,10 +4,10 @@
 
 #include <vector>
 
-#include "kernelgen/kernel.h"
+#include "frame/kernel_family.h"
 
 namespace orvgen::generator {
 
-std::vector<kernelgen::Family> allFamilies();
+std::vector<KernelFamily> allFamilies();
 
 }  // namespace orvgen::generator

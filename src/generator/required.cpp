@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "required.h"
 
-#include <bit>
 #include <fstream>
 
 namespace orvgen::generator {
@@ -23,29 +22,30 @@ std::vector<std::string> fields(const std::string& line) {
     return list;
 }
 
-std::vector<std::string> tablesOf(const std::string& kernel) {
-    const auto has = [&](const char* part) { return kernel.find(part) != std::string::npos; };
-    if (has("CToC") && has("_32fc"))
-        return {"complex_f32_base", "complex_f32_composite", "complex_f32_rader",
-                "complex_f32_bluestein"};
-    if (has("CToC")) return {"complex_f64", "complex_f64_primes"};
-    if (has("Hartley")) return {"hartley"};
-    if (has("DFTFwd")) return {"real_forward"};
-    if (has("DFTInv")) return {"real_inverse"};
-    if (has("WHT")) return {"wht_bodies", "wht_straight", "wht_passes", "wht_buffer"};
-    return {};
+std::vector<std::string> tablesOf(const FamilyInfo& family) {
+    switch (family.transform) {
+        case Transform::Dft:
+            if (family.isComplex() && family.isSingle())
+                return {"complex_f32_base", "complex_f32_composite", "complex_f32_rader",
+                        "complex_f32_bluestein"};
+            if (family.isComplex()) return {"complex_f64", "complex_f64_primes"};
+            return {family.direction == Direction::Forward ? "real_forward" : "real_inverse"};
+        case Transform::Hartley:
+            return {"hartley"};
+        case Transform::WalshHadamard:
+            return {"wht_bodies", "wht_straight", "wht_passes", "wht_buffer"};
+        default:
+            return {};
+    }
 }
 
 }  // namespace
 
-std::vector<RequiredRow> requiredRows(const std::string& folder, const std::string& kernel,
-                                      int length) {
-    const bool wide = kernel.find("_64f") != std::string::npos;
-    const bool byOrder = kernel.find("WHT") != std::string::npos;
-    const std::string number =
-        std::to_string(byOrder ? std::countr_zero(static_cast<unsigned>(length)) : length);
+std::vector<RequiredRow> requiredRows(const std::string& folder, const FamilyInfo& family,
+                                      int number) {
+    const bool wide = !family.isSingle();
     std::vector<RequiredRow> rows;
-    for (const std::string& table : tablesOf(kernel)) {
+    for (const std::string& table : tablesOf(family)) {
         std::ifstream file(folder + "/" + table + ".csv");
         std::vector<std::string> columns;
         for (std::string line; std::getline(file, line);) {
@@ -57,7 +57,9 @@ std::vector<RequiredRow> requiredRows(const std::string& folder, const std::stri
             }
             // The number stands first, or behind the element type.
             const std::size_t at = columns[0] == "type" ? 1 : 0;
-            if (values[at] != number || (at == 1 && values[0] != (wide ? "f64" : "f32"))) continue;
+            if (values[at] != std::to_string(number) ||
+                (at == 1 && values[0] != (wide ? "f64" : "f32")))
+                continue;
             RequiredRow row{table, {}};
             for (std::size_t i = at + 1; i < values.size() && i < columns.size(); ++i) {
                 // Some tables serve both types and count the conversions of binary32.

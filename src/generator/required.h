@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "frame/families.h"
+
 namespace orvgen::generator {
 
 struct RequiredRow {
@@ -13,8 +15,8 @@ struct RequiredRow {
     std::vector<std::pair<std::string, std::string>> cells;  // column, value
 };
 
-// The rows of a length in the tables (CSV files in `folder`) of a kernel's family.
-std::vector<RequiredRow> requiredRows(const std::string& folder, const std::string& kernel,
-                                      int length);
+// The rows of a length or order in the tables (CSV files in `folder`) of its family.
+std::vector<RequiredRow> requiredRows(const std::string& folder, const FamilyInfo& family,
+                                      int number);
 
 }  // namespace orvgen::generator

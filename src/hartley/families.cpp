@@ -2,26 +2,18 @@
 #include "families.h"
 
 #include "hartley.h"
-#include "realdft/packed_format.h"
 
 namespace orvgen::hartley {
 
-using kernelgen::Arithmetic;
-using kernelgen::Family;
-using kernelgen::Kernel;
-
-std::vector<Family> hartleyFamilies() {
-    std::vector<Family> families;
-    for (const Arithmetic arithmetic : {Arithmetic::Single, Arithmetic::Double}) {
-        Family family;
-        family.name = arithmetic == Arithmetic::Single ? "orvgHartley_32f" : "orvgHartley_64f";
-        for (int n = realdft::kShortest; n <= realdft::kLongest; ++n) family.lengths.push_back(n);
-        family.kernel = [name = family.name, arithmetic](int n) {
-            return Kernel{
-                kernelgen::memberName(name, n), n,     notation(n), kernelgen::ScaleRule::BothByN,
-                kernelgen::Alignment::Any,      false, false,       hartleyGraph(n, arithmetic)};
-        };
-        families.push_back(family);
+std::vector<KernelFamily> hartleyFamilies() {
+    std::vector<KernelFamily> families;
+    for (const FamilyInfo& f : kFamilies) {
+        if (f.transform != Transform::Hartley) continue;
+        const auto arithmetic =
+            f.isSingle() ? kernelgen::Arithmetic::Single : kernelgen::Arithmetic::Double;
+        families.push_back({&f, [&f, arithmetic](int n) {
+                                return kernelOf(f, n, notation(n), hartleyGraph(n, arithmetic));
+                            }});
     }
     return families;
 }

@@ -4,11 +4,11 @@
 
 #include <vector>
 
-#include "kernelgen/kernel.h"
+#include "frame/kernel_family.h"
 
 namespace orvgen::hartley {
 
 // orvgHartley in binary32 and in binary64.
-std::vector<kernelgen::Family> hartleyFamilies();
+std::vector<KernelFamily> hartleyFamilies();
 
 }  // namespace orvgen::hartley

@@ -21,7 +21,7 @@ constexpr int kForward[] = {2,  3,  4,  5,  6,  7,  8,  9,  11, 16, 17, 19, 21, 
 // at 54.
 const Table& inverseRealPlans() {
     static const Table plans(
-        Transform::InverseReal,
+        plan::Transform::InverseReal,
         {{46, goodThomas(23, 2)}, {54, goodThomas(27, 2)}, {58, goodThomas(2, 29)}},
         &realdft::inversePlans(realdft::PackedFormat::Pack));
     return plans;

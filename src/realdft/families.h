@@ -4,14 +4,14 @@
 
 #include <vector>
 
-#include "kernelgen/kernel.h"
+#include "frame/kernel_family.h"
 
 namespace orvgen::realdft {
 
 // orvgDFTFwd_RToCCS, RToPack and RToPerm, each in binary32 and in binary64.
-std::vector<kernelgen::Family> forwardRealFamilies();
+std::vector<KernelFamily> forwardRealFamilies();
 
 // orvgDFTInv_CCSToR, PackToR and PermToR, each in binary32 and in binary64.
-std::vector<kernelgen::Family> inverseRealFamilies();
+std::vector<KernelFamily> inverseRealFamilies();
 
 }  // namespace orvgen::realdft

@@ -5,37 +5,23 @@
 
 namespace orvgen::realdft {
 
-using kernelgen::Arithmetic;
-using kernelgen::Family;
-using kernelgen::Kernel;
-
 namespace {
 
-Family forwardFamily(PackedFormat format, Arithmetic arithmetic) {
-    Family family;
-    family.name = std::string("orvgDFTFwd_RTo") + formatName(format) +
-                  (arithmetic == Arithmetic::Single ? "_32f" : "_64f");
-    for (int n = kShortest; n <= kLongest; ++n) family.lengths.push_back(n);
-    family.kernel = [name = family.name, format, arithmetic](int n) {
-        return Kernel{kernelgen::memberName(name, n),
-                      n,
-                      plan::notation(*forwardPlans().plan(n)),
-                      kernelgen::ScaleRule::ForwardByN,
-                      kernelgen::Alignment::Any,
-                      false,
-                      false,
-                      forwardGraph(n, format, arithmetic)};
-    };
-    return family;
+kernelgen::Kernel kernel(const FamilyInfo& family, int n) {
+    const PackedFormat format = family.dst;
+    const auto arithmetic =
+        family.isSingle() ? kernelgen::Arithmetic::Single : kernelgen::Arithmetic::Double;
+    return kernelOf(family, n, plan::notation(*forwardPlans().plan(n)),
+                    forwardGraph(n, format, arithmetic));
 }
 
 }  // namespace
 
-std::vector<Family> forwardRealFamilies() {
-    std::vector<Family> families;
-    for (const Arithmetic arithmetic : {Arithmetic::Single, Arithmetic::Double})
-        for (const PackedFormat format : kPackedFormats)
-            families.push_back(forwardFamily(format, arithmetic));
+std::vector<KernelFamily> forwardRealFamilies() {
+    std::vector<KernelFamily> families;
+    for (const FamilyInfo& f : kFamilies)
+        if (f.transform == Transform::Dft && !f.isComplex() && f.direction == Direction::Forward)
+            families.push_back({&f, [&f](int n) { return kernel(f, n); }});
     return families;
 }
 

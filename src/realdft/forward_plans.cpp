@@ -45,7 +45,7 @@ Table table() {
     const TwiddledJoin conjugateRows{.conjugateRows = true};
 
     return {
-        Transform::Real,
+        plan::Transform::Real,
         {
             {6, goodThomas(3, 2)},
             {8, cooleyTukey(4, 2)},

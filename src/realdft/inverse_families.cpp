@@ -5,37 +5,23 @@
 
 namespace orvgen::realdft {
 
-using kernelgen::Arithmetic;
-using kernelgen::Family;
-using kernelgen::Kernel;
-
 namespace {
 
-Family inverseFamily(PackedFormat format, Arithmetic arithmetic) {
-    Family family;
-    family.name = std::string("orvgDFTInv_") + formatName(format) +
-                  (arithmetic == Arithmetic::Single ? "ToR_32f" : "ToR_64f");
-    for (int n = kShortest; n <= kLongest; ++n) family.lengths.push_back(n);
-    family.kernel = [name = family.name, format, arithmetic](int n) {
-        return Kernel{kernelgen::memberName(name, n),
-                      n,
-                      plan::notation(*inversePlans(format).plan(n)),
-                      kernelgen::ScaleRule::InverseByN,
-                      kernelgen::Alignment::Any,
-                      false,
-                      false,
-                      inverseGraph(n, format, arithmetic)};
-    };
-    return family;
+kernelgen::Kernel kernel(const FamilyInfo& family, int n) {
+    const PackedFormat format = family.src;
+    const auto arithmetic =
+        family.isSingle() ? kernelgen::Arithmetic::Single : kernelgen::Arithmetic::Double;
+    return kernelOf(family, n, plan::notation(*inversePlans(format).plan(n)),
+                    inverseGraph(n, format, arithmetic));
 }
 
 }  // namespace
 
-std::vector<Family> inverseRealFamilies() {
-    std::vector<Family> families;
-    for (const Arithmetic arithmetic : {Arithmetic::Single, Arithmetic::Double})
-        for (const PackedFormat format : kPackedFormats)
-            families.push_back(inverseFamily(format, arithmetic));
+std::vector<KernelFamily> inverseRealFamilies() {
+    std::vector<KernelFamily> families;
+    for (const FamilyInfo& f : kFamilies)
+        if (f.transform == Transform::Dft && !f.isComplex() && f.direction == Direction::Inverse)
+            families.push_back({&f, [&f](int n) { return kernel(f, n); }});
     return families;
 }
 

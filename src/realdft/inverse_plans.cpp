@@ -80,7 +80,7 @@ Table commonTable() {
     };
 
     return {
-        Transform::InverseReal,
+        plan::Transform::InverseReal,
         {
             {6, goodThomas(2, 3)},
             {8, cooleyTukey(fourWithOddRow, 2)},
@@ -171,7 +171,7 @@ const Table& inversePlans(PackedFormat format) {
     static const Table common = commonTable();
     // From CCS the real terms of these two are summed in another order.
     const SumOrder byRoot{.cosinePairs = SumOrder::Pairs::PowersOfRoot};
-    static const Table fromCcs(Transform::InverseReal,
+    static const Table fromCcs(plan::Transform::InverseReal,
                                {{7, block(7, {.sums = byRoot})}, {49, cooleyTukey(7, 7)}}, &common);
     return format == PackedFormat::Ccs ? fromCcs : common;
 }

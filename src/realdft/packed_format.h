@@ -17,12 +17,11 @@
 #include <array>
 #include <vector>
 
+#include "frame/families.h"
+
 namespace orvgen::realdft {
 
-inline constexpr int kShortest = 2;
-inline constexpr int kLongest = 64;
-
-enum class PackedFormat { Ccs, Pack, Perm };
+using PackedFormat = Layout;  // one of these three
 
 inline constexpr std::array<PackedFormat, 3> kPackedFormats = {
     PackedFormat::Ccs, PackedFormat::Pack, PackedFormat::Perm};
@@ -62,9 +61,7 @@ constexpr int imaginaryPosition(PackedFormat format, int n, int k) {
 }
 
 // Elements of the array.
-constexpr int elementCount(PackedFormat format, int n) {
-    return format == PackedFormat::Ccs ? 2 * (n / 2 + 1) : n;
-}
+constexpr int elementCount(PackedFormat format, int n) { return realsOf(format, n); }
 
 // The elements that are stored as +0.0 and never read: the imaginary parts of the real bins in CCS.
 inline std::vector<int> zeroPositions(PackedFormat format, int n) {

@@ -17,14 +17,13 @@
 
 #include <cstdint>
 
+#include "frame/families.h"
+
 namespace orvgen::wht {
 
 enum class Element : std::uint8_t { F32, F64 };
 
 constexpr int bytesOf(Element element) { return element == Element::F32 ? 4 : 8; }
-
-constexpr int firstOrder = 1;
-constexpr int lastOrder = 13;
 
 // The layers that each pass does, in order; 0: no further pass.
 struct Cut {
@@ -44,12 +43,15 @@ constexpr Cut cuts64f[] = {{{1, 0, 0}}, {{2, 0, 0}}, {{3, 0, 0}}, {{4, 0, 0}}, {
                            {{5, 3, 3}}, {{5, 3, 4}}, {{7, 3, 3}}};
 
 constexpr const Cut& cutOf(Element element, int order) {
-    return (element == Element::F32 ? cuts32f : cuts64f)[order - firstOrder];
+    return (element == Element::F32 ? cuts32f : cuts64f)[order - kOrders.first];
 }
 
 // Orders whose body works on single elements: too few of them, or not enough to gain by vectors.
+// They are the ones that any alignment suits.
 constexpr bool isScalar(Element element, int order) {
-    return order <= (element == Element::F32 ? 3 : 2);
+    const FamilyInfo& family =
+        element == Element::F32 ? familyOf("WHT", "32f") : familyOf("WHT", "64f");
+    return family.alignmentOf(order) == Alignment::Any;
 }
 
 // Elements of the buffer: the array between the passes, and behind it the scratch of one tile.

@@ -8,19 +8,19 @@ namespace {
 
 using orvgen::wht::Element;
 
-constexpr int orders = orvgen::wht::lastOrder - orvgen::wht::firstOrder + 1;
+constexpr int first = orvgen::kOrders.first;
+constexpr int orders = orvgen::kOrders.count();
 
 struct Sizes {
     int32_t bytes[orders] = {};
 
     constexpr explicit Sizes(Element element) {
-        for (int i = 0; i < orders; ++i)
-            bytes[i] = orvgen::wht::bufferBytes(element, orvgen::wht::firstOrder + i);
+        for (int i = 0; i < orders; ++i) bytes[i] = orvgen::wht::bufferBytes(element, first + i);
     }
 
     OrvStatus query(int32_t order, int32_t* size) const {
         // As an unsigned value an order below the first is out of range as well.
-        const uint32_t row = static_cast<uint32_t>(order) - orvgen::wht::firstOrder;
+        const uint32_t row = static_cast<uint32_t>(order) - first;
         if (row >= orders) return orvErrSize;
         *size = bytes[row];
         return orvOk;

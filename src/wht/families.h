@@ -4,10 +4,10 @@
 
 #include <vector>
 
-#include "kernelgen/kernel.h"
+#include "frame/kernel_family.h"
 
 namespace orvgen::wht {
 
-std::vector<kernelgen::Family> walshHadamardFamilies();
+std::vector<KernelFamily> walshHadamardFamilies();
 
 }  // namespace orvgen::wht

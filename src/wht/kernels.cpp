@@ -9,7 +9,6 @@ namespace orvgen::wht {
 
 namespace {
 
-using kernelgen::Alignment;
 using kernelgen::Base;
 using kernelgen::Kernel;
 using kernelgen::Passes;
@@ -97,35 +96,26 @@ std::string passesOf(const Cut& cut) {
     return text + (cut.order() == 1 ? " layer" : " layers");
 }
 
-Kernel kernel(const std::string& family, Element element, int order) {
+Kernel kernel(const FamilyInfo& family, int order) {
+    const Element element = family.isSingle() ? Element::F32 : Element::F64;
     const long n = 1L << order;
-    const bool twoBodies = element == Element::F64 && order == 3;
-    Kernel k{.name = kernelgen::memberName(family, order),
-             .length = static_cast<int>(n),
-             .method = passesOf(cutOf(element, order)) + ": " + number(n * order) + " additions, " +
-                       number(n) + " multiplications",
-             .scale = kernelgen::ScaleRule::BothByN,
-             .alignment = isScalar(element, order) ? Alignment::Any
-                          : twoBodies              ? Alignment::TwoBodies
-                                                   : Alignment::Twin,
-             .flow = kernelgen::Graph(element == Element::F32 ? kernelgen::Arithmetic::Single
-                                                              : kernelgen::Arithmetic::Double)};
+    Kernel k = kernelOf(family, order,
+                        passesOf(cutOf(element, order)) + ": " + number(n * order) +
+                            " additions, " + number(n) + " multiplications",
+                        kernelgen::Graph(family.isSingle() ? kernelgen::Arithmetic::Single
+                                                           : kernelgen::Arithmetic::Double));
     k.passes = Arrangement(element, order).passes();
     return k;
 }
 
-kernelgen::Family family(Element element) {
-    kernelgen::Family f;
-    f.name = element == Element::F32 ? "orvgWHT_32f" : "orvgWHT_64f";
-    for (int k = firstOrder; k <= lastOrder; ++k) f.lengths.push_back(k);
-    f.kernel = [name = f.name, element](int order) { return kernel(name, element, order); };
-    return f;
-}
-
 }  // namespace
 
-std::vector<kernelgen::Family> walshHadamardFamilies() {
-    return {family(Element::F32), family(Element::F64)};
+std::vector<KernelFamily> walshHadamardFamilies() {
+    std::vector<KernelFamily> families;
+    for (const FamilyInfo& f : kFamilies)
+        if (f.transform == Transform::WalshHadamard)
+            families.push_back({&f, [&f](int order) { return kernel(f, order); }});
+    return families;
 }
 
 }  // namespace orvgen::wht

@@ -1,25 +1,27 @@
 // SPDX-License-Identifier: MIT
 #include "batch/families.h"
 
-#include <numeric>
-#include <string_view>
 #include <type_traits>
+
+#include "frame/names.h"
 
 namespace orvgen::test::batch {
 
 namespace {
 
-std::vector<int> from(int first, int last) {
-    std::vector<int> numbers(static_cast<std::size_t>(last - first + 1));
-    std::iota(numbers.begin(), numbers.end(), first);
-    return numbers;
+std::vector<int> listOf(const Numbers& numbers, int most = kLengths.last) {
+    std::vector<int> list;
+    for (const int n : numbers)
+        if (n <= most) list.push_back(n);
+    return list;
 }
 
-template <class R, class Element>
-Side sideOf(std::string_view family) {
-    constexpr int width = sizeof(Element) / sizeof(R);
-    return {1, width, width == 2 && family.find("CCS") != family.npos};
+Side sideOf(orvgen::Layout layout) {
+    const bool pairs = layout == orvgen::Layout::Complex || layout == orvgen::Layout::Ccs;
+    return {.planes = 1, .width = pairs ? 2 : 1, .bins = layout == orvgen::Layout::Ccs};
 }
+
+constexpr Side kSplitSide = {.planes = 2, .width = 1, .bins = false};
 
 // Enough for the largest order; the single functions ask for a 16-byte boundary.
 alignas(16) thread_local std::uint8_t whtBuffer[1 << 17];
@@ -32,13 +34,13 @@ struct Families {
     std::vector<Family<R>> list;
 
     template <class S, class D, class Single, class Batch>
-    void addLengths(const char* name, Single single, Batch batch) {
-        list.push_back({.name = name,
-                        .numbers = from(2, 64),
-                        .byOrder = false,
+    void addLengths(const FamilyInfo& family, Single single, Batch batch) {
+        list.push_back({.name = "orvgBatch" + shortName(family),
+                        .numbers = listOf(family.numbers),
+                        .byOrder = family.byOrder,
                         .scaled = true,
-                        .src = sideOf<R, S>(name),
-                        .dst = sideOf<R, D>(name),
+                        .src = sideOf(family.src),
+                        .dst = sideOf(family.dst),
                         .single = single,
                         .batch = [batch](const Place<const R>& src, const Place<R>& dst, int n,
                                          std::size_t count, std::int32_t flag) {
@@ -49,13 +51,14 @@ struct Families {
     }
 
     template <class Single, class Batch>
-    void addSplit(const char* name, Single single, Batch batch) {
-        list.push_back({.name = name,
-                        .numbers = from(2, 64),
-                        .byOrder = false,
+    void addSplit(const FamilyInfo& family, const std::string& element, Single single,
+                  Batch batch) {
+        list.push_back({.name = "orvgBatchSplit" + std::string(family.name) + "_" + element,
+                        .numbers = listOf(family.numbers),
+                        .byOrder = family.byOrder,
                         .scaled = true,
-                        .src = {2, 1, false},
-                        .dst = {2, 1, false},
+                        .src = kSplitSide,
+                        .dst = kSplitSide,
                         .single = single,
                         .batch = [batch](const Place<const R>& src, const Place<R>& dst, int n,
                                          std::size_t count, std::int32_t flag) {
@@ -66,13 +69,13 @@ struct Families {
     }
 
     template <class Single, class Batch>
-    void addWht(const char* name, Single single, Batch batch) {
-        list.push_back({.name = name,
-                        .numbers = from(1, 13),
-                        .byOrder = true,
+    void addWht(const FamilyInfo& family, Single single, Batch batch) {
+        list.push_back({.name = "orvgBatch" + shortName(family),
+                        .numbers = listOf(family.numbers),
+                        .byOrder = family.byOrder,
                         .scaled = true,
-                        .src = {1, 1, false},
-                        .dst = {1, 1, false},
+                        .src = sideOf(family.src),
+                        .dst = sideOf(family.dst),
                         .single =
                             [single](const R* src, R* dst, int order, std::int32_t flag) {
                                 return single(src, dst, order, flag, whtBuffer);
@@ -86,13 +89,15 @@ struct Families {
     }
 
     template <class Spec, class Init, class Single, class Batch>
-    void addDct4(const char* name, Init init, Single single, Batch batch) {
-        list.push_back({.name = name,
-                        .numbers = {2, 4, 8, 16, 32},
-                        .byOrder = false,
+    void addDct4(const FamilyInfo& family, Init init, Single single, Batch batch) {
+        // Longer ones run by plans.
+        constexpr int lastInLanes = 32;
+        list.push_back({.name = "orvgBatch" + shortName(family),
+                        .numbers = listOf(family.numbers, lastInLanes),
+                        .byOrder = family.byOrder,
                         .scaled = false,
-                        .src = {1, 1, false},
-                        .dst = {1, 1, false},
+                        .src = sideOf(family.src),
+                        .dst = sideOf(family.dst),
                         .single =
                             [init, single](const R* src, R* dst, int n, std::int32_t) {
                                 Spec* plan = nullptr;
@@ -116,7 +121,7 @@ using Real_64fc = double;
 #define ADD_LENGTHS(NAME, T, S, D)                                                \
     if constexpr (std::is_same_v<R, Real_##T>)                                    \
         all.template addLengths<S, D>(                                            \
-            "orvgBatch" #NAME "_" #T,                                             \
+            familyOf(#NAME, #T),                                                  \
             [](const R* src, R* dst, int n, std::int32_t flag) {                  \
                 return orvg##NAME##_##T(reinterpret_cast<const Orv##T*>(src),     \
                                         reinterpret_cast<Orv##T*>(dst), n, flag); \
@@ -125,7 +130,7 @@ using Real_64fc = double;
 #define ADD_SPLIT(NAME, T, REAL)                                                        \
     if constexpr (std::is_same_v<R, REAL>)                                              \
         all.addSplit(                                                                   \
-            "orvgBatchSplit" #NAME "_" #T,                                              \
+            familyOf(#NAME, #T "c"), #T,                                                \
             [](const R* src, R* dst, int n, std::int32_t flag) {                        \
                 return orvg##NAME##_##T##c(reinterpret_cast<const Orv##T##c*>(src),     \
                                            reinterpret_cast<Orv##T##c*>(dst), n, flag); \
@@ -138,13 +143,13 @@ std::vector<Family<R>> listFamilies() {
     ORVGEN_BATCH_LENGTH_FAMILIES(ADD_LENGTHS)
     ORVGEN_BATCH_SPLIT_FAMILIES(ADD_SPLIT)
     if constexpr (std::is_same_v<R, float>) {
-        all.addWht("orvgBatchWHT_32f", orvgWHT_32f, orvgBatchWHT_32f);
-        all.template addDct4<OrvDCT4Spec_32f>("orvgBatchDCT4_32f", orvgDCT4Init_32f, orvgDCT4_32f,
-                                              orvgBatchDCT4_32f);
+        all.addWht(familyOf("WHT", "32f"), orvgWHT_32f, orvgBatchWHT_32f);
+        all.template addDct4<OrvDCT4Spec_32f>(familyOf("DCT4", "32f"), orvgDCT4Init_32f,
+                                              orvgDCT4_32f, orvgBatchDCT4_32f);
     } else {
-        all.addWht("orvgBatchWHT_64f", orvgWHT_64f, orvgBatchWHT_64f);
-        all.template addDct4<OrvDCT4Spec_64f>("orvgBatchDCT4_64f", orvgDCT4Init_64f, orvgDCT4_64f,
-                                              orvgBatchDCT4_64f);
+        all.addWht(familyOf("WHT", "64f"), orvgWHT_64f, orvgBatchWHT_64f);
+        all.template addDct4<OrvDCT4Spec_64f>(familyOf("DCT4", "64f"), orvgDCT4Init_64f,
+                                              orvgDCT4_64f, orvgBatchDCT4_64f);
     }
     return all.list;
 }

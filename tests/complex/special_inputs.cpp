@@ -249,7 +249,7 @@ TEST(ComplexInputs, StagesOfThreeAndFiveRoundOtherwiseThanTheKernels) {
 // An infinity in a real part spreads to the imaginary one only where lanes are swapped: the first
 // output of the binary64 kernels keeps a clean imaginary part.
 TEST(ComplexInputs, DoubleKernelsKeepTheFirstImaginaryPartClean) {
-    for (int n = 2; n <= 64; ++n) {
+    for (const int n : kLengths) {
         for (const bool inverse : {false, true}) {
             const ListedKernel* k = complexKernel(inverse, n, false);
             ASSERT_NE(k, nullptr);

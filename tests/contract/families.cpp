@@ -3,16 +3,19 @@
 // by-length functions followed to the very kernel, and the names and numbers of the public header.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <map>
 #include <set>
+#include <stdexcept>
 
+#include "frame/names.h"
 #include "kernels/kernel_list.h"
-#include "orvgen.h"
 #include "support/data_table.h"
 #include "support/integer_core.h"
 #include "support/library_file.h"
+#include "support/scale_column.h"
 
 namespace orvgen::test {
 namespace {
@@ -22,38 +25,108 @@ const MachineCode& library() {
     return code;
 }
 
-struct Member {
+// The library's own row of a family.
+const FamilyInfo& infoOf(const DataRow& family) {
+    for (const FamilyInfo& info : kFamilies)
+        if (nameOf(info) == family.text("dispatcher")) return info;
+    throw std::runtime_error("no row of " + family.text("dispatcher"));
+}
+
+struct PromisedMember {
     std::string name;
     std::string twin;  // empty: none
     long number;
 };
 
-std::vector<Member> membersOf(const DataRow& family) {
-    std::vector<Member> members;
+std::vector<PromisedMember> promisedMembers(const DataRow& family) {
+    std::vector<PromisedMember> members;
     for (long n = family.integer("first"); n <= family.integer("last"); ++n) {
-        Member m;
+        PromisedMember m;
         m.name = family.text("base") + "_" + std::to_string(n) + "_" + family.text("suffix");
         m.number = n;
         if (!family.empty("first_twin") && n >= family.integer("first_twin") &&
             n <= family.integer("last_twin")) {
-            m.twin = "owng" + m.name.substr(4) + "_unaligned";
+            m.twin = twinName(infoOf(family), static_cast<int>(n));
         }
         members.push_back(m);
     }
     return members;
 }
 
-std::vector<Member> presentMembers(const DataRow& family) {
-    std::vector<Member> members = membersOf(family);
-    std::erase_if(members, [](const Member& m) { return !library().has(m.name); });
+std::vector<PromisedMember> presentMembers(const DataRow& family) {
+    std::vector<PromisedMember> members = promisedMembers(family);
+    std::erase_if(members, [](const PromisedMember& m) { return !library().has(m.name); });
     return members;
+}
+
+Layout layoutOf(const std::string& word) {
+    const std::map<std::string, Layout> layouts = {{"real", Layout::Real},
+                                                   {"complex", Layout::Complex},
+                                                   {"ccs", Layout::Ccs},
+                                                   {"pack", Layout::Pack},
+                                                   {"perm", Layout::Perm}};
+    return layouts.at(word);
+}
+
+bool selectsByN(std::int32_t flag, const DataRow& family) {
+    return dataTable("flags").row("value", flag).text(family.text("flags")) == "by_n";
+}
+
+long bytesOfElement(const std::string& type) {
+    for (const DataRow& row : dataTable("element_types").rows())
+        if (row.text("name") == type) return row.integer("bytes");
+    throw std::runtime_error("no element type " + type);
+}
+
+bool holds(const std::vector<long>& list, int number) {
+    return std::find(list.begin(), list.end(), number) != list.end();
+}
+
+// What the library's own code takes for true of a family, against what is promised.
+TEST(Families, HaveTheRowsThatArePromised) {
+    std::size_t compared = 0;
+    for (const DataRow& family : dataTable("families").rows()) {
+        const FamilyInfo& info = infoOf(family);
+        SCOPED_TRACE(nameOf(info));
+        ++compared;
+        EXPECT_EQ("orvg" + std::string(info.name), family.text("base"));
+        EXPECT_EQ(info.element, family.text("suffix"));
+        EXPECT_TRUE(info.hasKernels());
+        EXPECT_EQ(info.numbers.first, family.integer("first"));
+        EXPECT_EQ(info.numbers.last, family.integer("last"));
+        EXPECT_FALSE(info.numbers.doubling);
+        EXPECT_EQ(info.byOrder, family.text("dispatcher_arguments").starts_with("src dst order"));
+        EXPECT_EQ(info.src, layoutOf(family.text("src")));
+        EXPECT_EQ(info.dst, layoutOf(family.text("dst")));
+        EXPECT_EQ(scaleColumn(info), family.text("flags"));
+        EXPECT_EQ(info.isSingle(), info.element == "32f" || info.element == "32fc");
+        EXPECT_EQ(info.scale != ScaleRule::InverseByN, selectsByN(orvScaleFwdByN, family));
+        EXPECT_EQ(info.scale != ScaleRule::ForwardByN, selectsByN(orvScaleInvByN, family));
+        // The complex transforms, and no others, allow any overlap.
+        EXPECT_EQ(info.readsAllFirst, family.text("src") == "complex");
+        const long element = bytesOfElement("Orv" + family.text("suffix"));
+        for (const PromisedMember& m : promisedMembers(family)) {
+            const int n = static_cast<int>(m.number);
+            EXPECT_EQ(memberName(info, n), m.name);
+            EXPECT_EQ(info.hasTwin(n), !m.twin.empty()) << n;
+            EXPECT_EQ(info.alignmentOf(n) == Alignment::TwoBodies,
+                      holds(family.integers("two_bodies"), n))
+                << n;
+            EXPECT_EQ(info.behindSrc.bytesOf(n),
+                      holds(family.integers("behind_src"), n) ? element : 0)
+                << n;
+        }
+    }
+    EXPECT_EQ(compared, static_cast<std::size_t>(
+                            std::count_if(std::begin(kFamilies), std::end(kFamilies),
+                                          [](const FamilyInfo& f) { return f.hasKernels(); })));
 }
 
 // Says how many members are missing below each by-length function.
 TEST(Families, AreComplete) {
     std::string missing;
     for (const DataRow& family : dataTable("families").rows()) {
-        const std::size_t absent = membersOf(family).size() - presentMembers(family).size();
+        const std::size_t absent = promisedMembers(family).size() - presentMembers(family).size();
         if (absent != 0) missing += " " + std::to_string(absent) + " below";
         if (absent != 0 || !library().has(family.text("dispatcher"))) {
             missing += " " + family.text("dispatcher");
@@ -68,7 +141,7 @@ TEST(Families, AreComplete) {
 TEST(Families, HaveTheirTwinsAndNoOthers) {
     std::set<std::string> twins;
     for (const DataRow& family : dataTable("families").rows()) {
-        for (const Member& m : presentMembers(family)) {
+        for (const PromisedMember& m : presentMembers(family)) {
             EXPECT_TRUE(library().image().find(m.name)->global) << m.name;
             if (m.twin.empty()) continue;
             twins.insert(m.twin);
@@ -88,7 +161,7 @@ TEST(Families, ListsOfTheHeaderAreTheLibrary) {
     for (const ListedKernel& k : listedKernels()) listed.insert(k.name);
     for (const DataRow& family : dataTable("families").rows()) {
         if (family.text("base") == "orvgWHT") continue;
-        for (const Member& m : presentMembers(family)) present.insert(m.name);
+        for (const PromisedMember& m : presentMembers(family)) present.insert(m.name);
     }
     EXPECT_EQ(listed, present);
 }
@@ -125,7 +198,7 @@ TEST(Families, ByLengthFunctionsReachTheirKernels) {
                 EXPECT_FALSE(touches(t)) << function << " of " << n;
             }
         }
-        for (const Member& m : presentMembers(family)) {
+        for (const PromisedMember& m : presentMembers(family)) {
             CallSetup setup;
             setup.length = static_cast<std::int32_t>(m.number);
             for (const std::int32_t flag : {8, 1, 3}) {

@@ -4,6 +4,7 @@
 // and inverse transforms that give the input back.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <map>
@@ -14,6 +15,7 @@
 #include "support/data_table.h"
 #include "support/integer_core.h"
 #include "support/library_file.h"
+#include "support/scale_column.h"
 
 namespace orvgen::test {
 namespace {
@@ -55,14 +57,9 @@ Bytes run(const KernelCall& call, const Bytes& src, std::size_t dstReals, bool s
     return dst;
 }
 
-std::string columnOf(const std::string& kernel) {
-    if (kernel.find("Hartley") != std::string::npos) return "hartley";
-    if (kernel.find("WHT") != std::string::npos) return "wht";
-    return kernel.find("DFTInv") != std::string::npos ? "inverse" : "forward";
-}
-
-void checkMeaning(const std::string& name, const std::function<Bytes(std::int32_t)>& result) {
-    const std::string column = columnOf(name);
+void checkMeaning(const FamilyInfo& family, const std::string& name,
+                  const std::function<Bytes(std::int32_t)>& result) {
+    const std::string column = scaleColumn(family);
     std::map<std::string, Bytes> byMeaning;
     for (const DataRow& row : dataTable("flags").rows()) {
         const Bytes bytes = result(static_cast<std::int32_t>(row.integer("value")));
@@ -79,7 +76,7 @@ TEST(Flags, MeanTheScalesOfTheTable) {
     ASSERT_FALSE(listedKernels().empty());
     for (const ListedKernel& k : listedKernels()) {
         const Bytes src = ordinary(k.srcCount, k.single);
-        checkMeaning(k.name, [&](std::int32_t flag) {
+        checkMeaning(*k.info, k.name, [&](std::int32_t flag) {
             return run(k.call, src, k.dstCount, k.single, flag, k.srcBeyond);
         });
     }
@@ -87,15 +84,16 @@ TEST(Flags, MeanTheScalesOfTheTable) {
 
 #define ORDER(NAME, K, T)                                                                         \
     {                                                                                             \
+        static constexpr const FamilyInfo& family = familyOf(#NAME, #T);                          \
         constexpr std::size_t points = std::size_t{1} << (K);                                     \
-        const bool single = sizeof(Orv##T) == 4;                                                  \
-        const Bytes src = ordinary(points, single);                                               \
+        const Bytes src = ordinary(points, family.isSingle());                                    \
         const KernelCall call = [](const void* s, void* d, std::int32_t flag) {                   \
             return orvg##NAME##_##K##_##T(static_cast<const Orv##T*>(s), static_cast<Orv##T*>(d), \
                                           flag, nullptr);                                         \
         };                                                                                        \
-        checkMeaning("orvg" #NAME "_" #K "_" #T,                                                  \
-                     [&](std::int32_t flag) { return run(call, src, points, single, flag); });    \
+        checkMeaning(family, memberName(family, K), [&](std::int32_t flag) {                      \
+            return run(call, src, points, family.isSingle(), flag);                               \
+        });                                                                                       \
     }
 #define ORDERS(NAME, T, LIST) \
     TEST(Flags, MeanTheScalesOfTheTable_##NAME##_##T) { LIST(ORDER, NAME, T) }
@@ -127,23 +125,19 @@ TEST(Flags, ShareOneBody) {
 
 // Forward and inverse under the same flag, of flags 1, 2 and 4, give the input back.
 TEST(Flags, PairsComposeToTheIdentity) {
-    std::map<std::string, const ListedKernel*> byName;
-    for (const ListedKernel& k : listedKernels()) byName[k.name] = &k;
+    const auto undoes = [](const FamilyInfo& inverse, const FamilyInfo& forward) {
+        return inverse.transform == forward.transform && inverse.precision == forward.precision &&
+               inverse.direction == Direction::Inverse && inverse.src == forward.dst &&
+               inverse.dst == forward.src;
+    };
     for (const ListedKernel& forward : listedKernels()) {
-        std::string name = forward.name;
-        const std::size_t at = name.find("DFTFwd_");
-        if (at == std::string::npos) continue;
-        name.replace(at, 7, "DFTInv_");
-        for (const char* format : {"CCS", "Pack", "Perm"}) {
-            const std::string to = std::string("RTo") + format;
-            const std::size_t place = name.find(to);
-            if (place != std::string::npos) {
-                name.replace(place, to.size(), std::string(format) + "ToR");
-            }
-        }
-        const auto it = byName.find(name);
-        ASSERT_TRUE(it != byName.end()) << name;
-        const ListedKernel& inverse = *it->second;
+        if (forward.info->direction != Direction::Forward) continue;
+        const auto it =
+            std::find_if(listedKernels().begin(), listedKernels().end(), [&](const auto& k) {
+                return undoes(*k.info, *forward.info) && k.length == forward.length;
+            });
+        ASSERT_TRUE(it != listedKernels().end()) << forward.name;
+        const ListedKernel& inverse = *it;
         const Bytes src = ordinary(forward.srcCount, forward.single);
         // Of values up to 1 under a transform and back: a few dozen roundings, far from 64 u.
         const double bound = 64 * (forward.single ? 0x1p-24 : 0x1p-53);

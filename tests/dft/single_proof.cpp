@@ -25,7 +25,7 @@ TEST_P(ComplexBinary32Flows, ComputeTheTransform) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Lengths, ComplexBinary32Flows,
-                         testing::ValuesIn(dft::complexSingleFamilies()[0].lengths),
+                         testing::Range(kLengths.first, kLengths.last + 1),
                          [](const auto& length) { return std::to_string(length.param); });
 
 }  // namespace

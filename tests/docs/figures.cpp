@@ -26,7 +26,7 @@ std::string number(long n) { return std::to_string(n); }
 template <class Chosen>
 std::vector<int> lengthsWhere(const Chosen& chosen) {
     std::vector<int> list;
-    for (int n = firstLength; n <= lastLength; ++n)
+    for (const int n : kLengths)
         if (chosen(n)) list.push_back(n);
     return list;
 }
@@ -83,7 +83,7 @@ std::string layers(const wht::Cut& cut) {
 TEST(Figures, PassesAndBuffersOfTheWalshHadamardTransforms) {
     using enum wht::Element;
     int straight = 0;
-    for (int k = wht::firstOrder; k <= wht::lastOrder; ++k) {
+    for (const int k : kOrders) {
         if (wht::cutOf(F32, k).passes() == 1) {
             EXPECT_EQ(wht::bufferBytes(F32, k) + wht::bufferBytes(F64, k), 0);
             EXPECT_EQ(++straight, k);

@@ -72,9 +72,10 @@ struct Buffers {
 
 // One family: `byNumber(number, src, dst, flag)` against `members`, the fixed functions by number.
 template <int elements, class T, class ByNumber, class Members>
-void checkFamily(int first, int last, ByNumber byNumber, const Members& members, const char* name) {
-    for (const auto number : outOfRange(first, last)) {
-        if (number >= first && number <= last) continue;
+void checkFamily(const orvgen::Numbers& numbers, ByNumber byNumber, const Members& members,
+                 const char* name) {
+    for (const auto number : outOfRange(numbers.first, numbers.last)) {
+        if (numbers.has(number)) continue;
         SCOPED_TRACE(testing::Message() << name << ", number " << number);
         EXPECT_EQ(byNumber(number, nullptr, nullptr, orvScaleNone), orvErrSize);
         EXPECT_EQ(byNumber(number, nullptr, nullptr, 3), orvErrSize);
@@ -83,7 +84,7 @@ void checkFamily(int first, int last, ByNumber byNumber, const Members& members,
         EXPECT_TRUE((b == Buffers<T, elements>()));
     }
 
-    ASSERT_EQ(members.size(), static_cast<std::size_t>(last - first + 1));
+    ASSERT_EQ(members.size(), numbers.count());
     for (const auto& [number, member] : members) {
         SCOPED_TRACE(testing::Message() << name << ", number " << number);
         for (const auto flag : flags) {
@@ -107,16 +108,16 @@ void checkFamily(int first, int last, ByNumber byNumber, const Members& members,
 #define ROW(NAME, N, T) {N, orvg##NAME##_##N##_##T},
 
 // CCS, the longest layout, has two elements more than the transform.
-#define LENGTH_FAMILY(NAME, T, LIST)                                                         \
-    TEST(Dispatch, NAME##_##T) {                                                             \
-        using Kernel = OrvStatus(const Orv##T*, Orv##T*, std::int32_t);                      \
-        const std::map<int, Kernel*> members = {LIST(ROW, NAME, T)};                         \
-        const auto byLength = [](std::int32_t len, const Orv##T* src, Orv##T* dst,           \
-                                 std::int32_t flag) {                                        \
-            return orvg##NAME##_##T(src, dst, len, flag);                                    \
-        };                                                                                   \
-        checkFamily<orvgen::lastLength + 4, Orv##T>(orvgen::firstLength, orvgen::lastLength, \
-                                                    byLength, members, #NAME "_" #T);        \
+#define LENGTH_FAMILY(NAME, T, LIST)                                                        \
+    TEST(Dispatch, NAME##_##T) {                                                            \
+        using Kernel = OrvStatus(const Orv##T*, Orv##T*, std::int32_t);                     \
+        const std::map<int, Kernel*> members = {LIST(ROW, NAME, T)};                        \
+        const auto byLength = [](std::int32_t len, const Orv##T* src, Orv##T* dst,          \
+                                 std::int32_t flag) {                                       \
+            return orvg##NAME##_##T(src, dst, len, flag);                                   \
+        };                                                                                  \
+        checkFamily<orvgen::kLengths.last + 4, Orv##T>(orvgen::kLengths, byLength, members, \
+                                                       #NAME "_" #T);                       \
     }
 ORVGEN_LENGTH_FAMILIES(LENGTH_FAMILY)
 
@@ -128,16 +129,16 @@ alignas(16) [[maybe_unused]] std::array<std::uint8_t, 1 << 17> scratch;
          return orvg##NAME##_##K##_##T(src, dst, flag, scratch.data()); \
      }},
 
-#define ORDER_FAMILY(NAME, T, LIST)                                                        \
-    TEST(Dispatch, NAME##_##T) {                                                           \
-        using Kernel = OrvStatus (*)(const Orv##T*, Orv##T*, std::int32_t);                \
-        const std::map<int, Kernel> members = {LIST(ROW, NAME, T)};                        \
-        const auto byOrder = [](std::int32_t order, const Orv##T* src, Orv##T* dst,        \
-                                std::int32_t flag) {                                       \
-            return orvg##NAME##_##T(src, dst, order, flag, scratch.data());                \
-        };                                                                                 \
-        checkFamily<1 << orvgen::lastOrder, Orv##T>(orvgen::firstOrder, orvgen::lastOrder, \
-                                                    byOrder, members, #NAME "_" #T);       \
+#define ORDER_FAMILY(NAME, T, LIST)                                                       \
+    TEST(Dispatch, NAME##_##T) {                                                          \
+        using Kernel = OrvStatus (*)(const Orv##T*, Orv##T*, std::int32_t);               \
+        const std::map<int, Kernel> members = {LIST(ROW, NAME, T)};                       \
+        const auto byOrder = [](std::int32_t order, const Orv##T* src, Orv##T* dst,       \
+                                std::int32_t flag) {                                      \
+            return orvg##NAME##_##T(src, dst, order, flag, scratch.data());               \
+        };                                                                                \
+        checkFamily<1 << orvgen::kOrders.last, Orv##T>(orvgen::kOrders, byOrder, members, \
+                                                       #NAME "_" #T);                     \
     }
 ORVGEN_ORDER_FAMILIES(ORDER_FAMILY)
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "elf_file.h"
-#include "frame/families.h"
+#include "frame/names.h"
 #include "support/library_file.h"
 
 namespace {
@@ -53,23 +53,10 @@ Names listedNames() {
 #undef LENGTH_FAMILY
 #undef ORDER_FAMILY
 
-#define MEMBER(NAME, N, T) \
-    if (N >= firstTwin) names.insert("owng" #NAME "_" #N "_" #T "_unaligned");
-#define LENGTH_FAMILY(NAME, T, LIST)                       \
-    {                                                      \
-        const int firstTwin = orvgen::firstTwinLength_##T; \
-        LIST(MEMBER, NAME, T)                              \
-    }
-#define ORDER_FAMILY(NAME, T, LIST)                   \
-    {                                                 \
-        const int firstTwin = orvgen::firstTwinOrder; \
-        LIST(MEMBER, NAME, T)                         \
-    }
-
 Names listedTwins() {
     Names names;
-    ORVGEN_LENGTH_FAMILIES(LENGTH_FAMILY)
-    ORVGEN_ORDER_FAMILIES(ORDER_FAMILY)
+    for (const orvgen::Member& m : orvgen::allKernels())
+        if (m.family->hasTwin(m.number)) names.insert(orvgen::twinName(*m.family, m.number));
     return names;
 }
 

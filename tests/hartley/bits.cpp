@@ -23,7 +23,7 @@ TYPED_TEST_SUITE(HartleyBits, Elements);
 
 TYPED_TEST(HartleyBits, GraphAndPlainNumbersAgree) {
     using T = TypeParam;
-    for (int n = 2; n <= 64; ++n) {
+    for (const int n : kLengths) {
         const double scale = scaleOf(Scaling::ByN, n, isSingle<T>);
         for (unsigned seed = 0; seed < 4; ++seed) {
             const auto x = randomValues<T>(n, seed);
@@ -48,7 +48,7 @@ TYPED_TEST(HartleyBits, SmallLengthsAreTheirWrittenForms) {
 TYPED_TEST(HartleyBits, SumsOfTheForwardTransform) {
     using T = TypeParam;
     int lengths = 0;
-    for (int n = 2; n <= 64; ++n) {
+    for (const int n : kLengths) {
         if (!hartley::runsForwardFlow(n)) continue;
         ++lengths;
         const Graph forward = realdft::forwardGraph(n, PackedFormat::Ccs, arithmeticOf<T>);
@@ -73,7 +73,7 @@ TYPED_TEST(HartleyBits, SumsOfTheForwardTransform) {
 
 TYPED_TEST(HartleyBits, TwiceIsTheIdentity) {
     using T = TypeParam;
-    for (int n = 2; n <= 64; ++n) {
+    for (const int n : kLengths) {
         const auto scales = storedScales<T>(n);  // 1, 1/N, 1/sqrt(N)
         for (const auto& [first, second] :
              {std::pair{scales[0], scales[1]}, {scales[1], scales[0]}, {scales[2], scales[2]}}) {
@@ -85,7 +85,7 @@ TYPED_TEST(HartleyBits, TwiceIsTheIdentity) {
 
 TYPED_TEST(HartleyBits, ImpulseGivesTheScaleEverywhere) {
     using T = TypeParam;
-    for (int n = 2; n <= 64; ++n) {
+    for (const int n : kLengths) {
         std::vector<T> x(static_cast<std::size_t>(n), T(0));
         x[0] = 1;
         for (const double scale : storedScales<T>(n))
@@ -95,7 +95,7 @@ TYPED_TEST(HartleyBits, ImpulseGivesTheScaleEverywhere) {
 
 TYPED_TEST(HartleyBits, ZerosOfEitherSign) {
     using T = TypeParam;
-    for (int n = 2; n <= 64; ++n) {
+    for (const int n : kLengths) {
         const std::vector<T> zeros(static_cast<std::size_t>(n), T(0));
         for (const T v : transform(zeros, 1.0)) EXPECT_TRUE(v == 0 && !std::signbit(v)) << n;
         const std::vector<T> negative(static_cast<std::size_t>(n), -T(0));

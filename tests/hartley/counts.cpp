@@ -53,7 +53,7 @@ TEST(Hartley, CountsOfTheTable) {
 
 TEST(Hartley, IsTheTransform) {
     for (const Arithmetic arithmetic : {Arithmetic::Single, Arithmetic::Double}) {
-        for (int n = 2; n <= 64; ++n) {
+        for (const int n : kLengths) {
             const Real error = proofError(hartleyGraph(n, arithmetic), n, n, [n](int o, int i) {
                 return hartleyCoefficient(n, o, i);
             });
@@ -63,7 +63,7 @@ TEST(Hartley, IsTheTransform) {
 }
 
 TEST(Hartley, RulesOfPrecision) {
-    for (int n = 2; n <= 64; ++n) {
+    for (const int n : kLengths) {
         const PrecisionReport r = checkPrecision(hartleyGraph(n, Arithmetic::Single));
         EXPECT_EQ(r.complaints, "") << n;
         EXPECT_EQ(r.scaledInDouble, 0) << n;
@@ -91,7 +91,7 @@ TEST(Hartley, WhatMeetsFirst) {
 // At the lengths that run the forward flow the Hartley graph holds the forward graph's operations
 // up to the last layer and no others: each is found by its operands, one for one.
 TEST(Hartley, ForwardFlowWithAnotherLastLayer) {
-    for (int n = 2; n <= 64; ++n) {
+    for (const int n : kLengths) {
         if (!hartley::runsForwardFlow(n) || hartley::hasOwnLastLayer(n)) continue;
         const Graph h = hartleyGraph(n, Arithmetic::Double);
         const Graph f = realdft::forwardGraph(n, realdft::PackedFormat::Pack, Arithmetic::Double);

@@ -46,9 +46,8 @@ TEST(Constants, AreRoundedOnce) {
     std::set<std::pair<bool, Real>> seen;
     std::set<double> foundPinned;
     Mpfr exact(kBits);
-    for (const Family& family : generator::allFamilies()) {
-        if (!family.kernel) continue;
-        for (const int n : family.lengths) {
+    for (const KernelFamily& family : generator::allFamilies()) {
+        for (const int n : family.info->numbers) {
             const Graph g = family.kernel(n).flow;
             for (const Node& node : g.nodes()) {
                 if (node.op != Op::Mul) continue;

@@ -140,16 +140,17 @@ TEST(Pipeline, ReadsAllFirstWhereAnyOverlapIsPromised) {
 TEST(Pipeline, MachineCodeHasTheShapeOfKernels) {
     using namespace orvgen::test;
     const MachineCode code(ORVGEN_SMALL_KERNELS);
-    for (const Family& family : smallFamilies()) {
-        for (const int n : family.lengths) {
+    for (const orvgen::KernelFamily& family : smallFamilies()) {
+        const orvgen::FamilyInfo& info = *family.info;
+        for (const int n : info.numbers) {
             const Kernel kernel = family.kernel(n);
-            const bool twin = kernel.alignment == Alignment::Twin;
-            const bool single = kernel.flow.elementType() != Type::F64;
-            const bool small = family.name == "orvgSmall_32f" || family.name == "orvgSmall_64f";
+            const bool twin = info.hasTwin(n);
+            const bool single = info.isSingle();
+            const bool small = info.name == "Small" && !info.isComplex();
             const std::int64_t reals = twin ? 2 * n : small ? 6 : n;
             KernelFacts facts;
-            facts.name = memberName(family.name, n);
-            if (twin) facts.twin = "owng" + facts.name.substr(4) + "_unaligned";
+            facts.name = orvgen::memberName(info, n);
+            if (twin) facts.twin = orvgen::twinName(info, n);
             facts.pointerStep = single ? 4 : 8;
             facts.rules.srcBytes = (small ? 4 : reals) * facts.pointerStep;
             facts.rules.dstBytes = reals * facts.pointerStep;

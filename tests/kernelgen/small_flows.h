@@ -7,7 +7,7 @@
 #include <array>
 #include <vector>
 
-#include "kernelgen/kernel.h"
+#include "frame/kernel_family.h"
 #include "kernelgen/value.h"
 
 namespace orvgen::test {
@@ -58,37 +58,73 @@ kernelgen::Kernel crowdedLaneKernel(const std::string& name);
 // it must have been read by then.
 kernelgen::Kernel zeroFirstKernel(const std::string& name, kernelgen::Arithmetic arithmetic);
 
-inline std::vector<kernelgen::Family> smallFamilies() {
-    using kernelgen::Arithmetic;
-    using kernelgen::Family;
-    const auto real = [](Arithmetic a, const std::string& family) {
-        return Family{family, {5}, [a, family](int n) {
-                          return smallRealKernel(kernelgen::memberName(family, n), a);
-                      }};
-    };
-    const auto crowded = [](Arithmetic a, const std::string& family) {
-        return Family{family, {2 * kCrowd}, [a, family](int n) {
-                          return crowdedRealKernel(kernelgen::memberName(family, n), a);
-                      }};
-    };
-    const auto zeroFirst = [](Arithmetic a, const std::string& family) {
-        return Family{family, {8}, [a, family](int n) {
-                          return zeroFirstKernel(kernelgen::memberName(family, n), a);
-                      }};
-    };
-    return {
-        real(Arithmetic::Single, "orvgSmall_32f"),
-        real(Arithmetic::Double, "orvgSmall_64f"),
-        crowded(Arithmetic::Single, "orvgCrowded_32f"),
-        crowded(Arithmetic::Double, "orvgCrowded_64f"),
-        zeroFirst(Arithmetic::Single, "orvgZeroFirst_32f"),
-        zeroFirst(Arithmetic::Double, "orvgZeroFirst_64f"),
-        Family{"orvgSmall_32fc",
-               {8},
-               [](int n) { return smallLaneKernel(kernelgen::memberName("orvgSmall_32fc", n)); }},
-        Family{"orvgCrowded_32fc", {2 * kLaneCrowd}, [](int n) {
-                   return crowdedLaneKernel(kernelgen::memberName("orvgCrowded_32fc", n));
-               }}};
+inline constexpr FamilyInfo kSmallFamilies[] = {
+    {.name = "Small",
+     .element = "32f",
+     .precision = Precision::Single,
+     .numbers = {.first = 5, .last = 5},
+     .scale = ScaleRule::ForwardByN},
+    {.name = "Small",
+     .element = "64f",
+     .precision = Precision::Double,
+     .numbers = {.first = 5, .last = 5},
+     .scale = ScaleRule::ForwardByN},
+    {.name = "Crowded",
+     .element = "32f",
+     .precision = Precision::Single,
+     .numbers = {.first = 2 * kCrowd, .last = 2 * kCrowd},
+     .scale = ScaleRule::ForwardByN},
+    {.name = "Crowded",
+     .element = "64f",
+     .precision = Precision::Double,
+     .numbers = {.first = 2 * kCrowd, .last = 2 * kCrowd},
+     .scale = ScaleRule::ForwardByN},
+    {.name = "ZeroFirst",
+     .element = "32f",
+     .precision = Precision::Single,
+     .numbers = {.first = 8, .last = 8},
+     .scale = ScaleRule::ForwardByN},
+    {.name = "ZeroFirst",
+     .element = "64f",
+     .precision = Precision::Double,
+     .numbers = {.first = 8, .last = 8},
+     .scale = ScaleRule::ForwardByN},
+    {.name = "Small",
+     .element = "32fc",
+     .src = Layout::Complex,
+     .dst = Layout::Complex,
+     .precision = Precision::Single,
+     .numbers = {.first = 8, .last = 8},
+     .scale = ScaleRule::ForwardByN,
+     .alignment = {.twinFrom = 8},
+     .readsAllFirst = true},
+    {.name = "Crowded",
+     .element = "32fc",
+     .src = Layout::Complex,
+     .dst = Layout::Complex,
+     .precision = Precision::Single,
+     .numbers = {.first = 2 * kLaneCrowd, .last = 2 * kLaneCrowd},
+     .scale = ScaleRule::ForwardByN,
+     .alignment = {.twinFrom = 2 * kLaneCrowd},
+     .readsAllFirst = true},
+};
+
+inline kernelgen::Kernel smallKernel(const FamilyInfo& family, int number) {
+    const std::string name = memberName(family, number);
+    const auto arithmetic =
+        family.isSingle() ? kernelgen::Arithmetic::Single : kernelgen::Arithmetic::Double;
+    if (family.isComplex())
+        return family.name == "Small" ? smallLaneKernel(name) : crowdedLaneKernel(name);
+    if (family.name == "Small") return smallRealKernel(name, arithmetic);
+    return family.name == "Crowded" ? crowdedRealKernel(name, arithmetic)
+                                    : zeroFirstKernel(name, arithmetic);
+}
+
+inline std::vector<KernelFamily> smallFamilies() {
+    std::vector<KernelFamily> families;
+    for (const FamilyInfo& f : kSmallFamilies)
+        families.push_back({&f, [&f](int number) { return smallKernel(f, number); }});
+    return families;
 }
 
 }  // namespace orvgen::test

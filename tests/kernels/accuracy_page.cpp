@@ -39,7 +39,7 @@ std::string accuracyPage(const AccuracyCells& cells) {
     page += "\n|---|";
     for (std::size_t i = 0; i < accuracyColumns().size(); ++i) page += "---|";
     page += "\n";
-    for (int n = 2; n <= 64; ++n) {
+    for (const int n : kLengths) {
         page += "| " + std::to_string(n) + " |";
         for (const AccuracyColumn& c : accuracyColumns()) {
             page += " " + cells.at({c.family, n}) + " |";

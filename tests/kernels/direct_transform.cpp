@@ -50,13 +50,6 @@ std::vector<Bin> transform(const std::vector<Bin>& x, int sign) {
     return y;
 }
 
-enum class Layout { Ccs, Pack, Perm };
-
-Layout layoutOf(const std::string& family) {
-    if (family.find("CCS") != std::string::npos) return Layout::Ccs;
-    return family.find("Pack") != std::string::npos ? Layout::Pack : Layout::Perm;
-}
-
 // Positions of the real and the imaginary part of bin k; -1 where a part is not stored.
 std::pair<int, int> place(Layout layout, int n, int k) {
     const bool even = n % 2 == 0;
@@ -74,7 +67,7 @@ std::pair<int, int> place(Layout layout, int n, int k) {
 
 std::vector<Quad> directTransform(const ListedKernel& k, const std::vector<Quad>& src) {
     const auto n = static_cast<std::size_t>(k.length);
-    const int sign = k.family.find("Inv") != std::string::npos ? 1 : -1;
+    const int sign = k.info->direction == Direction::Inverse ? 1 : -1;
     std::vector<Bin> x(n);
     std::vector<Quad> dst(k.dstCount, 0);
     if (k.complex) {
@@ -88,7 +81,7 @@ std::vector<Quad> directTransform(const ListedKernel& k, const std::vector<Quad>
     }
     if (sign > 0) {  // half spectrum to samples
         for (int b = 0; b <= k.length / 2; ++b) {
-            const auto [re, im] = place(layoutOf(k.family), k.length, b);
+            const auto [re, im] = place(k.info->src, k.length, b);
             const bool real = b == 0 || 2 * b == k.length;
             const auto at = static_cast<std::size_t>(b);
             x[at] = {src[static_cast<std::size_t>(re)],
@@ -101,12 +94,12 @@ std::vector<Quad> directTransform(const ListedKernel& k, const std::vector<Quad>
     }
     for (std::size_t j = 0; j < n; ++j) x[j] = {src[j], 0};
     const std::vector<Bin> y = transform(x, sign);
-    if (k.family.find("Hartley") != std::string::npos) {
+    if (k.info->transform == Transform::Hartley) {
         for (std::size_t j = 0; j < n; ++j) dst[j] = y[j].re - y[j].im;
         return dst;
     }
     for (int b = 0; b <= k.length / 2; ++b) {
-        const auto [re, im] = place(layoutOf(k.family), k.length, b);
+        const auto [re, im] = place(k.info->dst, k.length, b);
         const bool real = b == 0 || 2 * b == k.length;
         dst[static_cast<std::size_t>(re)] = y[static_cast<std::size_t>(b)].re;
         if (im >= 0)

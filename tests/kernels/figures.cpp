@@ -4,8 +4,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "frame/names.h"
 #include "generator/head.h"
-#include "generator/registry.h"
 
 namespace orvgen::test {
 namespace {
@@ -21,9 +21,7 @@ std::string contentOf(const std::string& kernel) {
 
 std::vector<std::string> kernelsWithFigures() {
     std::vector<std::string> names;
-    for (const kernelgen::Family& f : generator::allFamilies()) {
-        for (const int n : f.lengths) names.push_back(kernelgen::memberName(f.name, n));
-    }
+    for (const Member& m : allKernels()) names.push_back(m.name());
     return names;
 }
 

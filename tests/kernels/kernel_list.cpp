@@ -3,32 +3,13 @@
 
 #include <stdexcept>
 
-#include "frame/families.h"
+#include "frame/names.h"
 #include "generator/registry.h"
 #include "kernelgen/compile.h"
 
 namespace orvgen::test {
 
 namespace {
-
-bool contains(const std::string& text, const char* part) {
-    return text.find(part) != std::string::npos;
-}
-
-// What src and dst hold, by the definition of the family's data.
-void describeBuffers(ListedKernel& k) {
-    const auto n = static_cast<std::size_t>(k.length);
-    const std::size_t ccs = n % 2 == 0 ? n + 2 : n + 1;
-    k.srcCount = k.dstCount = k.complex ? 2 * n : n;
-    if (contains(k.name, "RToCCS")) k.dstCount = ccs;
-    if (contains(k.name, "CCSToR")) {
-        k.srcCount = ccs;
-        k.neverRead = {1};
-        if (n % 2 == 0) k.neverRead.push_back(n + 1);
-    }
-    // The last vector of these two takes in the element behind src.
-    if (contains(k.name, "_32fc") && (n == 47 || n == 59)) k.srcBeyond = 2;
-}
 
 template <class T>
 using Function = OrvStatus(const T* src, T* dst, std::int32_t flag);
@@ -44,15 +25,15 @@ struct Row {
 };
 
 template <class T>
-ListedKernel listed(const std::string& name, const std::string& type, const Row<T>& row,
-                    ByLength<T>* byLength, int firstTwin) {
+ListedKernel listed(const FamilyInfo& family, const Row<T>& row, ByLength<T>* byLength) {
     const auto [length, fixed] = row;
     ListedKernel k;
-    k.family = "orvg" + name + "_" + type;
+    k.info = &family;
+    k.family = nameOf(family);
     k.length = length;
-    k.name = kernelgen::memberName(k.family, length);
-    k.single = contains(type, "32");
-    k.complex = contains(type, "c");
+    k.name = memberName(family, length);
+    k.single = family.isSingle();
+    k.complex = family.isComplex();
     const auto untyped = [](Function<T>* function) {
         return [function](const void* src, void* dst, std::int32_t flag) {
             return function(static_cast<const T*>(src), static_cast<T*>(dst), flag);
@@ -64,24 +45,30 @@ ListedKernel listed(const std::string& name, const std::string& type, const Row<
     };
     k.plainKernel = reinterpret_cast<PlainFunction>(fixed);
     k.plainDispatcher = reinterpret_cast<PlainFunction>(byLength);
-    if (length >= firstTwin) {
-        k.twinName = "owng" + k.name.substr(4) + "_unaligned";
+    if (family.hasTwin(length)) {
+        k.twinName = twinName(family, length);
         k.plainTwin = loadedFunction(k.twinName);
         k.twin = untyped(reinterpret_cast<Function<T>*>(k.plainTwin));
     }
-    k.twoBodies = type == "64fc" && length < firstTwin;
-    describeBuffers(k);
+    k.srcCount = static_cast<std::size_t>(family.srcReals(length));
+    k.dstCount = static_cast<std::size_t>(family.dstReals(length));
+    k.srcBeyond = static_cast<std::size_t>(family.behindSrc.bytesOf(length) / family.realBytes());
+    // The imaginary parts of the bins that are real.
+    if (family.src == Layout::Ccs) {
+        k.neverRead = {1};
+        if (length % 2 == 0) k.neverRead.push_back(k.srcCount - 1);
+    }
     return k;
 }
 
 std::vector<ListedKernel> makeList() {
     std::vector<ListedKernel> list;
 #define MEMBER(NAME, N, T) {N, orvg##NAME##_##N##_##T},
-#define FAMILY(NAME, T, LIST)                                                                      \
-    {                                                                                              \
-        static constexpr Row<Orv##T> rows[] = {LIST(MEMBER, NAME, T)};                             \
-        for (const auto& row : rows)                                                               \
-            list.push_back(listed<Orv##T>(#NAME, #T, row, orvg##NAME##_##T, firstTwinLength_##T)); \
+#define FAMILY(NAME, T, LIST)                                                           \
+    {                                                                                   \
+        static constexpr Row<Orv##T> rows[] = {LIST(MEMBER, NAME, T)};                  \
+        for (const auto& row : rows)                                                    \
+            list.push_back(listed<Orv##T>(familyOf(#NAME, #T), row, orvg##NAME##_##T)); \
     }
     ORVGEN_LENGTH_FAMILIES(FAMILY)
 #undef FAMILY
@@ -92,20 +79,19 @@ std::vector<ListedKernel> makeList() {
 }  // namespace
 
 kernelgen::Kernel ListedKernel::kernel() const {
-    static const std::vector<kernelgen::Family> families = generator::allFamilies();
-    for (const kernelgen::Family& f : families)
-        if (f.name == family) return f.kernel(length);
+    static const std::vector<KernelFamily> families = generator::allFamilies();
+    for (const KernelFamily& f : families)
+        if (f.info == info) return f.kernel(length);
     throw std::runtime_error("no flow for " + name);
 }
 
 double ListedKernel::scale(std::int32_t flag) const {
     using kernelgen::ScaleKind;
-    const bool inverse = contains(family, "Inv");
-    const bool hartley = contains(family, "Hartley");
-    ScaleKind kind = ScaleKind::None;
-    if (flag == orvScaleBySqrtN) kind = ScaleKind::BySqrtN;
-    if (flag == orvScaleFwdByN && !inverse) kind = ScaleKind::ByN;
-    if (flag == orvScaleInvByN && (inverse || hartley)) kind = ScaleKind::ByN;
+    const bool byN = (flag == orvScaleFwdByN && info->scale != ScaleRule::InverseByN) ||
+                     (flag == orvScaleInvByN && info->scale != ScaleRule::ForwardByN);
+    const ScaleKind kind = flag == orvScaleBySqrtN ? ScaleKind::BySqrtN
+                           : byN                   ? ScaleKind::ByN
+                                                   : ScaleKind::None;
     return kernelgen::storedScale(kind, length, single);
 }
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "kernelgen/kernel.h"
+#include "frame/kernel_family.h"
 #include "support/loaded_function.h"
 
 namespace orvgen::test {
@@ -18,6 +18,7 @@ namespace orvgen::test {
 using KernelCall = std::function<std::int32_t(const void* src, void* dst, std::int32_t flag)>;
 
 struct ListedKernel {
+    const FamilyInfo* info = nullptr;
     std::string name;    // orvgDFTFwd_CToC_16_32fc
     std::string family;  // orvgDFTFwd_CToC_32fc
     int length = 0;
@@ -27,7 +28,6 @@ struct ListedKernel {
     KernelCall dispatch;  // the by-length function, with this length
     KernelCall twin;      // empty: none
     std::string twinName;
-    bool twoBodies = false;
     PlainFunction plainKernel = nullptr, plainDispatcher = nullptr, plainTwin = nullptr;
 
     // Reals in src and dst.
@@ -37,7 +37,7 @@ struct ListedKernel {
 
     kernelgen::Kernel kernel() const;  // as the kernel compiler gets it
     double scale(std::int32_t flag) const;
-    int realBytes() const { return single ? 4 : 8; }
+    int realBytes() const { return info->realBytes(); }
 };
 
 const std::vector<ListedKernel>& listedKernels();

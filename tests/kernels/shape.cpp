@@ -27,7 +27,7 @@ KernelFacts factsOf(const ListedKernel& k) {
     KernelFacts facts;
     facts.name = k.name;
     facts.twin = k.twin ? k.twinName : "";
-    facts.twoBodies = k.twoBodies;
+    facts.twoBodies = k.info->alignmentOf(k.length) == orvgen::Alignment::TwoBodies;
     facts.pointerStep = k.realBytes();
     ShapeRules& r = facts.rules;
     const int size = k.realBytes();

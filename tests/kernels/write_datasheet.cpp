@@ -105,9 +105,10 @@ void printOrders(const test::MachineCode& code, const std::map<std::string, std:
     auto functions = test::orderFunctions<T>();
     std::erase_if(functions, [&](const auto& f) { return !chosen.contains(f.name); });
     if (functions.empty()) return;
-    const std::string family = test::isSingle<T> ? "orvgWHT_32f" : "orvgWHT_64f";
-    for (const kernelgen::Family& f : generator::allFamilies()) {
-        if (f.name != family) continue;
+    const FamilyInfo* info = test::isSingle<T> ? &familyOf("WHT", "32f") : &familyOf("WHT", "64f");
+    const std::string family = nameOf(*info);
+    for (const KernelFamily& f : generator::allFamilies()) {
+        if (f.info != info) continue;
         std::cerr << "write_datasheet: " << family << "\n";
         std::cout
             << "\n## " << family
@@ -130,12 +131,9 @@ void printOrders(const test::MachineCode& code, const std::map<std::string, std:
 }
 
 std::set<std::string> chosenKernels(const std::vector<std::string>& words) {
-    std::vector<std::string> names;
-    for (const ListedKernel& k : test::listedKernels()) names.push_back(k.name);
-    for (const auto& f : test::orderFunctions<Orv32f>()) names.push_back(f.name);
-    for (const auto& f : test::orderFunctions<Orv64f>()) names.push_back(f.name);
-    const std::vector<std::string> chosen = generator::calledBy(names, words);
-    return {chosen.begin(), chosen.end()};
+    std::set<std::string> chosen;
+    for (const Member& m : generator::calledBy(allKernels(), words)) chosen.insert(m.name());
+    return chosen;
 }
 
 }  // namespace

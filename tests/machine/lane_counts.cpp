@@ -134,7 +134,7 @@ TEST(LaneCounts, OfConstantsOfFactor13) {
 // Every part of the result is a value of the transform times the scale, so the scale comes last and
 // nowhere else.
 TEST(LaneValues, TheScaleIsTheLastFactor) {
-    for (int n = 6; n <= 64; ++n) {
+    for (int n = 6; n <= kLengths.last; ++n) {
         forBodies(n, [n](const LaneRun& run) {
             EXPECT_EQ(run.results().size(), static_cast<std::size_t>(2 * n));
             for (const LaneExpression& e : run.expressions()) {

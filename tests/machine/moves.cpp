@@ -190,7 +190,7 @@ TEST(ComplexSingle, Length64IsNoLongerThanPromised) {
 TEST(ComplexSingle, ScalarCodeAndTwinsAreThoseOfTheTable) {
     forComplexSingle(false, [](const ListedKernel& k) {
         const DataRow& row = shapeRow(k.length);
-        EXPECT_EQ(library().has("owng" + k.name.substr(4) + "_unaligned"), row.flag("twin"));
+        EXPECT_EQ(library().has(twinName(*k.info, k.length)), row.flag("twin"));
         const Trace trace = traceOf(k.name);
         const BodyCounts c(trace);
         const auto arithmetic = [&](Lanes lanes) {
@@ -261,7 +261,7 @@ TEST(ComplexDouble, ConstantsFillBothLanes) {
     for (const ListedKernel& k : listedKernels()) {
         if (!k.complex || k.single) continue;
         SCOPED_TRACE(k.name);
-        const bool forward = k.name.find("Fwd") != std::string::npos;
+        const bool forward = k.info->direction == Direction::Forward;
         for (const int off : {0, 8}) {
             for (const Step& s : traceOf(k.name, off).steps) {
                 if (!s.access || s.access->region != Region::constants) continue;

@@ -146,18 +146,10 @@ class Walk {
 
 std::vector<std::string> allFunctions() {
     std::vector<std::string> names;
-    for (const ListedKernel& k : listedKernels()) {
-        names.push_back(k.name);
-        if (k.twin) names.push_back(k.twinName);
+    for (const orvgen::Member& m : orvgen::allKernels()) {
+        names.push_back(m.name());
+        if (m.family->hasTwin(m.number)) names.push_back(orvgen::twinName(*m.family, m.number));
     }
-#define ORDER(NAME, K, T)                                       \
-    names.push_back("orvg" #NAME "_" #K "_" #T);                \
-    if (library().has("owng" #NAME "_" #K "_" #T "_unaligned")) \
-        names.push_back("owng" #NAME "_" #K "_" #T "_unaligned");
-#define ORDERS(NAME, T, LIST) LIST(ORDER, NAME, T)
-    ORVGEN_ORDER_FAMILIES(ORDERS)
-#undef ORDERS
-#undef ORDER
     return names;
 }
 

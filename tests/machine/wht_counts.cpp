@@ -4,6 +4,7 @@
 
 #include <set>
 
+#include "frame/names.h"
 #include "machine/library.h"
 #include "support/data_table.h"
 
@@ -17,6 +18,8 @@ struct Order {
     long order;
     long points;
     bool single;
+    bool twoBodies;
+    bool scalar;
     long bufferBytes;
 };
 
@@ -28,22 +31,15 @@ std::vector<Order> allOrders() {
         o.order = row.integer("order");
         o.points = 1L << o.order;
         o.single = o.type == "f32";
-        const std::string tail = std::to_string(o.order) + (o.single ? "_32f" : "_64f");
-        o.name = "orvgWHT_" + tail;
-        if (row.text("kind") == "twin") o.twin = "owngWHT_" + tail + "_unaligned";
+        const FamilyInfo& family = o.single ? familyOf("WHT", "32f") : familyOf("WHT", "64f");
+        o.name = memberName(family, static_cast<int>(o.order));
+        if (row.text("kind") == "twin") o.twin = twinName(family, static_cast<int>(o.order));
+        o.twoBodies = row.text("kind") == "two_bodies";
+        o.scalar = row.text("kind") == "scalar";
         o.bufferBytes = dataTable("wht_buffer").row("order", o.order).integer(o.type + "_bytes");
         list.push_back(o);
     }
     return list;
-}
-
-bool isScalar(const Order& o) {
-    for (const DataRow& row : dataTable("wht_bodies").rows()) {
-        if (row.text("type") == o.type && row.integer("order") == o.order) {
-            return row.text("kind") == "scalar";
-        }
-    }
-    return false;
 }
 
 TEST(WalshHadamardCode, IsSoundUnderEveryGate) {
@@ -51,14 +47,14 @@ TEST(WalshHadamardCode, IsSoundUnderEveryGate) {
         KernelFacts facts;
         facts.name = o.name;
         facts.twin = o.twin;
-        facts.twoBodies = !o.single && o.order == 3;
+        facts.twoBodies = o.twoBodies;
         facts.pointerStep = o.single ? 4 : 8;
         facts.takesBuffer = o.bufferBytes > 0;
         ShapeRules& r = facts.rules;
         r.srcBytes = r.dstBytes = o.points * facts.pointerStep;
         r.bufferBytes = o.bufferBytes;
         r.straight = o.bufferBytes == 0;
-        r.scalar = isScalar(o);
+        r.scalar = o.scalar;
         r.movddup = !o.single;
         if (r.scalar) r.elementBytes = facts.pointerStep;
         facts.twinRules = r;
@@ -73,7 +69,7 @@ TEST(WalshHadamardCode, DoesEachOperationOnce) {
         for (const int off : {0, 8}) {
             SCOPED_TRACE(o.name + (off ? " off by 8" : ""));
             const BodyCounts c(traceOf(o.name, off));
-            const bool scalar = isScalar(o);
+            const bool scalar = o.scalar;
             const Lanes lanes = scalar ? (o.single ? Lanes::scalar32 : Lanes::scalar64)
                                        : (o.single ? Lanes::packed32 : Lanes::packed64);
             const long width = scalar ? 1 : o.single ? 4 : 2;
@@ -93,7 +89,7 @@ TEST(WalshHadamardCode, DoesEachOperationOnce) {
 
 TEST(WalshHadamardCode, ShufflesAsItsTransposesNeed) {
     for (const Order& o : allOrders()) {
-        if (isScalar(o)) continue;
+        if (o.scalar) continue;
         SCOPED_TRACE(o.name);
         const BodyCounts c(traceOf(o.name));
         if (o.single) {

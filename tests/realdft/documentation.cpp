@@ -48,7 +48,7 @@ TEST(Documentation, PackedFormats) {
 // The lengths at which a value is carried on, as the pages name them.
 void expectCarries(const std::string& page, const plan::Table& plans) {
     std::string list;
-    for (int n = realdft::kShortest; n <= realdft::kLongest; ++n)
+    for (const int n : kLengths)
         if (unroundedValues(*plans.plan(n)) > 0)
             list += (list.empty() ? "" : ", ") + std::to_string(n);
     bool found = false;

@@ -50,7 +50,7 @@ void expectSame(const std::vector<T>& a, const std::vector<T>& b, const std::str
 }
 
 TYPED_TEST(ForwardBits, GraphIsTheFlowOnNumbers) {
-    for (int n = realdft::kShortest; n <= realdft::kLongest; ++n) {
+    for (const int n : kLengths) {
         const Graph g = realdft::forwardGraph(n, Format::Ccs, arithmeticOf<TypeParam>);
         const auto scales = storedScales<TypeParam>(n);
         for (std::size_t m = 0; m < kRoundings.size(); ++m) {
@@ -95,7 +95,7 @@ TYPED_TEST(ForwardBits, BaseFormsByHand) {
 // the samples are not finite; nothing is written behind the last element.
 TYPED_TEST(ForwardBits, FormatsAgreeAndStayInside) {
     using T = TypeParam;
-    for (int n = realdft::kShortest; n <= realdft::kLongest; ++n) {
+    for (const int n : kLengths) {
         for (unsigned seed = 0; seed < 6; ++seed) {
             const auto x = samples<T>(n, seed, seed > 2);
             const auto ccs =
@@ -147,7 +147,7 @@ TYPED_TEST(ForwardBits, AllOnes) {
 
 TYPED_TEST(ForwardBits, ZerosOfEitherSign) {
     using T = TypeParam;
-    for (int n = realdft::kShortest; n <= realdft::kLongest; ++n) {
+    for (const int n : kLengths) {
         for (const Format format : realdft::kPackedFormats) {
             const Graph g = realdft::forwardGraph(n, format, arithmeticOf<T>);
             for (const double scale : storedScales<T>(n)) {
@@ -178,7 +178,7 @@ TEST(ForwardExamples, PackedArrays) {
 
 // Perm and Pack differ from length 4 on where there is a Nyquist bin, and only there.
 TEST(ForwardExamples, PackAndPerm) {
-    for (int n = realdft::kShortest; n <= realdft::kLongest; ++n) {
+    for (const int n : kLengths) {
         const auto x = samples<double>(n, 7);
         const auto pack =
             run(realdft::forwardGraph(n, Format::Pack, Arithmetic::Double), Format::Pack, n, x);

@@ -70,7 +70,7 @@ TEST(ForwardCounts, Methods) {
 // The layouts come from the table of positions here, not from the product's own description.
 TEST(ForwardProof, EveryLengthAndFormat) {
     const std::vector<std::string> names = {"ccs", "pack", "perm"};
-    for (int n = realdft::kShortest; n <= realdft::kLongest; ++n) {
+    for (const int n : kLengths) {
         for (std::size_t f = 0; f < names.size(); ++f) {
             const test::PackedFormat layout(names[f], n);
             const auto matrix = [&](int output, int input) {
@@ -91,7 +91,7 @@ TEST(ForwardProof, EveryLengthAndFormat) {
 // The product's description of the layouts against the tables.
 TEST(PackedFormats, AgreeWithTheTables) {
     const std::vector<std::string> names = {"ccs", "pack", "perm"};
-    for (int n = realdft::kShortest; n <= realdft::kLongest; ++n) {
+    for (const int n : kLengths) {
         for (std::size_t f = 0; f < names.size(); ++f) {
             const Format format = realdft::kPackedFormats[f];
             const test::PackedFormat layout(names[f], n);

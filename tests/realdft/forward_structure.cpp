@@ -30,7 +30,7 @@ class ForwardStructure : public testing::TestWithParam<int> {
 };
 
 INSTANTIATE_TEST_SUITE_P(Lengths, ForwardStructure,
-                         testing::Range(realdft::kShortest, realdft::kLongest + 1));
+                         testing::Range(kLengths.first, kLengths.last + 1));
 
 // Every product by a constant is in binary64; every binary64 sum belongs to the expression of such
 // a product; an expression is rounded once, and what is rounded is an expression.

@@ -54,7 +54,7 @@ TYPED_TEST_SUITE(InverseBits, Elements);
 
 TYPED_TEST(InverseBits, GraphAndPlainNumbersAgree) {
     using T = TypeParam;
-    for (int n = 2; n <= 64; ++n) {
+    for (const int n : kLengths) {
         const double scale = scaleOf(Scaling::ByN, n, isSingle<T>);
         for (const Format format : kPackedFormats) {
             for (unsigned seed = 0; seed < 4; ++seed) {
@@ -108,7 +108,7 @@ TEST(InverseBits, SevenPointCosineOfOneConstant) {
 
 TYPED_TEST(InverseBits, FormatsRunOneFlowButFromCcsAt7And49) {
     using T = TypeParam;
-    for (int n = 2; n <= 64; ++n) {
+    for (const int n : kLengths) {
         bool packDiffers = false, permDiffers = false;
         for (unsigned seed = 0; seed < 20; ++seed) {
             const auto X = randomSpectrum<T>(n, seed);
@@ -144,7 +144,7 @@ std::vector<T> forwardThenBack(int n, Format format, const std::vector<T>& x, do
 
 TYPED_TEST(InverseBits, ForwardAndBackIsTheIdentity) {
     using T = TypeParam;
-    for (int n = 2; n <= 64; ++n) {
+    for (const int n : kLengths) {
         const auto scales = storedScales<T>(n);  // 1, 1/N, 1/sqrt(N)
         const auto x = randomValues<T>(n, static_cast<unsigned>(n));
         for (const Format format : kPackedFormats)
@@ -170,7 +170,7 @@ TYPED_TEST(InverseBits, IgnoredElementsOfCcsChangeNothing) {
     using T = TypeParam;
     const T nan = std::numeric_limits<T>::quiet_NaN();
     const T infinity = std::numeric_limits<T>::infinity();
-    for (int n = 2; n <= 64; ++n) {
+    for (const int n : kLengths) {
         auto src = packed(randomSpectrum<T>(n, 3), n, Format::Ccs);
         const auto expected = invert<T>(n, Format::Ccs, src, 1.0);
         src[1] = nan;
@@ -215,7 +215,7 @@ TEST(InverseBits, SmallestLengthsReadWhatTheyStore) {
 // Every element that is read reaches an output.
 TYPED_TEST(InverseBits, EveryElementReadCounts) {
     using T = TypeParam;
-    for (int n = 2; n <= 64; ++n) {
+    for (const int n : kLengths) {
         for (const Format format : kPackedFormats) {
             const Graph& g = flow<T>(n, format);
             for (const int i : elementsRead(g)) {

@@ -77,7 +77,7 @@ TEST(InverseReal, MethodsOfTheTable) {
 
 TEST(InverseReal, IsTheTransformAndReadsItsTermsOnly) {
     for (const Arithmetic arithmetic : {Arithmetic::Single, Arithmetic::Double}) {
-        for (int n = 2; n <= 64; ++n) {
+        for (const int n : kLengths) {
             for (const auto format : kPackedFormats) {
                 // the formats run one flow but at lengths 7 and 49: Perm by its elements only
                 const Graph g = inverseGraph(n, format, arithmetic);
@@ -95,7 +95,7 @@ TEST(InverseReal, IsTheTransformAndReadsItsTermsOnly) {
 }
 
 TEST(InverseReal, RulesOfPrecision) {
-    for (int n = 2; n <= 64; ++n) {
+    for (const int n : kLengths) {
         for (const auto format : kPackedFormats) {
             const PrecisionReport r = checkPrecision(inverseGraph(n, format, Arithmetic::Single));
             EXPECT_EQ(r.complaints, "") << n;
@@ -135,7 +135,7 @@ TEST(InverseReal, FirstAndLastBinMeetFirst) {
 }
 
 TEST(InverseReal, DoublesOnlyItsInputs) {
-    for (int n = 2; n <= 64; ++n) {
+    for (const int n : kLengths) {
         const Graph g = inverseGraph(n, realdft::PackedFormat::Ccs, Arithmetic::Single);
         for (const kernelgen::Node& node : g.nodes()) {
             if (node.op != kernelgen::Op::Mul || !g.constant(node).lane(0).equals(2)) continue;

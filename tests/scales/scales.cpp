@@ -17,6 +17,7 @@
 #include "support/integer_core.h"
 #include "support/library_file.h"
 #include "support/mpfr_number.h"
+#include "support/scale_column.h"
 
 namespace orvgen::test {
 namespace {
@@ -49,12 +50,6 @@ double expected(const std::string& meaning, unsigned long n, bool single) {
     if (meaning == "by_n") return reciprocal(n, single ? 24 : 53);
     EXPECT_EQ(meaning, "by_root");
     return single ? rootOnce(n, 24) : rootTwice(n);
-}
-
-std::string columnOf(const std::string& kernel) {
-    if (kernel.find("Hartley") != std::string::npos) return "hartley";
-    if (kernel.find("WHT") != std::string::npos) return "wht";
-    return kernel.find("DFTInv") != std::string::npos ? "inverse" : "forward";
 }
 
 const MachineCode& library() {
@@ -112,14 +107,15 @@ std::map<std::int32_t, std::set<Place>> scalePlaces(const std::string& function,
     return places;
 }
 
-void checkStored(const std::string& function, unsigned long n, bool single) {
+void checkStored(const FamilyInfo& family, const std::string& function, unsigned long n) {
+    const bool single = family.isSingle();
     const auto places = scalePlaces(function, single);
     for (const DataRow& row : dataTable("flags").rows()) {
         const auto flag = static_cast<std::int32_t>(row.integer("value"));
         const auto it = places.find(flag);
         ASSERT_TRUE(it != places.end() && !it->second.empty())
             << function << " flag " << flag << ": no constant of its own";
-        const double scale = expected(row.text(columnOf(function)), n, single);
+        const double scale = expected(row.text(scaleColumn(family)), n, single);
         for (const Place& p : it->second) {
             EXPECT_EQ(constantAt(p.address, p.size, !p.wide), scale)
                 << function << " flag " << flag;
@@ -130,14 +126,14 @@ void checkStored(const std::string& function, unsigned long n, bool single) {
 // The first output for an impulse at the first input: the scale, but for rounding where the
 // transform is a convolution (Bluestein's algorithm).
 template <class Real>
-void checkImpulse(const KernelCall& call, const std::string& name, std::size_t srcCount,
-                  std::size_t dstCount, unsigned long n, bool rounded) {
+void checkImpulse(const FamilyInfo& family, const KernelCall& call, const std::string& name,
+                  std::size_t srcCount, std::size_t dstCount, unsigned long n, bool rounded) {
     for (const DataRow& row : dataTable("flags").rows()) {
         const auto flag = static_cast<std::int32_t>(row.integer("value"));
         std::vector<Real> src(srcCount + 2), dst(dstCount + 2);
         src[0] = 1;
         ASSERT_EQ(call(src.data(), dst.data(), flag), orvOk) << name;
-        const double scale = expected(row.text(columnOf(name)), n, sizeof(Real) == 4);
+        const double scale = expected(row.text(scaleColumn(family)), n, sizeof(Real) == 4);
         const double found = static_cast<double>(dst[0]);
         if (rounded) {
             EXPECT_NEAR(found / scale, 1, 1e-6) << name << " flag " << flag;
@@ -149,7 +145,8 @@ void checkImpulse(const KernelCall& call, const std::string& name, std::size_t s
 
 TEST(Scales, RootsWithTwoRoundingsAreThoseListed) {
     std::vector<long> differing;
-    for (unsigned long n = 2; n <= 64; ++n) {
+    for (const int length : kLengths) {
+        const auto n = static_cast<unsigned long>(length);
         const double once = rootOnce(n, 53), twice = rootTwice(n);
         if (once == twice) continue;
         differing.push_back(static_cast<long>(n));
@@ -172,8 +169,8 @@ TEST(Scales, RootsOfOrdersAreThoseListed) {
 TEST(Scales, OfEveryLengthAreStored) {
     ASSERT_FALSE(listedKernels().empty());
     for (const ListedKernel& k : listedKernels()) {
-        checkStored(k.name, static_cast<unsigned long>(k.length), k.single);
-        if (k.twin) checkStored(k.twinName, static_cast<unsigned long>(k.length), k.single);
+        checkStored(*k.info, k.name, static_cast<unsigned long>(k.length));
+        if (k.twin) checkStored(*k.info, k.twinName, static_cast<unsigned long>(k.length));
         if (HasFatalFailure()) return;
     }
 }
@@ -184,27 +181,26 @@ TEST(Scales, OfEveryLengthAnswerAnImpulse) {
         const bool rounded = k.single && k.complex &&
                              dataTable("complex_f32_bluestein").find("length", k.length) != nullptr;
         if (k.single) {
-            checkImpulse<float>(k.call, k.name, k.srcCount, k.dstCount, n, rounded);
+            checkImpulse<float>(*k.info, k.call, k.name, k.srcCount, k.dstCount, n, rounded);
         } else {
-            checkImpulse<double>(k.call, k.name, k.srcCount, k.dstCount, n, rounded);
+            checkImpulse<double>(*k.info, k.call, k.name, k.srcCount, k.dstCount, n, rounded);
         }
         if (HasFatalFailure()) return;
     }
 }
 
-#define ORDER(NAME, K, T)                                                                          \
-    {                                                                                              \
-        const std::string name = "orvg" #NAME "_" #K "_" #T;                                       \
-        checkStored(name, 1UL << (K), sizeof(Orv##T) == 4);                                        \
-        if (library().has("owng" + name.substr(4) + "_unaligned")) {                               \
-            checkStored("owng" + name.substr(4) + "_unaligned", 1UL << (K), sizeof(Orv##T) == 4);  \
-        }                                                                                          \
-        const KernelCall call = [](const void* src, void* dst, std::int32_t flag) {                \
-            return orvg##NAME##_##K##_##T(static_cast<const Orv##T*>(src),                         \
-                                          static_cast<Orv##T*>(dst), flag, nullptr);               \
-        };                                                                                         \
-        checkImpulse<Orv##T>(call, name, std::size_t{1} << (K), std::size_t{1} << (K), 1UL << (K), \
-                             false);                                                               \
+#define ORDER(NAME, K, T)                                                                      \
+    {                                                                                          \
+        static constexpr const FamilyInfo& family = familyOf(#NAME, #T);                       \
+        const std::string name = memberName(family, K);                                        \
+        checkStored(family, name, 1UL << (K));                                                 \
+        if (family.hasTwin(K)) checkStored(family, twinName(family, K), 1UL << (K));           \
+        const KernelCall call = [](const void* src, void* dst, std::int32_t flag) {            \
+            return orvg##NAME##_##K##_##T(static_cast<const Orv##T*>(src),                     \
+                                          static_cast<Orv##T*>(dst), flag, nullptr);           \
+        };                                                                                     \
+        checkImpulse<Orv##T>(family, call, name, std::size_t{1} << (K), std::size_t{1} << (K), \
+                             1UL << (K), false);                                               \
     }
 #define ORDERS(NAME, T, LIST) \
     TEST(Scales, OfEveryOrder_##T) { LIST(ORDER, NAME, T) }

@@ -25,11 +25,11 @@ std::size_t occurrences(const std::string& text, const std::string& part) {
 }
 
 TEST(PlanTree, IsThePlanOfEveryKernel) {
-    for (const kernelgen::Family& family : generator::allFamilies()) {
-        if (kindOf(family.name) == Kind::WalshHadamard) continue;
-        for (const int length : family.lengths) {
+    for (const KernelFamily& family : generator::allFamilies()) {
+        if (kindOf(*family.info) == Kind::WalshHadamard) continue;
+        for (const int length : family.info->numbers) {
             const kernelgen::Kernel kernel = family.kernel(length);
-            const plan::PlanPtr plan = planOf(family.name, length);
+            const plan::PlanPtr plan = planOf(*family.info, length);
             EXPECT_EQ(plan->length, length);
             // In front of it Hartley kernels say which way they go.
             EXPECT_TRUE(kernel.method.ends_with(plan::notation(*plan))) << kernel.name;
@@ -39,7 +39,7 @@ TEST(PlanTree, IsThePlanOfEveryKernel) {
 
 // Every block of a join is there: the lengths below a join's stages add up to N each.
 TEST(PlanTree, NamesEveryPart) {
-    const plan::PlanPtr plan = planOf("orvgDFTFwd_RToCCS_64f", 15);
+    const plan::PlanPtr plan = planOf(familyOf("DFTFwd_RToCCS", "64f"), 15);
     const Branch tree = branchOf(*plan);
     ASSERT_EQ(tree.parts.size(), 3U);
     EXPECT_EQ(tree.plan, "3, 5");
@@ -50,7 +50,7 @@ TEST(PlanTree, NamesEveryPart) {
 
 // Operations of a flow as the page reads them: by the letters in front of the nodes.
 TEST(Flow, HasEveryOperationOfTheKernel) {
-    for (const kernelgen::Family& family : generator::allFamilies()) {
+    for (const KernelFamily& family : generator::allFamilies()) {
         for (const int length : {3, 5, 7}) {
             const kernelgen::Kernel kernel = family.kernel(length);
             SCOPED_TRACE(kernel.name);
@@ -71,7 +71,7 @@ TEST(Flow, HasEveryOperationOfTheKernel) {
 }
 
 TEST(Assembly, ComesBackFromItsMarks) {
-    for (const kernelgen::Family& family : generator::allFamilies()) {
+    for (const KernelFamily& family : generator::allFamilies()) {
         const kernelgen::Kernel kernel = family.kernel(6);
         const std::string assembly = kernelgen::compileKernel(kernel).assembly;
         std::string text = marked(assembly, kernel.name);
@@ -90,7 +90,7 @@ TEST(Assembly, ComesBackFromItsMarks) {
 }
 
 TEST(Row, HoldsTheFiguresOfTheHead) {
-    const kernelgen::Family family = generator::allFamilies().front();
+    const KernelFamily family = generator::allFamilies().front();
     const kernelgen::Kernel kernel = family.kernel(8);
     const kernelgen::CompiledKernel compiled = kernelgen::compileKernel(kernel);
     const std::string row = rowOf(kernel, 0, 8, compiled.assembly).text;

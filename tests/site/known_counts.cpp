@@ -64,11 +64,11 @@ TEST(KnownCounts, AdditionsAreHalfNLog2NOfComplexOnes) {
 
 TEST(KnownCounts, NoKernelTakesLessThanItsBounds) {
     int compared = 0;
-    for (const kernelgen::Family& family : generator::allFamilies()) {
-        for (const int length : family.lengths) {
+    for (const KernelFamily& family : generator::allFamilies()) {
+        for (const int length : family.info->numbers) {
             const kernelgen::Kernel kernel = family.kernel(length);
             const generator::Operations operations = generator::operationsOf(kernel);
-            for (const KnownCount& known : knownCounts(kindOf(family.name), kernel.length)) {
+            for (const KnownCount& known : knownCounts(kindOf(*family.info), kernel.length)) {
                 if (known.claim == Claim::KnownMethod || !conditionHolds(known, kernel)) continue;
                 EXPECT_GE(comparable(operations, known.counted), known.count)
                     << kernel.name << ": " << known.source;

@@ -16,8 +16,8 @@ void addOrders(std::vector<Subject>& list) {
         Subject s;
         s.name = f.name;
         s.number = f.order;
-        s.first = firstOrder;
-        s.last = lastOrder;
+        s.first = kOrders.first;
+        s.last = kOrders.last;
         s.kernel = reinterpret_cast<PlainFunction>(f.kernel);
         s.twin = reinterpret_cast<PlainFunction>(f.twin);
         s.byNumber = reinterpret_cast<PlainFunction>(f.byOrder);
@@ -35,8 +35,8 @@ std::vector<Subject> makeSubjects() {
         Subject s;
         s.name = k.name;
         s.number = k.length;
-        s.first = firstLength;
-        s.last = lastLength;
+        s.first = k.info->numbers.first;
+        s.last = k.info->numbers.last;
         s.kernel = k.plainKernel;
         s.twin = k.plainTwin;
         s.byNumber = k.plainDispatcher;

@@ -64,7 +64,7 @@ TYPED_TEST(Contract, SizeQueryRefusesOrders) {
 // The size pointer is not tested: with a good order it is written to as it stands.
 TYPED_TEST(Contract, SizeQueryDoesNotTestItsPointer) {
     const auto query = orderFunctions<TypeParam>()[0].bufferSize;
-    for (std::int32_t order = 1; order <= 13; ++order) {
+    for (const std::int32_t order : orvgen::kOrders) {
         EXPECT_NE(catchFault([&] { query(order, nullptr); }, nullptr), "") << order;
     }
 }
@@ -100,7 +100,7 @@ TYPED_TEST(Contract, OrderIsTestedFirst) {
             << order;
         EXPECT_TRUE(sameBytes(x.data(), before.data(), 4));
     }
-    for (std::int32_t order = 1; order <= 13; ++order) {
+    for (const std::int32_t order : orvgen::kOrders) {
         EXPECT_EQ(byOrder(nullptr, nullptr, order, 3, nullptr), orvErrNullPtr) << order;
     }
 }

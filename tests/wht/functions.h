@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "frame/families.h"
+#include "frame/names.h"
 #include "support/loaded_function.h"
 
 namespace orvgen::test {
@@ -26,7 +26,6 @@ struct OrderFunctions {
     SizeQuery* bufferSize;
 
     std::size_t points() const { return std::size_t{1} << order; }
-    std::string twinName() const { return "owng" + name.substr(4) + "_unaligned"; }
     std::size_t bufferBytes() const {
         std::int32_t bytes = -1;
         bufferSize(order, &bytes);
@@ -39,10 +38,10 @@ const std::vector<OrderFunctions<T>>& orderFunctions();
 
 // The twin, where there is one; programs that link the archive ask for none.
 #ifdef ORVGEN_TEST_TWINS
-#define ORVGEN_TEST_TWIN(NAME, K, T)                                                   \
-    (K) < firstTwinOrder ? nullptr                                                     \
-                         : reinterpret_cast<typename OrderFunctions<Orv##T>::Kernel*>( \
-                               loadedFunction("owng" #NAME "_" #K "_" #T "_unaligned"))
+#define ORVGEN_TEST_TWIN(NAME, K, T)                                                              \
+    !familyOf(#NAME, #T).hasTwin(K) ? nullptr                                                     \
+                                    : reinterpret_cast<typename OrderFunctions<Orv##T>::Kernel*>( \
+                                          loadedFunction(twinName(familyOf(#NAME, #T), K)))
 #else
 #define ORVGEN_TEST_TWIN(NAME, K, T) nullptr
 #endif

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/names.h"
 #include "support/data_table.h"
 #include "support/library_file.h"
 #include "support/machine_code.h"
@@ -25,10 +26,11 @@ struct Kernel {
     long size() const { return single ? 4 : 8; }
     long lanes() const { return single ? 4 : 2; }
     std::string type() const { return single ? "f32" : "f64"; }
-    std::string name() const {
-        return "orvgWHT_" + std::to_string(order) + (single ? "_32f" : "_64f");
+    const FamilyInfo& family() const {
+        return single ? familyOf("WHT", "32f") : familyOf("WHT", "64f");
     }
-    std::string twin() const { return "owng" + name().substr(4) + "_unaligned"; }
+    std::string name() const { return memberName(family(), static_cast<int>(order)); }
+    std::string twin() const { return twinName(family(), static_cast<int>(order)); }
 
     const DataRow& row(const std::string& table) const { return *find(table); }
     const DataRow* find(const std::string& table) const {
@@ -51,7 +53,7 @@ struct Kernel {
 inline std::vector<Kernel> allKernels() {
     std::vector<Kernel> list;
     for (const bool single : {true, false})
-        for (long k = 1; k <= 13; ++k) list.push_back({single, k});
+        for (const int k : kOrders) list.push_back({single, k});
     return list;
 }
 

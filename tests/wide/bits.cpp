@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "orvgen.h"
+#include "frame/families.h"
 
 namespace {
 
@@ -50,48 +50,36 @@ DECLARE_D(DFTInv_PackToR, 49, 64f)
 
 namespace {
 
-enum class Layout { Real, Ccs, Pack, Complex };
+using orvgen::Direction;
+using orvgen::FamilyInfo;
+using orvgen::Layout;
 
 template <class R>
 struct Subject {
-    const char* name;
+    const FamilyInfo* family;
     int n;
-    Layout src, dst;
     std::int32_t (*single)(const void*, void*, std::int32_t);
     WideKernel<R>*avx2, *avx512;
 };
 
-#define SUBJECT(NAME, N, T, R, FROM, TO)                                                           \
-    {#NAME,                                                                                        \
-     N,                                                                                            \
-     Layout::FROM,                                                                                 \
-     Layout::TO,                                                                                   \
+#define SUBJECT(NAME, N, T)                                                                        \
+    {&orvgen::familyOf(#NAME, #T), N,                                                              \
      [](const void* src, void* dst, std::int32_t flag) {                                           \
          return orvg##NAME##_##N##_##T(static_cast<const Orv##T*>(src), static_cast<Orv##T*>(dst), \
                                        flag);                                                      \
      },                                                                                            \
-     owngBatch##NAME##_##N##_##T##_avx2,                                                           \
-     owngBatch##NAME##_##N##_##T##_avx512},
-#define COMPLEX_F(NAME, N, T) SUBJECT(NAME, N, T, float, Complex, Complex)
-#define COMPLEX_D(NAME, N, T) SUBJECT(NAME, N, T, double, Complex, Complex)
-#define FORWARD_F(NAME, N, T) SUBJECT(NAME, N, T, float, Real, Ccs)
-#define FORWARD_D(NAME, N, T) SUBJECT(NAME, N, T, double, Real, Ccs)
-#define INVERSE_F(NAME, N, T) SUBJECT(NAME, N, T, float, Ccs, Real)
-#define INVERSE_D(NAME, N, T) SUBJECT(NAME, N, T, double, Ccs, Real)
-#define HARTLEY_F(NAME, N, T) SUBJECT(NAME, N, T, float, Real, Real)
-#define HARTLEY_D(NAME, N, T) SUBJECT(NAME, N, T, double, Real, Real)
+     owngBatch##NAME##_##N##_##T##_avx2, owngBatch##NAME##_##N##_##T##_avx512},
 
 const std::vector<Subject<float>> kSubjectsF = {
-    WIDE_LENGTHS(COMPLEX_F, DFTFwd_CToC, 32fc) WIDE_LENGTHS(COMPLEX_F, DFTInv_CToC, 32fc)
-        WIDE_LENGTHS(FORWARD_F, DFTFwd_RToCCS, 32f) WIDE_LENGTHS(INVERSE_F, DFTInv_CCSToR, 32f)
-            WIDE_LENGTHS(HARTLEY_F, Hartley, 32f) SUBJECT(DFTInv_PackToR, 7, 32f, float, Pack, Real)
-                SUBJECT(DFTInv_PackToR, 49, 32f, float, Pack, Real)};
+    WIDE_LENGTHS(SUBJECT, DFTFwd_CToC, 32fc) WIDE_LENGTHS(SUBJECT, DFTInv_CToC, 32fc)
+        WIDE_LENGTHS(SUBJECT, DFTFwd_RToCCS, 32f) WIDE_LENGTHS(SUBJECT, DFTInv_CCSToR, 32f)
+            WIDE_LENGTHS(SUBJECT, Hartley, 32f) SUBJECT(DFTInv_PackToR, 7, 32f)
+                SUBJECT(DFTInv_PackToR, 49, 32f)};
 const std::vector<Subject<double>> kSubjectsD = {
-    WIDE_LENGTHS(COMPLEX_D, DFTFwd_CToC, 64fc) WIDE_LENGTHS(COMPLEX_D, DFTInv_CToC, 64fc)
-        WIDE_LENGTHS(FORWARD_D, DFTFwd_RToCCS, 64f) WIDE_LENGTHS(INVERSE_D, DFTInv_CCSToR, 64f)
-            WIDE_LENGTHS(HARTLEY_D, Hartley, 64f)
-                SUBJECT(DFTInv_PackToR, 7, 64f, double, Pack, Real)
-                    SUBJECT(DFTInv_PackToR, 49, 64f, double, Pack, Real)};
+    WIDE_LENGTHS(SUBJECT, DFTFwd_CToC, 64fc) WIDE_LENGTHS(SUBJECT, DFTInv_CToC, 64fc)
+        WIDE_LENGTHS(SUBJECT, DFTFwd_RToCCS, 64f) WIDE_LENGTHS(SUBJECT, DFTInv_CCSToR, 64f)
+            WIDE_LENGTHS(SUBJECT, Hartley, 64f) SUBJECT(DFTInv_PackToR, 7, 64f)
+                SUBJECT(DFTInv_PackToR, 49, 64f)};
 
 constexpr int kMostSlots = 66;
 constexpr int kMostNumbers = 2 * kMostSlots;
@@ -108,6 +96,8 @@ int placeOf(Layout layout, int n, int slot, int part) {
         case Layout::Pack:
             if (2 * slot > n || (part == 1 && (slot == 0 || 2 * slot == n))) return -1;
             return 2 * slot + part - (layout == Layout::Pack && slot > 0 ? 1 : 0);
+        case Layout::Perm:
+            break;
     }
     return -1;
 }
@@ -174,7 +164,7 @@ void check(const Subject<R>& s, WideKernel<R>* wide, int lanes, int rounds) {
         const unsigned mode = static_cast<unsigned>(round / 5 % 4) << 13;
         const unsigned flushing = (round / 20 % 2 ? 0x8000U : 0) | (round / 40 % 2 ? 0x0040U : 0);
         const int scale = static_cast<int>(random() % 3);
-        const bool inverse = std::string(s.name).starts_with("DFTInv");
+        const bool inverse = s.family->direction == Direction::Inverse;
         const std::int32_t flag = scale < 2 ? flags[scale]
                                   : inverse ? orvScaleInvByN
                                             : orvScaleFwdByN;
@@ -190,7 +180,7 @@ void check(const Subject<R>& s, WideKernel<R>* wide, int lanes, int rounds) {
                         if (const int place = placeOf(layout, s.n, slot, part); place >= 0)
                             visit(t, slot, part, place);
         };
-        each(s.src, [&](int t, int slot, int part, int place) {
+        each(s.family->src, [&](int t, int slot, int part, int place) {
             const R value = draw<R>(random, kind);
             in[t][place] = value;
             (part ? src.im : src.re)[slot * lanes + t] = value;
@@ -199,18 +189,18 @@ void check(const Subject<R>& s, WideKernel<R>* wide, int lanes, int rounds) {
             for (int t = 0; t < lanes; ++t) s.single(in[t], out[t], flag);
         });
         const auto step = static_cast<std::ptrdiff_t>(lanes * static_cast<int>(sizeof(R)));
-        const bool inPlace = s.src == s.dst && round % 2;
+        const bool inPlace = s.family->src == s.family->dst && round % 2;
         Memory<R>& result = inPlace ? src : dst;
         const unsigned flagsRaised = under(mode | flushing | 0x1f80U, [&] {
             wide(src.re, src.im, step, result.re, result.im, step, scale, 1, 0, 0);
         });
         int wrong = 0;
-        each(s.dst, [&](int t, int slot, int part, int place) {
+        each(s.family->dst, [&](int t, int slot, int part, int place) {
             if (!sameBits((part ? result.im : result.re)[slot * lanes + t], out[t][place])) ++wrong;
         });
-        ASSERT_EQ(wrong, 0) << s.name << " " << s.n << " round " << round << " kind " << kind
-                            << (inPlace ? " in place" : "");
-        ASSERT_EQ(flagsRaised, expectedFlags) << s.name << " " << s.n << " round " << round;
+        ASSERT_EQ(wrong, 0) << s.family->name << " " << s.n << " round " << round << " kind "
+                            << kind << (inPlace ? " in place" : "");
+        ASSERT_EQ(flagsRaised, expectedFlags) << s.family->name << " " << s.n << " round " << round;
     }
 }
 
