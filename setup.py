@@ -38,7 +38,7 @@ class BuildByCMake(build_ext):
         jobs = str(len(os.sched_getaffinity(0)))
         for command in (
             ["cmake", "-S", root, "-B", build, *options],
-            ["cmake", "--build", build, "-j", jobs, "--target", "orvgen_python"],
+            ["cmake", "--build", build, "-j", jobs, "--target", "orvgen_python_package"],
             ["cmake", "--install", build, "--component", "python", "--prefix", Path(self.build_lib).resolve()],
         ):
             subprocess.run([str(word) for word in command], check=True)

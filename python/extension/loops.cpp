@@ -7,6 +7,7 @@
 #include <xmmintrin.h>
 
 #include <exception>
+#include <iterator>
 #include <new>
 
 #include "fourier.h"
@@ -14,6 +15,9 @@
 
 namespace orvgen::python {
 namespace {
+
+// Fewer results are written sooner than the lock is given up and taken again.
+constexpr npy_intp kWorthUnlocking = 1024;
 
 // Called without the GIL; NumPy looks for an exception behind the loop.
 void raise(PyObject* type, const char* text) {
@@ -123,7 +127,62 @@ PyObject* makeUfunc(Definition& u) {
                                                PyUFunc_None, u.name, u.doc, 0, "(n),()->(m)");
 }
 
+// The loop of a definition for arrays of just its types, if there is one.
+PyUFuncGenericFunction loopFor(const Definition& u, int src, int dst) {
+    for (int i = 0; i < u.count; ++i)
+        if (u.loops[i].src == src && u.loops[i].dst == dst) return u.loops[i].function;
+    return nullptr;
+}
+
+PyArrayObject* plain(PyObject* object) {
+    if (!PyArray_CheckExact(object)) return nullptr;
+    auto* array = reinterpret_cast<PyArrayObject*>(object);
+    return PyArray_ISCARRAY_RO(array) ? array : nullptr;
+}
+
+bool overlap(PyArrayObject* x, PyArrayObject* y) {
+    const char *a = PyArray_BYTES(x), *b = PyArray_BYTES(y);
+    return a < b + PyArray_NBYTES(y) && b < a + PyArray_NBYTES(x);
+}
+
 }  // namespace
+
+PyObject* runRows(PyObject*, PyObject* const* arguments, Py_ssize_t count) {
+    if (count != 4) {
+        PyErr_SetString(PyExc_TypeError, "rows(number, x, task, y)");
+        return nullptr;
+    }
+    const long number = PyLong_AsLong(arguments[0]);
+    if (number == -1 && PyErr_Occurred()) return nullptr;
+    PyArrayObject *x = plain(arguments[1]), *y = plain(arguments[3]);
+    if (number < 0 || number >= static_cast<long>(std::size(definitions)) || !x || !y ||
+        PyArray_NDIM(x) == 0 || PyArray_NDIM(y) == 0 || !PyArray_ISWRITEABLE(y))
+        Py_RETURN_FALSE;
+    PyArrayObject* task = plain(arguments[2]);
+    const PyUFuncGenericFunction function =
+        loopFor(definitions[number], PyArray_TYPE(x), PyArray_TYPE(y));
+    const npy_intp have = PyArray_DIM(x, PyArray_NDIM(x) - 1),
+                   room = PyArray_DIM(y, PyArray_NDIM(y) - 1);
+    if (!function || !task || PyArray_TYPE(task) != NPY_INT64 || PyArray_SIZE(task) != 1 ||
+        have == 0 || room == 0)
+        Py_RETURN_FALSE;
+    const npy_intp rows = PyArray_SIZE(y) / room;
+    if (rows * have != PyArray_SIZE(x) || overlap(x, y)) Py_RETURN_FALSE;
+
+    char* args[] = {PyArray_BYTES(x), PyArray_BYTES(task), PyArray_BYTES(y)};
+    const npy_intp dimensions[] = {rows, have, room}, s = PyArray_ITEMSIZE(x),
+                   d = PyArray_ITEMSIZE(y), steps[] = {have * s, 0, room * d, s, d};
+    if (PyArray_SIZE(y) < kWorthUnlocking) {
+        function(args, dimensions, steps, nullptr);
+    } else {
+        NPY_BEGIN_THREADS_DEF;
+        NPY_BEGIN_THREADS;
+        function(args, dimensions, steps, nullptr);
+        NPY_END_THREADS;
+    }
+    if (PyErr_Occurred()) return nullptr;
+    Py_RETURN_TRUE;
+}
 
 bool addUfuncs(PyObject* module) {
     import_array1(false);

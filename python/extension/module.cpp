@@ -40,6 +40,8 @@ PyMethodDef methods[] = {
     {"targets", targets, METH_NOARGS, "The targets there are, as a sum."},
     {"use", use, METH_O, "Chooses a target, or 0 for the best."},
     {"libraries", libraries, METH_NOARGS, "Files and versions of the libraries."},
+    {"rows", reinterpret_cast<PyCFunction>(reinterpret_cast<void*>(orvgen::python::runRows)),
+     METH_FASTCALL, "Runs a ufunc on plain arrays, or returns False."},
     {nullptr, nullptr, 0, nullptr}};
 
 PyModuleDef definition = {PyModuleDef_HEAD_INIT,

@@ -15,7 +15,8 @@ whatever shape, order of memory and number of threads it is computed.
 written for SciPy.
 """
 
-from ._about import Which, use, which
+from . import scipy_backend
+from ._about import Kernel, Which, kernels, use, which
 from ._fourier import (
     fft,
     fftn,
@@ -36,6 +37,7 @@ from ._real import dct4, dht, rotate, wht
 __version__ = which().release
 
 __all__ = [
+    "Kernel",
     "Which",
     "dct4",
     "dht",
@@ -54,10 +56,12 @@ __all__ = [
     "irfft",
     "irfft2",
     "irfftn",
+    "kernels",
     "rfft",
     "rfft2",
     "rfftn",
     "rotate",
+    "scipy_backend",
     "use",
     "wht",
     "which",

@@ -1,9 +1,13 @@
 # SPDX-License-Identifier: MIT
-"""What runs."""
+"""What runs, and what there is."""
 
 from __future__ import annotations
 
-from typing import Dict, NamedTuple, Tuple
+import csv
+from fnmatch import fnmatchcase
+from functools import lru_cache
+from pathlib import Path
+from typing import Callable, Dict, List, NamedTuple, Optional, Tuple
 
 from . import _batch
 
@@ -25,7 +29,7 @@ class Which(NamedTuple):
     targets: Tuple[str, ...]
     """What this library holds and this processor can run, the best one last."""
     target: str
-    """What runs."""
+    """What runs, and what there is."""
 
 
 def which() -> Which:
@@ -64,3 +68,63 @@ def use(target: str = "") -> None:
             raise ValueError(f"use: target is {target!r}; possible are {', '.join(possible)}")
     _batch.use(_TARGETS.get(target, 0))
     _chosen = target
+
+
+class Kernel(NamedTuple):
+    """A generated kernel: a transform of one length; see `kernels`."""
+
+    name: str
+    """The C function, as in "orvgDFTFwd_CToC_16_32fc"."""
+    family: str
+    """The function that takes the length as an argument."""
+    points: int
+    """N."""
+    plan: str
+    """How the length is computed, in the notation of docs/plans.md."""
+    additions: int
+    """Real sums and differences; in the complex binary32 kernels those on distinct values."""
+    multiplications: int
+    """Real products, those by the scale included."""
+    conversions: int
+    """Between binary32 and binary64."""
+    instructions: int
+    """Of the body for aligned data."""
+    frame: int
+    """Bytes of stack."""
+    spills: int
+    """Values that pass through the stack."""
+    cycles: float
+    """By the kernel compiler's model of a core."""
+    bound: float
+    """The largest possible error of one real of a result, for inputs of at most 1, in units of u:
+    2**-24 in binary32, 2**-53 in binary64."""
+    error: Optional[float]
+    """The measured relative error in the L2 norm, in units of u; None where docs/accuracy.md has none:
+    for the Walsh-Hadamard kernels and four that sum in an order of their own."""
+
+
+@lru_cache(maxsize=1)
+def _table() -> Tuple[Kernel, ...]:
+    convert: Dict[str, Callable] = dict.fromkeys(Kernel._fields, int)
+    convert.update(name=str, family=str, plan=str, cycles=float, bound=float)
+    convert["error"] = lambda text: float(text) if text else None
+    with open(Path(__file__).with_name("kernels.csv"), newline="") as file:
+        rows = list(csv.DictReader(file))
+    return tuple(Kernel(**{k: convert[k](v) for k, v in row.items()}) for row in rows)
+
+
+def kernels(pattern: str = "*") -> List[Kernel]:
+    """The kernels of the library with their plans, operations, code and errors, by a pattern of names.
+
+    The data is that of ``./dev show`` and docs/accuracy.md. (A batch in wide vectors does the same
+    operations, on as many transforms at once as a vector has lanes. A DCT-IV runs by its plan and
+    has no kernel of its own.)
+
+    >>> import orvgen
+    >>> len(orvgen.kernels("orvgHartley_*_32f"))
+    63
+    >>> k = orvgen.kernels("orvgDFTFwd_CToC_48_32fc")[0]
+    >>> k.plan, k.additions, k.error < k.bound
+    ('4 T (3, 4)', 636, True)
+    """
+    return [k for k in _table() if fnmatchcase(k.name, pattern)]

@@ -70,6 +70,10 @@ def rotation_lengths(n: int) -> Any:
     return None if possible else "a power of two, 2 to 8192, times an odd number up to 63"
 
 
+# The ufuncs in the order that `_batch.rows` knows them by.
+_NUMBERS = ("fft", "ifft", "rfft", "irfft", "hfft", "ihfft", "dht", "wht", "dct4", "rotate")
+
+
 class Kind:
     """A function of the package. `missing` says what lengths are possible where one is not."""
 
@@ -79,7 +83,6 @@ class Kind:
         types: Dict[np.dtype, np.dtype],
         norms: Dict[Hashable, int],
         *,
-        ufunc: Any = None,
         result: Callable[[int], int] = same,
         default: Callable[[int], int] = same,
         length: Callable[[int], int] = same,
@@ -88,7 +91,8 @@ class Kind:
         self.name = name
         self.types = types
         self.norms = norms
-        self.ufunc = ufunc or getattr(_batch, name)
+        self.ufunc = getattr(_batch, name)
+        self.number = _NUMBERS.index(name)
         self.result = result
         self.default = default
         self.length = length

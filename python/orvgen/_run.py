@@ -8,6 +8,7 @@ from typing import Any, List, Optional, Sequence, Tuple
 
 import numpy as np
 
+from ._batch import rows as _rows
 from ._kinds import FROM_HALF, Kind
 from ._threads import count_of_workers, split
 
@@ -50,7 +51,9 @@ def run(
     if workers is not None and workers != 1:
         split(kind.ufunc, x, task, y, axis % x.ndim, count_of_workers(workers))
     elif last:
-        kind.ufunc(x, task, y)
+        # Small plain arrays should not pay for what a ufunc can do with others.
+        if not _rows(kind.number, x, task, y):
+            kind.ufunc(x, task, y)
     else:
         kind.ufunc(x, task, y, axes=[(axis,), (), (axis,)])
     return out

@@ -151,6 +151,7 @@ class Labelled(np.ndarray):
     pass
 
 
+@pytest.mark.filterwarnings("ignore:the matrix subclass")
 def test_subclasses_come_out_as_arrays(random):
     x = numbers(random, (5, 8), "F")
     exact = orvgen.fft(x)
