@@ -170,8 +170,9 @@ PyObject* runRows(PyObject*, PyObject* const* arguments, Py_ssize_t count) {
     if (rows * have != PyArray_SIZE(x) || overlap(x, y)) Py_RETURN_FALSE;
 
     char* args[] = {PyArray_BYTES(x), PyArray_BYTES(task), PyArray_BYTES(y)};
-    const npy_intp dimensions[] = {rows, have, room}, s = PyArray_ITEMSIZE(x),
-                   d = PyArray_ITEMSIZE(y), steps[] = {have * s, 0, room * d, s, d};
+    const npy_intp dimensions[] = {rows, have, room}, size = PyArray_ITEMSIZE(x),
+                   written = PyArray_ITEMSIZE(y),
+                   steps[] = {have * size, 0, room * written, size, written};
     if (PyArray_SIZE(y) < kWorthUnlocking) {
         function(args, dimensions, steps, nullptr);
     } else {

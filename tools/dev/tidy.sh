@@ -9,8 +9,9 @@ fi
 for folder in "$@"; do
     [[ -d $folder ]] || misused "tidy: no folder $folder"
 done
-need build test examples bench check
-quietly build/clang-configure.log cmake --preset clang -DORVGEN_BENCH=ON
+need build test examples bench check python
+quietly build/clang-configure.log cmake --preset clang -DORVGEN_BENCH=ON -DORVGEN_PYTHON=ON \
+    -DPython_EXECUTABLE=/usr/bin/python3
 # The one source that is written while building.
 quietly build/clang-digest.log ninja -C build/clang src/kernelgen/compiler_digest.h
 say "clang-tidy"
