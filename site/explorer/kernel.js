@@ -83,6 +83,8 @@ explorer.kernelView = (() => {
       ["Port bound of the model", kernel.bound, "what the ports allow for these operations"]];
     if (kernel.cycles !== undefined) {
       rows.push(["Measured", kernel.cycles, "of calls in long bursts"]);
+      if (kernel.secondBuild)
+        rows.push(["Measured, build for x86-64-v3", kernel.secondBuild, "the same calls"]);
       (kernel.others ?? []).forEach((cycles, i) => {
         if (cycles !== null)
           rows.push([libraries[i], cycles, `${number(cycles / kernel.cycles)} times ours`]);
