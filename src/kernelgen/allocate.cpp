@@ -399,7 +399,10 @@ class Allocator {
         int from = value(x).reg;
         Address address;
         const bool wantsMemory = from < 0 || i.op == Opcode::WidenUpperPS;
-        const bool fromMemory = wantsMemory && memoryOperand(x, accessSize(i.op, i.width), address);
+        const bool scalar = i.op == Opcode::Widen || i.op == Opcode::Narrow;
+        const bool fromMemory = rowOf(i.op).fromMemory && wantsMemory &&
+                                !(scalar && target_.threeOperands() && oldestWritten() < 0) &&
+                                memoryOperand(x, accessSize(i.op, i.width), address);
         if (fromMemory) from = -1;
         int target = -1;
         if (!target_.threeOperands() && from >= 0 && dies(x)) {
@@ -419,7 +422,7 @@ class Allocator {
         m.src = from;
         m.hasAddress = fromMemory;
         m.address = address;
-        if (i.op == Opcode::Widen || i.op == Opcode::Narrow) keepRest(m);
+        if (scalar) keepRest(m);
         result_.instructions.push_back(m);
         wrote(target);
         unlockAll();
@@ -432,13 +435,25 @@ class Allocator {
         if (target_.threeOperands()) {
             m.first = m.src;
             if (m.src >= 0) return;
-            m.first = static_cast<int>(std::ranges::min_element(lastWrite_) - lastWrite_.begin());
+            m.first = oldestWritten();
             return;
         }
         if (m.src == m.dst) return;
         const int age = static_cast<int>(result_.instructions.size()) - lastWrite_[at(m.dst)];
         m.clearsFirst = age < kRecentWrite;
         if (!m.clearsFirst) m.first = m.dst;
+    }
+
+    // The register that was written longest ago, of those that were not just written; -1 if there
+    // is none. What the block has not written yet may be what the call before ended with.
+    int oldestWritten() const {
+        int oldest = -1;
+        for (int r = 0; r < target_.registers; ++r) {
+            const int age = static_cast<int>(result_.instructions.size()) - lastWrite_[at(r)];
+            if (lastWrite_[at(r)] < 0 || age < kRecentWrite) continue;
+            if (oldest < 0 || lastWrite_[at(r)] < lastWrite_[at(oldest)]) oldest = r;
+        }
+        return oldest;
     }
 
     void store(const Instruction& i) {

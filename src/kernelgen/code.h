@@ -59,14 +59,15 @@ struct PoolEntry {
     int bytes() const { return static_cast<int>(lanes.size()) * (isSingle(type) ? 4 : 8); }
 };
 
-// The forms in which a code wants the scale: in all lanes of a type, and a binary32 scale also as
-// binary64 behind it.
+// The forms in which a code wants the scale: in all lanes of so many copies of a type, and a
+// binary32 scale also as binary64 behind it.
 struct ScaleForm {
     Type type = Type::F32;
     bool widened = false;
+    int copies = 1;
 
     int widenedAt() const { return std::max(8, bytesOf(type)); }
-    int stride() const { return widened ? 2 * widenedAt() : bytesOf(type); }
+    int stride() const { return widened ? 2 * widenedAt() : copies * bytesOf(type); }
 };
 
 struct Code {

@@ -73,7 +73,7 @@ class KernelCompiler {
     Block compilePaired(const Pass& pass, const AllocationOptions& allocation) const {
         std::vector<Code> forms = pass.forms;
         for (const Code& form : pass.forms)
-            for (Code& pairs : pairScalars(form)) forms.push_back(std::move(pairs));
+            for (Code& pairs : pairForms(form)) forms.push_back(std::move(pairs));
         return compileForms(forms, target_, allocation, 2 * pass.frameLimit);
     }
 
@@ -138,7 +138,8 @@ class KernelCompiler {
     std::string scale(ScaleKind kind, const char* what) const {
         const ScaleForm& form = body_.last.block.scale;
         const double value = storedScale(kind, kernel_.length, isSingle(form.type));
-        PoolEntry entry{form.type, std::vector<double>(lanesOf(form.type), value), what};
+        const auto lanes = static_cast<std::size_t>(form.copies * lanesOf(form.type));
+        PoolEntry entry{form.type, std::vector<double>(lanes, value), what};
         if (!form.widened) return printPoolEntry(entry) + "\n";
         while (entry.bytes() < form.widenedAt()) entry.lanes.push_back(0.0);
         const bool vector = lanesOf(form.type) > 1;

@@ -174,6 +174,13 @@ double modelCycles(const std::vector<MachineInstruction>& block, const CoreModel
     return core.finish() - first;
 }
 
+double aloneCycles(const std::vector<MachineInstruction>& block, const CoreModel& model,
+                   const Target& target) {
+    Core core(model, target);
+    core.run(block);
+    return core.finish();
+}
+
 double portBound(const std::vector<MachineInstruction>& block, const CoreModel& model,
                  const Target& target) {
     // Operations by the set of ports that can do them: any group of ports must do at least the work

@@ -75,6 +75,10 @@ inline constexpr CoreModel kFourPipe{.width = 8,
 double modelCycles(const std::vector<MachineInstruction>& block, const CoreModel& model,
                    const Target& target);
 
+// How many cycles a block takes when nothing runs beside it.
+double aloneCycles(const std::vector<MachineInstruction>& block, const CoreModel& model,
+                   const Target& target);
+
 // The least number of cycles that the ports allow for the block's own operations.
 double portBound(const std::vector<MachineInstruction>& block, const CoreModel& model,
                  const Target& target);

@@ -56,6 +56,10 @@ class InstructionPrinter {
                 return {line(m_.width == 16 ? name("movddup") : "vbroadcastsd", d(), at(8))};
             case Opcode::Zero:
                 return {clear()};
+            case Opcode::UpperHalf:
+                return {line(name(), d(), s(), "1")};
+            case Opcode::StoreUpper:
+                return {line(name(), at(m_.width / 2), vectorName(m_.src, m_.width), "1")};
             case Opcode::StoreZero4:
                 return {line("mov", at(4), "0")};
             case Opcode::StoreZero8:

@@ -105,6 +105,7 @@ class FunctionPrinter {
             text += gate();
             text += enterFrame();
             text += body_.hasLoops() ? passes() : straight();
+            if (usesWideVectors()) text += line("vzeroupper");
             text += line("xor\teax, eax") + leaveFrame() + line("ret");
         }
         text += label(local_ + "_null") + line("mov\teax, " + number(orvErrNullPtr)) + line("ret");
@@ -125,13 +126,35 @@ class FunctionPrinter {
     std::string saved(int i) const { return "qword ptr " + at("rsp", savedAt() + 8 * i); }
     static constexpr int kCallersBuffer = 0, kBlock = 1, kSrc = 2, kDst = 3, kScale = 4;
 
+    // Slots of 32 bytes stand at multiples of 32: rbp keeps where the stack pointer was.
+    bool hasWideSlots() const {
+        return anyOf([](const MachineInstruction& m) {
+            return m.width == 32 && m.hasAddress && m.address.base == Base::Frame;
+        });
+    }
+    bool usesWideVectors() const {
+        return anyOf([](const MachineInstruction& m) { return m.width == 32; });
+    }
+    template <class Predicate>
+    bool anyOf(Predicate predicate) const {
+        const auto inBlock = [&](const Step& step) {
+            return std::ranges::any_of(step.block.instructions, predicate);
+        };
+        return std::ranges::any_of(body_.tile, inBlock) || inBlock(body_.last);
+    }
+
     std::string enterFrame() const {
         if (!stackBytes()) return "";
+        if (hasWideSlots())
+            return line("push\trbp") + "\t.cfi_adjust_cfa_offset 8\n\t.cfi_offset rbp, -16\n" +
+                   line("mov\trbp, rsp") + "\t.cfi_def_cfa_register rbp\n" + line("and\trsp, -32") +
+                   line("sub\trsp, " + number(body_.frameBytes()));
         return line("sub\trsp, " + number(stackBytes())) + "\t.cfi_adjust_cfa_offset " +
                number(stackBytes()) + "\n";
     }
     std::string leaveFrame() const {
         if (!stackBytes()) return "";
+        if (hasWideSlots()) return line("leave") + "\t.cfi_def_cfa rsp, 8\n\t.cfi_restore rbp\n";
         return line("add\trsp, " + number(stackBytes())) + "\t.cfi_adjust_cfa_offset -" +
                number(stackBytes()) + "\n";
     }

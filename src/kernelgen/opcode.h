@@ -19,6 +19,7 @@ enum class Opcode : std::uint8_t {
     LoadAligned,  // a vector, aligned in every body (pool, buffer, frame)
     SpreadSS,     // a binary32 scalar to all lanes
     SpreadSD,     // a binary64 scalar to all lanes
+    LoadTwice,    // half a vector to both halves
     Zero,
 
     AddSS,
@@ -40,7 +41,9 @@ enum class Opcode : std::uint8_t {
     WidenPS,       // the lower half of a vector of binary32 to a whole one of binary64
     WidenUpperPS,  // the upper half
     NarrowPD,      // a vector of binary64 to half a one of binary32
+    UpperHalf,     // of a vector
     JoinHalves,    // two halves to a vector
+    HalvesOfTwo,   // two of the four halves of two vectors
     Shufps,
     Unpcklps,
     Unpckhps,
@@ -63,6 +66,7 @@ enum class Opcode : std::uint8_t {
     Store16At8,    // unaligned in both bodies
     Store16Split,  // as Load16Split
     StoreAligned,
+    StoreUpper,  // the upper half of a vector
     StoreZero4,
     StoreZero8,  // +0.0 without a register
 

@@ -2,7 +2,7 @@
 #include "pair.h"
 
 #include <algorithm>
-#include <limits>
+#include <optional>
 
 #include "core_model.h"
 
@@ -11,7 +11,7 @@ namespace orvgen::kernelgen {
 namespace {
 
 constexpr long kWork = 3'000'000;
-constexpr unsigned kSeeds = 6;
+constexpr unsigned kSearches = 6;
 constexpr double kInstructionWeight = 0.1;
 
 // What the core models see before registers are given out.
@@ -37,24 +37,32 @@ double estimate(const Code& code) {
            kInstructionWeight * static_cast<double>(block.size());
 }
 
+Code write(const Code& code, const DataFlow& flow, const Pairing& pairing, Grain grain) {
+    return grain == Grain::Scalars ? writeScalarPairs(code, flow, pairing)
+                                   : writeVectorPairs(code, flow, pairing);
+}
+
 }  // namespace
 
-std::vector<Code> pairScalars(const Code& code) {
+std::vector<Code> pairForms(const Code& code) {
     const DataFlow flow(code);
-    std::vector<Code> best;
-    double least = std::numeric_limits<double>::max();
-    for (unsigned k = 0; k < kSeeds; ++k) {
-        const Pairing pairing =
-            findPairs(flow, Grain::Scalars,
-                      {.withinStages = k % 2 == 1, .seed = k < 2 ? 0 : k, .work = kWork});
-        if (std::ranges::all_of(pairing.mate, [](int m) { return m < 0; })) continue;
-        Code paired = writeScalarPairs(code, flow, pairing);
-        const double cost = estimate(paired);
-        if (cost >= least) continue;
-        least = cost;
-        best = {std::move(paired)};
+    std::vector<Code> forms;
+    for (const Grain grain : {Grain::Scalars, Grain::Vectors}) {
+        std::optional<Code> best;
+        double least = 0;
+        for (unsigned k = 0; k < kSearches; ++k) {
+            const Pairing pairing = findPairs(
+                flow, grain, {.withinStages = k % 2 == 1, .seed = k < 2 ? 0 : k, .work = kWork});
+            if (std::ranges::all_of(pairing.mate, [](int mate) { return mate < 0; })) continue;
+            Code paired = write(code, flow, pairing, grain);
+            const double cost = estimate(paired);
+            if (best && cost >= least) continue;
+            least = cost;
+            best = std::move(paired);
+        }
+        if (best) forms.push_back(*std::move(best));
     }
-    return best;
+    return forms;
 }
 
 }  // namespace orvgen::kernelgen

@@ -13,12 +13,13 @@
 
 namespace orvgen::kernelgen {
 
-// Scalar code as code for vectors of two lanes, in the best form that the search finds first;
-// nothing, if nothing in it is alike.
-std::vector<Code> pairScalars(const Code& code);
+// The code in the best forms that the search finds, by what is put together; none, if nothing in it
+// is alike.
+std::vector<Code> pairForms(const Code& code);
 
-// The code with the pairs of this pairing as instructions on vectors of two lanes. Two numbers of
-// binary32 stand in the lower half of a vector whose upper half is zero.
+// The code with the pairs of this pairing as one instruction each: scalars on vectors of 16 bytes,
+// vectors of 16 bytes on vectors of 32.
 Code writeScalarPairs(const Code& code, const DataFlow& flow, const Pairing& pairing);
+Code writeVectorPairs(const Code& code, const DataFlow& flow, const Pairing& pairing);
 
 }  // namespace orvgen::kernelgen

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <tuple>
 
 namespace orvgen::kernelgen {
@@ -26,7 +27,8 @@ constexpr double kLowerAlone = 0.1;    // of the lower ones
 constexpr double kSmallestPart = 0.7;  // by which a seed may put off a growth
 constexpr std::size_t kFreeSize = 4;   // pairs up to which it does not
 
-bool isPairable(Opcode op, Grain grain) {
+// The kinds of instructions that are put together.
+std::optional<Grain> grainOf(Opcode op) {
     switch (op) {
         case Opcode::LoadSS:
         case Opcode::LoadSD:
@@ -40,9 +42,34 @@ bool isPairable(Opcode op, Grain grain) {
         case Opcode::Narrow:
         case Opcode::StoreSS:
         case Opcode::StoreSD:
-            return grain == Grain::Scalars;
+            return Grain::Scalars;
+        case Opcode::LoadHalf:
+        case Opcode::LoadHalves:
+        case Opcode::Load16:
+        case Opcode::Load16Split:
+        case Opcode::AddPS:
+        case Opcode::SubPS:
+        case Opcode::MulPS:
+        case Opcode::AddPD:
+        case Opcode::SubPD:
+        case Opcode::MulPD:
+        case Opcode::XorPS:
+        case Opcode::Shufps:
+        case Opcode::Unpcklps:
+        case Opcode::Unpckhps:
+        case Opcode::Movlhps:
+        case Opcode::Movhlps:
+        case Opcode::Shufpd:
+        case Opcode::Unpcklpd:
+        case Opcode::Unpckhpd:
+        case Opcode::StoreLow:
+        case Opcode::StoreHigh:
+        case Opcode::Store16:
+        case Opcode::Store16At8:
+        case Opcode::Store16Split:
+            return Grain::Vectors;
         default:
-            return false;
+            return std::nullopt;
     }
 }
 
@@ -59,7 +86,7 @@ class Search {
         pairing_.upper.assign(flow.instructions.size(), 0);
         for (int i = 0; i < static_cast<int>(flow.instructions.size()); ++i) {
             const Instruction& x = instruction(i);
-            if (isLoad(x.op) || !isPairable(x.op, grain_)) continue;
+            if (isLoad(x.op) || grainOf(x.op) != grain_) continue;
             kinds_[{x.op, x.immediate, flow_.depth[at(i)], baseOf(x)}].push_back(i);
         }
     }
@@ -114,7 +141,7 @@ class Search {
         return x.op == y.op && flow_.depth[at(p)] == flow_.depth[at(q)] &&
                x.immediate == y.immediate && baseOf(x) == baseOf(y) &&
                flow_.operands[at(p)].size() == flow_.operands[at(q)].size() &&
-               !(options_.withinStages && x.stage != y.stage) && isPairable(x.op, grain_);
+               !(options_.withinStages && x.stage != y.stage) && grainOf(x.op) == grain_;
     }
 
     // ---- growth
@@ -191,8 +218,7 @@ class Search {
         return -1;
     }
     bool areNeighbours(int p, int q) const {
-        const Instruction& x = instruction(p);
-        return instruction(q).address.offset == x.address.offset + accessSize(x.op, x.width);
+        return kernelgen::areNeighbours(instruction(p), instruction(q));
     }
 
     // ---- what a growth saves
@@ -322,6 +348,18 @@ class Search {
 };
 
 }  // namespace
+
+bool areNeighbours(const Instruction& lower, const Instruction& upper) {
+    // The others touch a part of a vector, or two places.
+    const auto isOnePlace = [](Opcode op) {
+        return grainOf(op) == Grain::Scalars || op == Opcode::Load16 || op == Opcode::Load16Split ||
+               op == Opcode::Store16 || op == Opcode::Store16At8 || op == Opcode::Store16Split;
+    };
+    const int size = accessSize(lower.op, lower.width);
+    return isOnePlace(lower.op) && isOnePlace(upper.op) &&
+           lower.address.base == upper.address.base && size == accessSize(upper.op, upper.width) &&
+           upper.address.offset == lower.address.offset + size;
+}
 
 DataFlow::DataFlow(const Code& code)
     : instructions(code.instructions),

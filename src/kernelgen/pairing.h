@@ -35,6 +35,9 @@ struct DataFlow {
     std::vector<int> depth;  // 0: a load, or a store of nothing
 };
 
+// Whether one access to memory could do what these two do.
+bool areNeighbours(const Instruction& lower, const Instruction& upper);
+
 struct Pairing {
     std::vector<int> mate;            // of each instruction; -1: it stays alone
     std::vector<std::uint8_t> upper;  // whether its lanes are the upper ones of the pair

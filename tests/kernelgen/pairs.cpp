@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <set>
+#include <string>
 
+#include "kernelgen/compile.h"
 #include "kernelgen/lower.h"
 #include "kernelgen/pair.h"
 #include "small_flows.h"
@@ -23,7 +25,7 @@ std::vector<Opcode> opcodes(const Code& code) {
 
 // The only form; fails if there is none.
 Code pairsOf(const WrittenCode& c) {
-    const std::vector<Code> forms = pairScalars(c.code);
+    const std::vector<Code> forms = pairForms(c.code);
     if (forms.empty()) {
         ADD_FAILURE() << "nothing is alike";
         return {};
@@ -67,7 +69,7 @@ TEST(Pairs, WhatIsNotAlikeStaysAlone) {
     const Register a = c.load(0), b = c.load(1);
     c.store(0, c.sum(a, b));
     c.store(1, c.difference(a, b));
-    EXPECT_TRUE(pairScalars(c.code).empty());
+    EXPECT_TRUE(pairForms(c.code).empty());
 }
 
 TEST(Pairs, NothingIsPairedWithWhatItWaitsFor) {
@@ -75,7 +77,7 @@ TEST(Pairs, NothingIsPairedWithWhatItWaitsFor) {
     Register x = c.load(0);
     for (int i = 1; i < 6; ++i) x = c.sum(x, c.load(i));
     c.store(0, x);
-    EXPECT_TRUE(pairScalars(c.code).empty());
+    EXPECT_TRUE(pairForms(c.code).empty());
 }
 
 // The bytes of src that the code reads.
@@ -133,7 +135,7 @@ std::vector<unsigned> zeroLanes(const Code& code) {
 
 TEST(Pairs, IdleLanesHoldZeros) {
     const Kernel kernel = test::smallRealKernel("s", Arithmetic::Single);
-    const std::vector<Code> forms = pairScalars(lower(kernel.flow, {}));
+    const std::vector<Code> forms = pairForms(lower(kernel.flow, {}));
     ASSERT_FALSE(forms.empty());
     int checked = 0;
     for (const Instruction& i : forms.front().instructions) {
@@ -152,7 +154,7 @@ TEST(Pairs, ReadNothingElse) {
     for (const Arithmetic arithmetic : {Arithmetic::Single, Arithmetic::Double}) {
         const Kernel kernel = test::smallRealKernel("s", arithmetic);
         const Code scalar = lower(kernel.flow, {});
-        const std::vector<Code> forms = pairScalars(scalar);
+        const std::vector<Code> forms = pairForms(scalar);
         ASSERT_FALSE(forms.empty());
         EXPECT_EQ(bytesRead(forms.front()), bytesRead(scalar));
     }
@@ -160,7 +162,82 @@ TEST(Pairs, ReadNothingElse) {
 
 TEST(Pairs, SameCodeEveryTime) {
     const Code scalar = lower(test::smallRealKernel("s", Arithmetic::Double).flow, {});
-    EXPECT_EQ(opcodes(pairScalars(scalar).front()), opcodes(pairScalars(scalar).front()));
+    EXPECT_EQ(opcodes(pairForms(scalar).front()), opcodes(pairForms(scalar).front()));
+}
+
+// ---- vectors
+
+// y[i] = x[i] + x[i + n] for elements of 16 bytes.
+Code sumsOfVectors(int n, int apart = 1) {
+    Code c;
+    std::vector<Register> x;
+    const auto add = [&](Instruction i) {
+        c.instructions.push_back(i);
+        return i.dst;
+    };
+    for (int i = 0; i < 2 * n; ++i)
+        x.push_back(add({.op = Opcode::Load16,
+                         .dst = c.fresh(),
+                         .hasAddress = true,
+                         .address = {Base::Src, 16 * apart * i}}));
+    for (int i = 0; i < n; ++i) {
+        const Register y = add({.op = Opcode::AddPD,
+                                .dst = c.fresh(),
+                                .a = x[static_cast<std::size_t>(i)],
+                                .b = x[static_cast<std::size_t>(i + n)]});
+        add({.op = Opcode::Store16,
+             .a = y,
+             .hasAddress = true,
+             .address = {Base::Dst, 16 * apart * i}});
+    }
+    return c;
+}
+
+TEST(PairsOfVectors, NeighboursTakeOneInstructionEach) {
+    const std::vector<Code> forms = pairForms(sumsOfVectors(2));
+    ASSERT_EQ(forms.size(), 1U);
+    EXPECT_EQ(opcodes(forms[0]),
+              (std::vector{Opcode::Load16, Opcode::Load16, Opcode::AddPD, Opcode::Store16}));
+    for (const Instruction& i : forms[0].instructions) EXPECT_EQ(i.width, 32);
+}
+
+// Two operands to be joined and two stores: as many instructions as two sums have.
+TEST(PairsOfVectors, AreLeftWhereTheySaveNothing) {
+    EXPECT_TRUE(pairForms(sumsOfVectors(2, 2)).empty());
+}
+
+// y[i] = (x[i] + x[i + 40]) s, all of x read before y is written: more than the registers hold.
+Kernel manySums() {
+    constexpr int kSums = 40;
+    Graph g(Arithmetic::DoublePair);
+    std::vector<Value> x;
+    for (int i = 0; i < 2 * kSums; ++i) x.push_back(Value(g, g.input(i)));
+    std::vector<Value> y;
+    for (std::size_t i = 0; i < kSums; ++i) y.push_back(scaled(x[i] + x[i + kSums]));
+    for (int i = 0; i < kSums; ++i) g.output(i, y[static_cast<std::size_t>(i)].id());
+    return {.name = "orvgSums_40_64fc",
+            .length = kSums,
+            .method = "test flow",
+            .alignment = Alignment::Twin,
+            .readsAllFirst = true,
+            .flow = std::move(g)};
+}
+
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+TEST(PairsOfVectors, LeaveNoUpperHalvesBehindAndAlignTheirSlots) {
+    const std::string text = compileKernel(manySums(), kLevel3).assembly;
+    EXPECT_TRUE(contains(text, "ymmword ptr [rdx"));
+    EXPECT_TRUE(contains(text, "\tmov\trbp, rsp\n"));
+    EXPECT_TRUE(contains(text, "\tand\trsp, -32\n"));
+    EXPECT_TRUE(contains(text, "\tvzeroupper\n\txor\teax, eax\n\tleave\n"));
+}
+
+TEST(PairsOfVectors, AreOfOneTargetOnly) {
+    for (const Target* target : {&kSse2, &kAvx2})
+        EXPECT_FALSE(contains(compileKernel(manySums(), *target).assembly, "ymm")) << target->name;
 }
 
 }  // namespace
