@@ -64,17 +64,26 @@ class KernelCompiler {
             allocation.foldSrc = true;
             allocation.loadSrcOnce = false;
         }
-        return {pass, target_.pairs
-                          ? compilePaired(pass, allocation)
-                          : compileForms(pass.forms, target_, allocation, pass.frameLimit)};
+        if (target_.pairs) return pairedStep(pass, allocation);
+        return {pass, compileForms(pass.forms, target_, allocation, pass.frameLimit)};
     }
 
-    // Pairs take twice the room of what they are made of.
-    Block compilePaired(const Pass& pass, const AllocationOptions& allocation) const {
+    // With pairs among the forms, and of two trips of a loop with the pairs of them. Pairs take
+    // twice the room of what they are made of.
+    Step pairedStep(const Pass& pass, const AllocationOptions& allocation) const {
         std::vector<Code> forms = pass.forms;
         for (const Code& form : pass.forms)
             for (Code& pairs : pairForms(form)) forms.push_back(std::move(pairs));
-        return compileForms(forms, target_, allocation, 2 * pass.frameLimit);
+        Step once{pass, compileForms(forms, target_, allocation, 2 * pass.frameLimit)};
+        if (pass.trips % 2 != 0) return once;
+        std::vector<Code> pairs;
+        for (const Code& form : pass.forms)
+            for (Code& code : pairForms(twoTrips(form, pass))) pairs.push_back(std::move(code));
+        if (pairs.empty()) return once;
+        Step twice{pass, compileForms(pairs, target_, allocation, 2 * pass.frameLimit)};
+        twice.pass.trips /= 2;
+        twice.pass.advance *= 2;
+        return twice.block.cost < 2 * once.block.cost ? twice : once;
     }
 
     KernelFigures figures() const {

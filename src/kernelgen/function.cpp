@@ -21,6 +21,7 @@ namespace {
 //     rax     address of the scale            the same, until the scale is parked in the frame
 //     rcx     pool                            buffer
 //     rdx     flag, then frame                flag, then frame
+//     rbp     where the stack pointer was, if the frame holds vectors of 32 bytes
 //     r8      }                               the array that a pass reads from or writes to
 //     r9      } further parts of the memory   trips left
 //     r10     } that the block touches        buffer, running through the tiles
@@ -31,7 +32,6 @@ namespace {
 constexpr int kShort = 128;         // displacements of one byte reach from -128 to 127,
 constexpr int kReach = 256;         // so many bytes
 constexpr int kLeastUses = 4;       // that pay for a further register: two or three bytes each
-constexpr int kParkedBytes = 16;    // the scale as a vector
 constexpr int kSavedBytes = 5 * 8;  // what is kept across a call of the allocator
 
 std::string number(long n) { return std::to_string(n); }
@@ -105,7 +105,6 @@ class FunctionPrinter {
             text += gate();
             text += enterFrame();
             text += body_.hasLoops() ? passes() : straight();
-            if (usesWideVectors()) text += line("vzeroupper");
             text += line("xor\teax, eax") + leaveFrame() + line("ret");
         }
         text += label(local_ + "_null") + line("mov\teax, " + number(orvErrNullPtr)) + line("ret");
@@ -115,7 +114,7 @@ class FunctionPrinter {
   private:
     // ---- frame: [parked scale] [spill slots] [saved registers], up from rsp
 
-    int slotsAt() const { return body_.hasLoops() ? kParkedBytes : 0; }
+    int slotsAt() const { return body_.parkedBytes(); }
     int savedAt() const { return slotsAt() + spillBytes_; }
     int frameBias() const { return savedAt() > kShort ? kShort : 0; }
     // The stack is 8 above a multiple of 16 at entry; an odd number of quadwords aligns it.
@@ -126,35 +125,20 @@ class FunctionPrinter {
     std::string saved(int i) const { return "qword ptr " + at("rsp", savedAt() + 8 * i); }
     static constexpr int kCallersBuffer = 0, kBlock = 1, kSrc = 2, kDst = 3, kScale = 4;
 
-    // Slots of 32 bytes stand at multiples of 32: rbp keeps where the stack pointer was.
-    bool hasWideSlots() const {
-        return anyOf([](const MachineInstruction& m) {
-            return m.width == 32 && m.hasAddress && m.address.base == Base::Frame;
-        });
-    }
-    bool usesWideVectors() const {
-        return anyOf([](const MachineInstruction& m) { return m.width == 32; });
-    }
-    template <class Predicate>
-    bool anyOf(Predicate predicate) const {
-        const auto inBlock = [&](const Step& step) {
-            return std::ranges::any_of(step.block.instructions, predicate);
-        };
-        return std::ranges::any_of(body_.tile, inBlock) || inBlock(body_.last);
-    }
-
     std::string enterFrame() const {
         if (!stackBytes()) return "";
-        if (hasWideSlots())
+        // Vectors of 32 bytes stand at multiples of 32.
+        if (body_.hasWideFrame())
             return line("push\trbp") + "\t.cfi_adjust_cfa_offset 8\n\t.cfi_offset rbp, -16\n" +
-                   line("mov\trbp, rsp") + "\t.cfi_def_cfa_register rbp\n" + line("and\trsp, -32") +
-                   line("sub\trsp, " + number(body_.frameBytes()));
+                   line("mov\trbp, rsp") + "\t.cfi_def_cfa_register rbp\n" +
+                   line("sub\trsp, " + number(body_.frameBytes())) + line("and\trsp, -32");
         return line("sub\trsp, " + number(stackBytes())) + "\t.cfi_adjust_cfa_offset " +
                number(stackBytes()) + "\n";
     }
     std::string leaveFrame() const {
         if (!stackBytes()) return "";
-        if (hasWideSlots()) return line("leave") + "\t.cfi_def_cfa rsp, 8\n\t.cfi_restore rbp\n";
+        if (body_.hasWideFrame())
+            return line("leave") + "\t.cfi_def_cfa rsp, 8\n\t.cfi_restore rbp\n";
         return line("add\trsp, " + number(stackBytes())) + "\t.cfi_adjust_cfa_offset -" +
                number(stackBytes()) + "\n";
     }
@@ -214,8 +198,11 @@ class FunctionPrinter {
         for (const auto& [base, binding] : addressing)
             for (const Binding& b : binding.further)
                 text += line("lea\t" + b.reg + ", " + at(binding.reg, b.bias - binding.bias));
-        return text + instructions(block, addressing);
+        return text + instructions(block, addressing) + leaveVectors();
     }
+
+    // No instruction of the old encoding shall wait for upper halves.
+    std::string leaveVectors() const { return body_.isWide() ? line("vzeroupper") : ""; }
 
     std::string instructions(const Block& block, const Addressing& addressing) const {
         std::string text;
@@ -252,7 +239,7 @@ class FunctionPrinter {
         }
         text += plus("rsi", biasOf(last.block, Base::Dst, target_));
         text += loop(last, "r8", "rsi");
-        return text + releaseBuffer();
+        return text + leaveVectors() + releaseBuffer();
     }
 
     // One pass as a counted loop. r8 starts at the array that it goes through: the buffer, or the
@@ -299,10 +286,12 @@ class FunctionPrinter {
     std::string parkScale() const {
         const bool single = body_.last.block.scale.type == Type::F32;
         MachineInstruction spread{.op = single ? Opcode::SpreadSS : Opcode::SpreadSD};
+        spread.width = body_.parkedBytes();
         spread.dst = 0;
         spread.hasAddress = true;
         spread.address = {Base::Scale, 0};
         MachineInstruction park{.op = Opcode::StoreAligned};
+        park.width = body_.parkedBytes();
         park.src = 0;
         park.hasAddress = true;
         park.address = {Base::Frame, 0};
@@ -333,8 +322,31 @@ int CompiledBody::spillBytes() const {
     return most;
 }
 
+int CompiledBody::parkedBytes() const { return !hasLoops() ? 0 : isWide() ? 32 : 16; }
+
 int CompiledBody::frameBytes() const {
-    return spillBytes() + (hasLoops() ? kParkedBytes + kSavedBytes : 0);
+    return spillBytes() + parkedBytes() + (hasLoops() ? kSavedBytes : 0);
+}
+
+namespace {
+
+bool isIn(const CompiledBody& body, bool (*what)(const MachineInstruction&)) {
+    const auto inBlock = [&](const Step& step) {
+        return std::ranges::any_of(step.block.instructions, what);
+    };
+    return std::ranges::any_of(body.tile, inBlock) || inBlock(body.last);
+}
+
+}  // namespace
+
+bool CompiledBody::isWide() const {
+    return isIn(*this, [](const MachineInstruction& m) { return m.width == 32; });
+}
+
+bool CompiledBody::hasWideFrame() const {
+    return isWide() && (hasLoops() || isIn(*this, [](const MachineInstruction& m) {
+                            return m.width == 32 && m.hasAddress && m.address.base == Base::Frame;
+                        }));
 }
 
 std::string twinName(const std::string& kernel) { return "owng" + kernel.substr(4) + "_unaligned"; }

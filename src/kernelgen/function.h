@@ -33,9 +33,14 @@ struct CompiledBody {
 
     // Whether there are passes to and from a buffer; otherwise the body is one straight block.
     bool hasLoops() const { return !tile.empty(); }
-    // Of the spill slots; of the whole frame, without what only aligns it.
+    // Of the spill slots; of the scale that passes park; of the whole frame, without what only
+    // aligns it.
     int spillBytes() const;
+    int parkedBytes() const;
     int frameBytes() const;
+    // Whether there are vectors of 32 bytes: anywhere, and in the frame.
+    bool isWide() const;
+    bool hasWideFrame() const;
 };
 
 // The name of a twin: owng for orvg in front, _unaligned behind.

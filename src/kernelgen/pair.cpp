@@ -65,4 +65,21 @@ std::vector<Code> pairForms(const Code& code) {
     return forms;
 }
 
+Code twoTrips(const Code& trip, const Pass& pass) {
+    Code code = trip;
+    code.registers *= 2;
+    const auto moved = [&](Address& address) {
+        if (address.base == pass.from || address.base == pass.to) address.offset += pass.advance;
+    };
+    const auto second = [&](Register& r) {
+        if (r != kNoRegister) r += trip.registers;
+    };
+    for (Instruction i : trip.instructions) {
+        for (Register* r : {&i.dst, &i.a, &i.b}) second(*r);
+        for (Address* a : {&i.address, &i.high}) moved(*a);
+        code.instructions.push_back(i);
+    }
+    return code;
+}
+
 }  // namespace orvgen::kernelgen

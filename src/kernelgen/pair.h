@@ -10,12 +10,16 @@
 #include <vector>
 
 #include "pairing.h"
+#include "passes.h"
 
 namespace orvgen::kernelgen {
 
 // The code in the best forms that the search finds, by what is put together; none, if nothing in it
 // is alike.
 std::vector<Code> pairForms(const Code& code);
+
+// Two trips of a loop as one: the second works where the pointers of the pass would have moved to.
+Code twoTrips(const Code& trip, const Pass& pass);
 
 // The code with the pairs of this pairing as one instruction each: scalars on vectors of 16 bytes,
 // vectors of 16 bytes on vectors of 32.

@@ -47,7 +47,9 @@ class VectorPairs : public PairWriter {
         out_.instructions.push_back(one);
         return one.dst;
     }
-    static bool isWholeLoad(Opcode op) { return op == Opcode::Load16 || op == Opcode::Load16Split; }
+    static bool isWholeLoad(Opcode op) {
+        return op == Opcode::Load16 || op == Opcode::Load16Split || op == Opcode::LoadAligned;
+    }
     static bool isSpread(Opcode op) {
         return op == Opcode::SpreadSS || op == Opcode::SpreadSD || op == Opcode::Zero;
     }

@@ -47,6 +47,7 @@ std::optional<Grain> grainOf(Opcode op) {
         case Opcode::LoadHalves:
         case Opcode::Load16:
         case Opcode::Load16Split:
+        case Opcode::LoadAligned:
         case Opcode::AddPS:
         case Opcode::SubPS:
         case Opcode::MulPS:
@@ -67,6 +68,7 @@ std::optional<Grain> grainOf(Opcode op) {
         case Opcode::Store16:
         case Opcode::Store16At8:
         case Opcode::Store16Split:
+        case Opcode::StoreAligned:
             return Grain::Vectors;
         default:
             return std::nullopt;
@@ -350,10 +352,9 @@ class Search {
 }  // namespace
 
 bool areNeighbours(const Instruction& lower, const Instruction& upper) {
-    // The others touch a part of a vector, or two places.
+    // Some touch a part of a vector only, or two places.
     const auto isOnePlace = [](Opcode op) {
-        return grainOf(op) == Grain::Scalars || op == Opcode::Load16 || op == Opcode::Load16Split ||
-               op == Opcode::Store16 || op == Opcode::Store16At8 || op == Opcode::Store16Split;
+        return grainOf(op) == Grain::Scalars || (op != Opcode::LoadHalves && accessSize(op) == 16);
     };
     const int size = accessSize(lower.op, lower.width);
     return isOnePlace(lower.op) && isOnePlace(upper.op) &&
