@@ -66,9 +66,9 @@ class Ratios {
     const Result* worstResult_ = nullptr;
 };
 
-// An empty name is that of all families.
-bool isOf(const Result& r, const std::string& family) {
-    return family.empty() || r.family == family;
+// No family stands for all of them.
+bool isOf(const Result& r, const FamilyInfo* family) {
+    return family == nullptr || r.family == family;
 }
 
 // Their cycles over ours.
@@ -83,7 +83,7 @@ Ratios toLibrary(const std::vector<Result>& results, const FamilyInfo* family,
 }
 
 // Cycles of the first build over those of the second.
-Ratios toSecond(const std::vector<Result>& results, const std::string& family) {
+Ratios toSecond(const std::vector<Result>& results, const FamilyInfo* family) {
     Ratios ratios(false);
     for (const Result& r : results) {
         if (isOf(r, family) && r.second) ratios.add(r.ours.burst.least / r.second->burst.least, r);
@@ -92,7 +92,7 @@ Ratios toSecond(const std::vector<Result>& results, const std::string& family) {
 }
 
 // Their cycles over those of the second build.
-Ratios fromSecond(const std::vector<Result>& results, const std::string& family,
+Ratios fromSecond(const std::vector<Result>& results, const FamilyInfo* family,
                   const std::string& library) {
     Ratios ratios(false);
     for (const Result& r : results) {
@@ -319,9 +319,11 @@ std::string summary(const Heading& heading, const std::vector<Result>& results) 
             text += "        below 1: " + std::to_string(r.below()) + " of " +
                     std::to_string(r.count()) + "\n";
     };
-    for (const std::string& l : heading.libraries) ahead(l + " / ours", toLibrary(results, "", l));
-    ahead("ours / v3", toSecond(results, ""));
-    for (const std::string& l : heading.libraries) ahead(l + " / v3", fromSecond(results, "", l));
+    for (const std::string& l : heading.libraries)
+        ahead(l + " / ours", toLibrary(results, nullptr, l));
+    ahead("ours / v3", toSecond(results, nullptr));
+    for (const std::string& l : heading.libraries)
+        ahead(l + " / v3", fromSecond(results, nullptr, l));
     return text;
 }
 
