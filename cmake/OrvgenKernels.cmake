@@ -22,17 +22,18 @@ function(orvgen_assemble_kernels out generator)
     set(${out} ${files} PARENT_SCOPE)
 endfunction()
 
-# orvgen_assemble_batch_kernels(OUT TARGETS name...): the assembly files of the kernels for batches, for the instruction
-# sets in the list TARGETS (avx2, avx512).
-function(orvgen_assemble_batch_kernels out targets)
+# orvgen_assemble_wide_kernels(OUT FORM TARGETS name...): the assembly files of the kernels for batches in a form, Batch
+# (one transform a lane) or Rows (one in 16 bytes of a vector), for the instruction sets in the list TARGETS (avx2, avx512).
+function(orvgen_assemble_wide_kernels out form targets)
     set(files "")
+    string(TOLOWER ${form} command)
     foreach(kernel IN LISTS ARGN)
-        string(REGEX REPLACE "^orvg" "${ORVGEN_KERNEL_DIR}/owngBatch" stem ${kernel})
+        string(REGEX REPLACE "^orvg" "${ORVGEN_KERNEL_DIR}/owng${form}" stem ${kernel})
         list(TRANSFORM targets REPLACE "(.+)" "${stem}_\\1.s" OUTPUT_VARIABLE written)
         add_custom_command(OUTPUT ${written}
-                           COMMAND orvgen_kernelgen_program batch ${kernel} ${ORVGEN_KERNEL_DIR} ${targets}
+                           COMMAND orvgen_kernelgen_program ${command} ${kernel} ${ORVGEN_KERNEL_DIR} ${targets}
                            DEPENDS orvgen_kernelgen_program
-                           COMMENT "Generating ${kernel} for batches" VERBATIM)
+                           COMMENT "Generating ${kernel} for batches, form ${form}" VERBATIM)
         list(APPEND files ${written})
     endforeach()
     set(${out} ${files} PARENT_SCOPE)

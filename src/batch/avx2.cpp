@@ -24,6 +24,7 @@ namespace orvgen::batch {
 
 template <class R>
 std::size_t runBlocksAvx2(const Task<R>& task) {
+    if (const std::size_t done = avx2::runComplexRows(task)) return done;
     return avx2::Blocks<R>(task).run();
 }
 template <class R>

@@ -24,6 +24,7 @@ namespace orvgen::batch {
 
 template <class R>
 std::size_t runBlocksAvx512(const Task<R>& task) {
+    if (const std::size_t done = avx512::runComplexRows(task)) return done;
     return avx512::Blocks<R>(task).run();
 }
 template <class R>

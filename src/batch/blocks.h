@@ -54,6 +54,23 @@ constexpr int worthwhile(Kind kind) {
     return (complex ? 5 : 3) * Vectors<R>::lanes / 8 + 1;
 }
 
+// Rows of complex elements on both sides, by a kernel of their own if there is one. Returns how
+// many are done.
+template <class R>
+std::size_t runComplexRows(const Task<R>& task) {
+    constexpr std::size_t parts = Vectors<R>::lanes * sizeof(R) / 16;
+    const bool areRows = task.srcLayout == Layout::Complex && task.dstLayout == Layout::Complex &&
+                         task.src.stride == 2 && task.src.isInterleaved() && task.dst.stride == 2 &&
+                         task.dst.isInterleaved();
+    RowsKernel<R>* const kernel = areRows ? rowsKernelOf<R>(task.kind, task.n) : nullptr;
+    const std::size_t blocks = task.count / parts;
+    if (kernel == nullptr || blocks == 0) return 0;
+    constexpr std::ptrdiff_t bytes = sizeof(R);
+    kernel(task.src.re, task.src.distance * bytes, task.dst.re, task.dst.distance * bytes,
+           task.scale, blocks);
+    return blocks * parts;
+}
+
 template <class R>
 class Blocks {
   public:
@@ -111,8 +128,7 @@ class Blocks {
         R* const results = sameSlots_ ? scratch.in : scratch.out;
         const bool takesSrc = src_.path == Path::Direct && g.isComplete();
         const bool takesDst = dst_.path == Path::Direct && g.isComplete();
-        if (!takesSrc)
-            for (int i = 0; i < g.blocks; ++i) fetch(g.block(i), at(scratch.in, i * srcBlock_));
+        if (!takesSrc) fetch(g, scratch.in);
         Side<const R> src;
         if (takesSrc) {
             src = inPlace(task_.src, g.first);
@@ -125,21 +141,23 @@ class Blocks {
                                 : inScratch(results, task_.dstLayout != Layout::Real, dstBlock_);
         kernel_(src.re, src.im, src.step, dst.re, dst.im, dst.step, task_.scale,
                 static_cast<std::size_t>(g.blocks), src.block, dst.block);
-        if (!takesDst)
-            for (int i = 0; i < g.blocks; ++i) bring(at(results, i * dstBlock_), g.block(i));
+        if (!takesDst) bring(results, g);
     }
 
-    static R* at(R* scratch, std::ptrdiff_t bytes) {
-        return scratch + bytes / static_cast<std::ptrdiff_t>(sizeof(R));
+    static std::ptrdiff_t numbers(std::ptrdiff_t bytes) {
+        return bytes / static_cast<std::ptrdiff_t>(sizeof(R));
     }
-    void fetch(const Block<R>& b, R* slots) {
-        gather(task_.src, src_, b, slots + firstSlot(task_.srcLayout, task_.n) * lanes);
-        unpackSlots(slots, task_.srcLayout, task_.n);
+    void fetch(const Group<R>& g, R* slots) {
+        const std::ptrdiff_t step = numbers(srcBlock_);
+        gather(task_.src, src_, g, slots + firstSlot(task_.srcLayout, task_.n) * lanes, step);
+        for (int i = 0; i < g.blocks; ++i, slots += step)
+            unpackSlots(slots, task_.srcLayout, task_.n);
     }
-    void bring(R* slots, const Block<R>& b) {
-        packSlots(slots, task_.dstLayout, task_.n);
-        scatter(static_cast<const R*>(slots) + firstSlot(task_.dstLayout, task_.n) * lanes, dst_, b,
-                task_.dst);
+    void bring(R* slots, const Group<R>& g) {
+        const std::ptrdiff_t step = numbers(dstBlock_);
+        for (int i = 0; i < g.blocks; ++i) packSlots(slots + i * step, task_.dstLayout, task_.n);
+        const R* first = slots + firstSlot(task_.dstLayout, task_.n) * lanes;
+        scatter(first, step, dst_, g, task_.dst);
     }
 
     const Task<R>& task_;

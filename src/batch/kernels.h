@@ -2,15 +2,27 @@
 // The block kernels that the kernel compiler makes, by kind and length. Included by the file of
 // each target, in its namespace; ORVGEN_BATCH_TARGET is the target's name in those of the kernels.
 
-#define ORVGEN_JOIN(NAME, N, T, TARGET) owngBatch##NAME##_##N##_##T##_##TARGET
-#define ORVGEN_KERNEL(NAME, N, T, TARGET) ORVGEN_JOIN(NAME, N, T, TARGET)
+#define ORVGEN_JOIN(FORM, NAME, N, T, TARGET) owng##FORM##NAME##_##N##_##T##_##TARGET
+#define ORVGEN_KERNEL(FORM, NAME, N, T, TARGET) ORVGEN_JOIN(FORM, NAME, N, T, TARGET)
 
-#define DECLARE_32(NAME, N, T) \
-    extern "C" BlockKernel<float> ORVGEN_KERNEL(NAME, N, T, ORVGEN_BATCH_TARGET);
-#define DECLARE_64(NAME, N, T) \
-    extern "C" BlockKernel<double> ORVGEN_KERNEL(NAME, N, T, ORVGEN_BATCH_TARGET);
-#define ADDRESS_OF(NAME, N, T) ORVGEN_KERNEL(NAME, N, T, ORVGEN_BATCH_TARGET)
+#define ADDRESS_OF(NAME, N, T) ORVGEN_KERNEL(Batch, NAME, N, T, ORVGEN_BATCH_TARGET)
 #define ADDRESS(NAME, N, T) ADDRESS_OF(NAME, N, T),
+#define ROWS_ADDRESS_OF(NAME, N, T) ORVGEN_KERNEL(Rows, NAME, N, T, ORVGEN_BATCH_TARGET)
+#define ROWS_ADDRESS(NAME, N, T) ROWS_ADDRESS_OF(NAME, N, T),
+#define DECLARE_32(NAME, N, T) extern "C" BlockKernel<float> ADDRESS_OF(NAME, N, T);
+#define DECLARE_64(NAME, N, T) extern "C" BlockKernel<double> ADDRESS_OF(NAME, N, T);
+#define DECLARE_ROWS_32(NAME, N, T) extern "C" RowsKernel<float> ROWS_ADDRESS_OF(NAME, N, T);
+#define DECLARE_ROWS_64(NAME, N, T) extern "C" RowsKernel<double> ROWS_ADDRESS_OF(NAME, N, T);
+// The lengths at which single complex binary32 kernels move whole vectors only.
+#define EIGHTS(F, NAME, T) \
+    F(NAME, 8, T)          \
+    F(NAME, 16, T)         \
+    F(NAME, 24, T)         \
+    F(NAME, 32, T)         \
+    F(NAME, 40, T)         \
+    F(NAME, 48, T)         \
+    F(NAME, 56, T)         \
+    F(NAME, 64, T)
 
 ORVGEN_LENGTHS(DECLARE_32, DFTFwd_CToC, 32fc)
 ORVGEN_LENGTHS(DECLARE_32, DFTInv_CToC, 32fc)
@@ -27,6 +39,10 @@ DECLARE_32(DFTInv_PackToR, 7, 32f)
 DECLARE_32(DFTInv_PackToR, 49, 32f)
 DECLARE_64(DFTInv_PackToR, 7, 64f)
 DECLARE_64(DFTInv_PackToR, 49, 64f)
+EIGHTS(DECLARE_ROWS_32, DFTFwd_CToC, 32fc)
+EIGHTS(DECLARE_ROWS_32, DFTInv_CToC, 32fc)
+ORVGEN_LENGTHS(DECLARE_ROWS_64, DFTFwd_CToC, 64fc)
+ORVGEN_LENGTHS(DECLARE_ROWS_64, DFTInv_CToC, 64fc)
 
 template <class R>
 struct Kernels;
@@ -40,6 +56,8 @@ struct Kernels<float> {
     static constexpr Row realForward[] = {ORVGEN_LENGTHS(ADDRESS, DFTFwd_RToCCS, 32f)};
     static constexpr Row realInverse[] = {ORVGEN_LENGTHS(ADDRESS, DFTInv_CCSToR, 32f)};
     static constexpr Row hartley[] = {ORVGEN_LENGTHS(ADDRESS, Hartley, 32f)};
+    static constexpr RowsKernel<float>* forwardRows[] = {EIGHTS(ROWS_ADDRESS, DFTFwd_CToC, 32fc)};
+    static constexpr RowsKernel<float>* inverseRows[] = {EIGHTS(ROWS_ADDRESS, DFTInv_CToC, 32fc)};
     static constexpr Row fromPack7 = ADDRESS_OF(DFTInv_PackToR, 7, 32f);
     static constexpr Row fromPack49 = ADDRESS_OF(DFTInv_PackToR, 49, 32f);
 };
@@ -51,6 +69,10 @@ struct Kernels<double> {
     static constexpr Row realForward[] = {ORVGEN_LENGTHS(ADDRESS, DFTFwd_RToCCS, 64f)};
     static constexpr Row realInverse[] = {ORVGEN_LENGTHS(ADDRESS, DFTInv_CCSToR, 64f)};
     static constexpr Row hartley[] = {ORVGEN_LENGTHS(ADDRESS, Hartley, 64f)};
+    static constexpr RowsKernel<double>* forwardRows[] = {
+        ORVGEN_LENGTHS(ROWS_ADDRESS, DFTFwd_CToC, 64fc)};
+    static constexpr RowsKernel<double>* inverseRows[] = {
+        ORVGEN_LENGTHS(ROWS_ADDRESS, DFTInv_CToC, 64fc)};
     static constexpr Row fromPack7 = ADDRESS_OF(DFTInv_PackToR, 7, 64f);
     static constexpr Row fromPack49 = ADDRESS_OF(DFTInv_PackToR, 49, 64f);
 };
@@ -75,4 +97,18 @@ BlockKernel<R>* kernelOf(Kind kind, int n) {
         default:
             return Ks::hartley[row];
     }
+}
+
+// The kernel for rows of complex elements, where there is one and it is ahead of the transposes: in
+// binary32 the vectors of 64 bytes win short rows transposed.
+template <class R>
+RowsKernel<R>* rowsKernelOf(Kind kind, int n) {
+    using Ks = Kernels<R>;
+    constexpr bool isSingle = sizeof(R) == 4;
+    constexpr int shortest = isSingle ? (Vectors<R>::lanes == 16 ? 24 : 8) : 2;
+    const bool hasKernel = n >= shortest && (!isSingle || n % 8 == 0);
+    const int row = isSingle ? n / 8 - 1 : n - 2;
+    if (!hasKernel) return nullptr;
+    if (kind == Kind::Forward) return Ks::forwardRows[row];
+    return kind == Kind::Inverse ? Ks::inverseRows[row] : nullptr;
 }

@@ -77,13 +77,13 @@ std::size_t runInLanes(const AnyTask& task, int n, R* slots, const Kernel& kerne
             src = task.src.re + b.first;
             srcStep = task.src.stride;
         } else {
-            gather(task.src, srcForm, b, slots);
+            gather(task.src, srcForm, g, slots, 0);
         }
         if (dstForm.path == Path::Direct && g.isComplete()) {
             kernel(src, srcStep, task.dst.re + b.first, task.dst.stride);
         } else {
             kernel(src, srcStep, slots, std::ptrdiff_t{lanes});
-            scatter(static_cast<const R*>(slots), dstForm, b, task.dst);
+            scatter(static_cast<const R*>(slots), 0, dstForm, g, task.dst);
         }
     });
 }

@@ -108,34 +108,42 @@ ORVGEN_DCT4_INLINE void overColumns(int slots, const Chunk& chunk) {
 }
 
 // Numbers of contiguous transforms, a square of a vector's lanes at a time: a transpose brings
-// together what belongs to one slot. Loops over lanes are written out by unroll, so that the
-// vectors stay in registers.
+// together what belongs to one slot. Block i of the group stands at to + i * step. Loops over lanes
+// are written out by unroll, so that the vectors stay in registers; the loop over blocks is the
+// inner one, as rows may be short.
 template <class R, bool complete>
-void gatherRows(const Array<const R>& a, const Block<R>& block, int slots, R* to) {
+void gatherRows(const Array<const R>& a, const Group<R>& group, int slots, R* to,
+                std::ptrdiff_t step) {
     using Vs = Vectors<R>;
-    const R* const first = a.re + block.first * a.distance;
+    const std::ptrdiff_t distance = a.distance;
+    const R* const first = a.re + group.first * distance;
     overColumns<R>(slots, [&](auto columns, int at) ORVGEN_DCT4_INLINE_LAMBDA {
-        Vs::toSlots(
-            columns,
-            [&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
-                if constexpr (complete)
-                    return first + l * a.distance + at;
-                else
-                    return a.re + block.transform(l) * a.distance + at;
-            },
-            to + at * Vs::lanes);
+        const R* from = first + at;
+        R* out = to + at * Vs::lanes;
+        for (int i = 0; i < group.blocks; ++i, from += Vs::lanes * distance, out += step)
+            Vs::toSlots(
+                columns,
+                [&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+                    const int lane = complete || l < group.valid ? l : group.valid - 1;
+                    return from + lane * distance;
+                },
+                out);
     });
 }
 
 template <class R, bool complete>
-void scatterRows(const R* from, int slots, const Block<R>& block, const Array<R>& a) {
+void scatterRows(const R* from, std::ptrdiff_t step, int slots, const Group<R>& group,
+                 const Array<R>& a) {
     using Vs = Vectors<R>;
-    R* const first = a.re + block.first * a.distance;
+    const std::ptrdiff_t distance = a.distance;
+    R* const first = a.re + group.first * distance;
     overColumns<R>(slots, [&](auto columns, int at) ORVGEN_DCT4_INLINE_LAMBDA {
-        Vs::fromSlots(columns, from + at * Vs::lanes,
-                      [&](auto l, const auto& write) ORVGEN_DCT4_INLINE_LAMBDA {
-                          if (complete || l < block.valid) write(first + l * a.distance + at);
-                      });
+        const R* in = from + at * Vs::lanes;
+        R* to = first + at;
+        for (int i = 0; i < group.blocks; ++i, in += step, to += Vs::lanes * distance)
+            Vs::fromSlots(columns, in, [&](auto l, const auto& write) ORVGEN_DCT4_INLINE_LAMBDA {
+                if (complete || l < group.valid) write(to + l * distance);
+            });
     });
 }
 
@@ -204,51 +212,50 @@ void scatterElements(const R* from, int step, const Block<R>& block, int element
     }
 }
 
-// The path that a block can take: vectors of an incomplete one would touch what is not the batch's.
+// Block i of the group stands at to + i * step.
 template <class R>
-Path pathOf(Path path, const Block<R>& block) {
-    const bool isComplete = block.valid == Block<R>::lanes;
-    return isComplete || path == Path::Rows ? path : Path::Elements;
+void gather(const Array<const R>& a, const Form& form, const Group<R>& group, R* to,
+            std::ptrdiff_t step) {
+    constexpr int lanes = Vectors<R>::lanes;
+    if (form.path == Path::Rows)
+        return group.isComplete() ? gatherRows<R, true>(a, group, form.slots, to, step)
+                                  : gatherRows<R, false>(a, group, form.slots, to, step);
+    for (int i = 0; i < group.blocks; ++i, to += step) {
+        const Block<R> block = group.block(i);
+        // Vectors of an incomplete block would touch what is not the batch's.
+        if (group.isComplete() && form.path == Path::Columns) {
+            gatherColumns(a, block, form.slots, to);
+        } else if (group.isComplete() && form.path == Path::PairedColumns) {
+            form.inOrder ? gatherPairedColumns<R, true>(a, block, form.elements, to)
+                         : gatherPairedColumns<R, false>(a, block, form.elements, to);
+        } else if (form.paired) {
+            gatherElements(a.re, a, block, form.elements, to, 2 * lanes);
+            gatherElements(a.im, a, block, form.elements, to + lanes, 2 * lanes);
+        } else {
+            gatherElements(a.re, a, block, form.elements, to, lanes);
+        }
+    }
 }
 
 template <class R>
-void gather(const Array<const R>& a, const Form& form, const Block<R>& block, R* to) {
-    constexpr int lanes = Block<R>::lanes;
-    const bool isComplete = block.valid == lanes;
-    switch (pathOf(form.path, block)) {
-        case Path::Rows:
-            return isComplete ? gatherRows<R, true>(a, block, form.slots, to)
-                              : gatherRows<R, false>(a, block, form.slots, to);
-        case Path::Columns:
-            return gatherColumns(a, block, form.slots, to);
-        case Path::PairedColumns:
-            return form.inOrder ? gatherPairedColumns<R, true>(a, block, form.elements, to)
-                                : gatherPairedColumns<R, false>(a, block, form.elements, to);
-        default:
-            break;
+void scatter(const R* from, std::ptrdiff_t step, const Form& form, const Group<R>& group,
+             const Array<R>& a) {
+    constexpr int lanes = Vectors<R>::lanes;
+    if (form.path == Path::Rows)
+        return group.isComplete() ? scatterRows<R, true>(from, step, form.slots, group, a)
+                                  : scatterRows<R, false>(from, step, form.slots, group, a);
+    for (int i = 0; i < group.blocks; ++i, from += step) {
+        const Block<R> block = group.block(i);
+        if (group.isComplete() && form.path == Path::Columns) {
+            scatterColumns(from, form.slots, block, a);
+        } else if (group.isComplete() && form.path == Path::PairedColumns) {
+            form.inOrder ? scatterPairedColumns<R, true>(from, form.elements, block, a)
+                         : scatterPairedColumns<R, false>(from, form.elements, block, a);
+        } else if (form.paired) {
+            scatterElements(from, 2 * lanes, block, form.elements, a, a.re);
+            scatterElements(from + lanes, 2 * lanes, block, form.elements, a, a.im);
+        } else {
+            scatterElements(from, lanes, block, form.elements, a, a.re);
+        }
     }
-    if (!form.paired) return gatherElements(a.re, a, block, form.elements, to, lanes);
-    gatherElements(a.re, a, block, form.elements, to, 2 * lanes);
-    gatherElements(a.im, a, block, form.elements, to + lanes, 2 * lanes);
-}
-
-template <class R>
-void scatter(const R* from, const Form& form, const Block<R>& block, const Array<R>& a) {
-    constexpr int lanes = Block<R>::lanes;
-    const bool isComplete = block.valid == lanes;
-    switch (pathOf(form.path, block)) {
-        case Path::Rows:
-            return isComplete ? scatterRows<R, true>(from, form.slots, block, a)
-                              : scatterRows<R, false>(from, form.slots, block, a);
-        case Path::Columns:
-            return scatterColumns(from, form.slots, block, a);
-        case Path::PairedColumns:
-            return form.inOrder ? scatterPairedColumns<R, true>(from, form.elements, block, a)
-                                : scatterPairedColumns<R, false>(from, form.elements, block, a);
-        default:
-            break;
-    }
-    if (!form.paired) return scatterElements(from, lanes, block, form.elements, a, a.re);
-    scatterElements(from, 2 * lanes, block, form.elements, a, a.re);
-    scatterElements(from + lanes, 2 * lanes, block, form.elements, a, a.im);
 }

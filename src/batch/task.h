@@ -43,6 +43,13 @@ using BlockKernel = void(const R* srcRe, const R* srcIm, std::ptrdiff_t srcStep,
                          std::ptrdiff_t dstStep, std::int32_t scale, std::size_t blocks,
                          std::ptrdiff_t srcBlock, std::ptrdiff_t dstBlock);
 
+// A kernel on rows of interleaved complex elements, as many at once as a vector has parts of 16
+// bytes, one in each: `blocks` times, at least once, so many rows. Distances are in bytes. Source
+// and destination may be the same if their distances are, or else lie apart.
+template <class R>
+using RowsKernel = void(const R* src, std::ptrdiff_t srcDistance, R* dst,
+                        std::ptrdiff_t dstDistance, std::int32_t scale, std::size_t blocks);
+
 // The scales of a kernel's pool, in their order there.
 enum Scale : std::int32_t { scaleNone, scaleBySqrtN, scaleByN };
 

@@ -10,6 +10,7 @@
 #include "kernelgen/batch.h"
 #include "kernelgen/compile.h"
 #include "kernelgen/kernel_file.h"
+#include "kernelgen/rows.h"
 #include "names.h"
 #include "page.h"
 #include "plans_page.h"
@@ -77,6 +78,13 @@ void emitBatch(const Kernel& kernel, const FamilyInfo& family, const std::string
                     [&] { return compileBatch(kernel, target, options).assembly; });
 }
 
+void emitRows(const Kernel& kernel, const std::string& folder, const std::string& name) {
+    if (!hasRows(kernel)) throw std::runtime_error(kernel.name + " moves parts of vectors");
+    const Target& target = targetOf(name);
+    writeKernelFile(folder + "/" + rowsName(kernel.name, target) + ".s", keyOf(kernel),
+                    [&] { return compileRows(kernel, target).assembly; });
+}
+
 void show(const std::vector<KernelFamily>& families, const std::string& tables,
           const std::vector<std::string>& words) {
     const std::vector<Member> members = calledBy(allMembers(families), words);
@@ -103,16 +111,19 @@ int runCommand(int argc, char** argv, const std::vector<KernelFamily>& families)
             show(families, argv[2], {argv + 3, argv + argc});
             return 0;
         }
-        if ((command != "emit" || (argc != 4 && argc != 5)) && (command != "batch" || argc < 5))
+        const bool isBatch = command == "batch" || command == "rows";
+        if ((command != "emit" || (argc != 4 && argc != 5)) && (!isBatch || argc < 5))
             return fail(
                 "usage: list | plans | emit NAME FILE [TARGET] | batch NAME FOLDER TARGET... | "
-                "show FOLDER_OF_TABLES NAME...",
+                "rows NAME FOLDER TARGET... | show FOLDER_OF_TABLES NAME...",
                 2);
         const std::optional<Member> member = findMember(families, argv[2]);
         if (!member) return fail("no such kernel: " + std::string(argv[2]), 2);
         const Kernel kernel = familyOf(families, *member).kernel(member->number);
-        if (command == "batch")
-            for (int i = 4; i < argc; ++i) emitBatch(kernel, *member->family, argv[3], argv[i]);
+        if (isBatch)
+            for (int i = 4; i < argc; ++i)
+                command == "batch" ? emitBatch(kernel, *member->family, argv[3], argv[i])
+                                   : emitRows(kernel, argv[3], argv[i]);
         else
             emit(kernel, argv[3], argc == 5 ? targetOf(argv[4]) : kSse2);
         return 0;

@@ -28,14 +28,17 @@ Work workOf(const MachineInstruction& m, const Target& target) {
     const OpcodeRow& row = rowOf(m.op);
     Work w{.unit = row.unit, .operations = row.operations};
     if (row.form == Form::Store)
-        w.stores = 1;
+        w.stores = m.op == Opcode::StoreRows ? m.width / 16 : 1;
     else if (m.op == Opcode::LoadHalves)
         w.loads = 2;
+    else if (m.op == Opcode::LoadRows)
+        w.loads = m.width / 16;
     else if (m.hasAddress)
         w.loads = 1;
     if (m.op == Opcode::SpreadSS && target.threeOperands()) w.operations = 0;
     w.crosses = m.op == Opcode::WidenUpperPS && !m.hasAddress;
     if (m.clearsFirst || m.op == Opcode::LoadHalves || w.crosses) w.instructions = 2;
+    if (m.op == Opcode::LoadRows || m.op == Opcode::StoreRows) w.instructions = m.width / 16;
     return w;
 }
 
@@ -127,7 +130,8 @@ class Core {
                 ready = std::max(ready, registers_[static_cast<std::size_t>(operand)]);
         const bool inFrame = m.hasAddress && m.address.base == Base::Frame;
         if (w.stores > 0) {
-            const int c = takeSlot(stores_, model_.storePorts, ready);
+            int c = ready;
+            for (int i = 0; i < w.stores; ++i) c = takeSlot(stores_, model_.storePorts, ready);
             waiting_.insert(c);
             if (inFrame) slots_[m.address.offset] = c + model_.forwardLatency;
             finish_ = std::max(finish_, c + 1);

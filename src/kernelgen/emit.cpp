@@ -54,6 +54,10 @@ class InstructionPrinter {
                         line("unpcklps", d(), d())};
             case Opcode::SpreadSD:
                 return {line(m_.width == 16 ? name("movddup") : "vbroadcastsd", d(), at(8))};
+            case Opcode::LoadRows:
+                return loadRows();
+            case Opcode::StoreRows:
+                return storeRows();
             case Opcode::Zero:
                 return {clear()};
             case Opcode::UpperHalf:
@@ -144,6 +148,31 @@ class InstructionPrinter {
     std::string loadUpper(const std::string& memory) const {
         return target_.threeOperands() ? line("vmovhps", d(), d(), memory)
                                        : line("movhps", d(), memory);
+    }
+
+    // A part of 16 bytes from each row; where the rows are, the base's further registers say.
+    std::string inRow(int row) const {
+        const Binding& b = addressing_.at(m_.address.base);
+        const Binding& r = row == 0 ? b : b.further.at(static_cast<std::size_t>(row) - 1);
+        const std::string offset =
+            m_.address.offset == 0 ? "" : " + " + std::to_string(m_.address.offset);
+        return "xmmword ptr [" + r.reg + offset + "]";
+    }
+    std::string partName(const char* operation) const {
+        return operation + std::string(m_.width == 64 ? "f64x2" : "f128");
+    }
+    std::vector<std::string> loadRows() const {
+        std::vector<std::string> lines = {line("vmovups", vectorName(m_.dst, 16), inRow(0))};
+        for (int row = 1; row < m_.width / 16; ++row)
+            lines.push_back(line(partName("vinsert"), d(), d(), inRow(row), std::to_string(row)));
+        return lines;
+    }
+    std::vector<std::string> storeRows() const {
+        const std::string from = vectorName(m_.src, m_.width);
+        std::vector<std::string> lines = {line("vmovups", inRow(0), vectorName(m_.src, 16))};
+        for (int row = 1; row < m_.width / 16; ++row)
+            lines.push_back(line(partName("vextract"), inRow(row), from, std::to_string(row)));
+        return lines;
     }
 
     std::string clear() const {

@@ -102,6 +102,7 @@ constexpr std::array<OpcodeRow, static_cast<std::size_t>(Opcode::Count)> kRows =
     unaligned(load(Opcode::Load16, "movaps", Whole, Whole), "movups"),
     load(Opcode::Load16Split, nullptr, Whole, Whole),
     load(Opcode::LoadAligned, "movaps", Whole, Whole),
+    load(Opcode::LoadRows, nullptr, Whole, Sixteen),
     OpcodeRow{.op = Opcode::SpreadSS,
               .form = Load,
               .result = Whole,
@@ -172,6 +173,7 @@ constexpr std::array<OpcodeRow, static_cast<std::size_t>(Opcode::Count)> kRows =
     store(Opcode::Store16Split, nullptr, Whole),
     store(Opcode::StoreAligned, "movaps", Whole),
     store(Opcode::StoreUpper, "extractf128", Half),
+    store(Opcode::StoreRows, nullptr, Sixteen),
     store(Opcode::StoreZero4, nullptr, Four),
     store(Opcode::StoreZero8, nullptr, Eight),
 
@@ -193,6 +195,8 @@ int bytes(Extent extent, int width) {
             return 4;
         case Eight:
             return 8;
+        case Sixteen:
+            return 16;
         case Whole:
             return width;
         case Half:

@@ -17,6 +17,7 @@ enum class Opcode : std::uint8_t {
     Load16,       // a vector, aligned in an aligned buffer; the twin's unaligned move
     Load16Split,  // a vector; the twin moves two 8-byte halves
     LoadAligned,  // a vector, aligned in every body (pool, buffer, frame)
+    LoadRows,     // 16 bytes of as many rows as make a vector
     SpreadSS,     // a binary32 scalar to all lanes
     SpreadSD,     // a binary64 scalar to all lanes
     LoadTwice,    // half a vector to both halves
@@ -67,6 +68,7 @@ enum class Opcode : std::uint8_t {
     Store16Split,  // as Load16Split
     StoreAligned,
     StoreUpper,  // the upper half of a vector
+    StoreRows,   // as LoadRows
     StoreZero4,
     StoreZero8,  // +0.0 without a register
 
@@ -97,7 +99,7 @@ enum class Unit : std::uint8_t {
 };
 
 // How many bytes; vectors are as wide as the instruction says.
-enum class Extent : std::uint8_t { None, Four, Eight, Whole, Half };
+enum class Extent : std::uint8_t { None, Four, Eight, Sixteen, Whole, Half };
 
 struct OpcodeRow {
     Opcode op;
