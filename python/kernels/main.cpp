@@ -29,17 +29,17 @@ std::string quoted(const std::string& text) {
     return '"' + inside + '"';
 }
 
-void writeRow(std::ostream& out, const kernelgen::Family& family, int length,
+void writeRow(std::ostream& out, const KernelFamily& family, int length,
               const std::filesystem::path& kernels) {
     const kernelgen::Kernel kernel = family.kernel(length);
     const generator::Operations o = generator::operationsOf(kernel);
     const kernelgen::KernelFigures f =
         generator::figuresInHead(contentOf(kernels / (kernel.name + ".s")));
     const kernelgen::ErrorBound bound = generator::errorBoundOf(kernel);
-    out << kernel.name << ',' << family.name << ',' << kernel.length << ',' << quoted(kernel.method)
-        << ',' << o.additions << ',' << o.multiplications() << ',' << o.conversions << ','
-        << f.instructions << ',' << f.frameBytes << ',' << f.spills << ',' << f.modelCycles << ','
-        << bound.absolute << '\n';
+    out << kernel.name << ',' << nameOf(*family.info) << ',' << kernel.length << ','
+        << quoted(kernel.method) << ',' << o.additions << ',' << o.multiplications() << ','
+        << o.conversions << ',' << f.instructions << ',' << f.frameBytes << ',' << f.spills << ','
+        << f.modelCycles << ',' << bound.absolute << '\n';
 }
 
 }  // namespace
@@ -53,8 +53,8 @@ int main(int argc, char** argv) {
         std::ofstream out(argv[2]);
         out << "name,family,points,plan,additions,multiplications,conversions,instructions,frame,"
                "spills,cycles,bound\n";
-        for (const kernelgen::Family& family : generator::allFamilies())
-            for (const int length : family.lengths) writeRow(out, family, length, argv[1]);
+        for (const KernelFamily& family : generator::allFamilies())
+            for (const int length : family.info->numbers) writeRow(out, family, length, argv[1]);
         out.close();
         if (!out) throw std::runtime_error(std::string("cannot write ") + argv[2]);
         return 0;
