@@ -19,6 +19,9 @@ install(FILES ${PROJECT_SOURCE_DIR}/include/orvgen.h ${PROJECT_SOURCE_DIR}/inclu
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/orvgen DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT library)
+if(TARGET orvgen_manuals)
+    install(DIRECTORY ${ORVGEN_MANUALS}/ DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT development)
+endif()
 
 set(package ${CMAKE_INSTALL_LIBDIR}/cmake/orvgen)
 install(EXPORT orvgen NAMESPACE orvgen:: FILE orvgenConfig.cmake DESTINATION ${package} COMPONENT development)

@@ -8,6 +8,7 @@ option(ORVGEN_BENCH "Build the benchmarks" OFF)
 option(ORVGEN_EXAMPLES "Build the examples" ${PROJECT_IS_TOP_LEVEL})
 option(ORVGEN_PYTHON "Build the Python package" OFF)
 option(ORVGEN_INSTALL "Write install rules" ${PROJECT_IS_TOP_LEVEL})
+option(ORVGEN_MAN "Write the manual pages" ${PROJECT_IS_TOP_LEVEL})
 option(ORVGEN_WERROR "Treat warnings as errors" OFF)
 option(ORVGEN_SANITIZE "Build everything with the address and undefined behaviour sanitizers" OFF)
 

@@ -159,7 +159,7 @@ case $name in
         done
         mv "$folder/stage/opt/orvgen" "$prefix"
         for file in "include/orvgen.h" "include/orvgen_batch.h" "include/orvgen.hpp" "include/orvgen_batch.hpp" \
-            "include/orvgen/values.hpp" "$libdir/liborvgenbatch.so" "$libdir/liborvgenbatch.so.1" \
+            "include/orvgen/values.hpp" "share/man/man7/orvgen.7" "share/man/man3/orvgHartley_9_64f.3" "$libdir/liborvgenbatch.so" "$libdir/liborvgenbatch.so.1" \
             "$libdir/pkgconfig/orvgen-batch.pc" "$libdir/liborvgenm7.so" "$libdir/liborvgenm7.so.6.1" "$libdir/liborvgenm7.a" \
             "$libdir/$core" "$libdir/pkgconfig/orvgen.pc" "$libdir/cmake/orvgen/orvgenConfig.cmake" \
             "share/doc/orvgen/LICENSE"; do
