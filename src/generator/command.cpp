@@ -87,10 +87,17 @@ void emitRows(const Kernel& kernel, const std::string& folder, const std::string
 
 void show(const std::vector<KernelFamily>& families, const std::string& tables,
           const std::vector<std::string>& words) {
-    const std::vector<Member> members = calledBy(allMembers(families), words);
+    std::vector<Member> all = allMembers(families);
+    for (const FamilyInfo& family : kFamilies)
+        if (!family.hasKernels())
+            for (const Member& m : membersOf(family)) all.push_back(m);
+    const std::vector<Member> members = calledBy(all, words);
     for (const Member& member : members) {
         if (member != members.front()) std::cout << "\n";
-        printPage(std::cout, familyOf(families, member), member.number, tables);
+        if (member.family->hasKernels())
+            printPage(std::cout, familyOf(families, member), member.number, tables);
+        else
+            printPlanPage(std::cout, member);
     }
 }
 
@@ -128,8 +135,7 @@ int runCommand(int argc, char** argv, const std::vector<KernelFamily>& families)
             emit(kernel, argv[3], argc == 5 ? targetOf(argv[4]) : kSse2);
         return 0;
     } catch (const UnknownName& e) {
-        return fail(
-            e.what() + std::string("\n  and the DCT-IV, which runs by plans (docs/dct4.md)"), 2);
+        return fail(e.what(), 2);
     } catch (const std::exception& e) {
         return fail(e.what(), 1);
     }

@@ -15,7 +15,7 @@ namespace orvgen::generator {
 //     writes that of many transforms at once, for each of the targets (avx2, avx512)
 // show FOLDER NAME...
 //     prints what there is to say about each kernel that is called so (names.h), beside the rows of
-//     the tables in FOLDER, and its assembly
+//     the tables in FOLDER, and its assembly; of a DCT-IV (DCT4_1024_32f) the nodes of its plan
 // list
 //     prints the names of all kernels
 // plans

@@ -5,6 +5,7 @@
 #include <ostream>
 #include <sstream>
 
+#include "dct4/notation.h"
 #include "kernelgen/compile.h"
 #include "operations.h"
 #include "required.h"
@@ -69,6 +70,14 @@ void printPage(std::ostream& out, const KernelFamily& family, int number,
         << std::fixed << std::setprecision(0) << "  cycles           " << f.modelCycles
         << " by the core model, port bound " << f.portBound << "\n\n"
         << compiled.assembly;
+}
+
+void printPlanPage(std::ostream& out, const Member& member) {
+    out << nameOf(*member.family) << " of " << member.number << "\n"
+        << "  computed as      " << dct4::notation(member.number) << "\n"
+        << "  plan             nodes and functions, files in src/dct4:\n";
+    for (const std::string& line : dct4::planNodes(member.number))
+        out << std::string(19, ' ') << line << "\n";
 }
 
 }  // namespace orvgen::generator

@@ -14,4 +14,7 @@ namespace orvgen::generator {
 void printPage(std::ostream& out, const KernelFamily& family, int number,
                const std::string& tables);
 
+// Of a member that runs by a plan: the nodes of the plan, and where each stands.
+void printPlanPage(std::ostream& out, const Member& member);
+
 }  // namespace orvgen::generator

@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <map>
+#include <regex>
+#include <set>
 #include <sstream>
 
 #include "generator/head.h"
@@ -76,6 +79,52 @@ TEST(Page, HasTheSameLinesInEveryFamilyAndAgreesWithTheTables) {
             EXPECT_EQ(page.line["cycles"], cycles.str());
         }
     }
+}
+
+std::string planPageOf(int length) {
+    std::ostringstream text;
+    printPlanPage(text, {&familyOf("DCT4", "32f"), length});
+    return text.str();
+}
+
+TEST(PlanPage, SaysWhichFunctionsRun) {
+    EXPECT_EQ(planPageOf(16),
+              "orvgDCT4_32f of 16\n"
+              "  computed as      straight line\n"
+              "  plan             nodes and functions, files in src/dct4:\n"
+              "                   env1: 16 points, straight line, dct4<16> in flows/dct4.h\n");
+    const std::string page = planPageOf(131072);
+    for (const char* line :
+         {"env1: 131072 points = 2 r m, in two stages, twoStages in run.h\n",
+          "env3, env5, env7: 32 odd-frequency transforms of 4096 points, each of "
+          "32 parts\n",
+          "env9, env7: 32 odd-frequency transforms of 128 points, each of 8 parts\n",
+          "env9: 8 odd-frequency transforms of 16 points, oddFrequency<16> in "
+          "flows/oddfrequency.h\n",
+          "env8: 8 joins of 8 results, joinStage<8> in flows/joinstage.h\n",
+          "env8: 64 joins of 32 results, joinStage<32> in flows/joinstage.h\n",
+          "env2, env4: 2048 blocks of 32 values, twiddles and stageTwo<32> in "
+          "flows/stagetwo.h\n"})
+        EXPECT_NE(page.find(line), std::string::npos) << line << page;
+}
+
+// Every function that a page names stands in the file that it names.
+TEST(PlanPage, LeadsToFunctions) {
+    const std::regex place("([A-Za-z0-9]+)(<[0-9]+>)? in ([a-z/0-9]+[.]h)");
+    std::set<std::string> found;
+    for (const int length : {2, 64, 1024, 65536}) {
+        const std::string page = planPageOf(length);
+        for (auto at = std::sregex_iterator(page.begin(), page.end(), place);
+             at != std::sregex_iterator(); ++at) {
+            std::ifstream file(ORVGEN_DCT4_SOURCES "/" + (*at)[3].str());
+            std::stringstream text;
+            text << file.rdbuf();
+            EXPECT_NE(text.str().find(" " + (*at)[1].str() + "("), std::string::npos) << (*at)[0];
+            found.insert((*at)[1]);
+        }
+    }
+    EXPECT_EQ(found, (std::set<std::string>{"dct4", "joinStage", "oddFrequency", "stageTwo",
+                                            "twoStages"}));
 }
 
 }  // namespace
