@@ -18,6 +18,7 @@ namespace orvgen {
 namespace {
 
 using namespace test::written;
+using test::written::Numbers;
 
 // The stages of a row: radices, and whether twiddles stand before each but the first.
 struct Stages {
