@@ -31,7 +31,8 @@ def cycles(table: Path) -> tuple:
                  if column.startswith("ratio ") and f"{column.removeprefix('ratio ')} median" in rows[0]]
     number = lambda text: float(text) if text else None  # noqa: E731
     return libraries, {
-        row["kernel"]: {"cycles": number(row["cycles"]), "secondBuild": number(row.get("v3 cycles")),
+        row["kernel"]: {"cycles": number(row["cycles"]), "coreBound": number(row["bound"]),
+                        "secondBuild": number(row.get("v3 cycles")),
                         "others": [number(row[name]) for name in libraries]}
         for row in rows if not re.fullmatch(r"orvgDCT4_\w+ of \d+", row["kernel"])}
 

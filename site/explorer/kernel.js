@@ -83,6 +83,8 @@ explorer.kernelView = (() => {
       ["Port bound of the model", kernel.bound, "what the ports allow for these operations"]];
     if (kernel.cycles !== undefined) {
       rows.push(["Measured", kernel.cycles, "of calls in long bursts"]);
+      if (kernel.coreBound)
+        rows.push(["Bound on that core", kernel.coreBound, "by its measured port table"]);
       if (kernel.secondBuild)
         rows.push(["Measured, build for x86-64-v3", kernel.secondBuild, "the same calls"]);
       (kernel.others ?? []).forEach((cycles, i) => {
