@@ -72,8 +72,8 @@ class Building {
 };
 
 // The sum of a node is formed in 64 bits and handed on in 32, and a negative one is a failure. A
-// length whose true sum reaches 2^31 therefore fails, and beyond 2^32 the sum wraps: this is the
-// arithmetic of the interface.
+// length whose true sum reaches 2^31 therefore fails, and beyond 2^32 the sum wraps: sizes are
+// 32-bit numbers in every signature.
 //
 // Every entry in a list is charged a list node here, whereas the first one goes into the head,
 // which is charged already: sizing charges more than building takes.

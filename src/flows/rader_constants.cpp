@@ -35,8 +35,9 @@ RaderConstants::RaderConstants(long p, long e) {
         const std::string name = (isInner ? "2K[" : "K[") + std::to_string(k) + "], " + root;
         re.push_back(k == 0 ? -kernelgen::ratio(1, cycle)
                             : Constant(ExactReal{factor * sumRe}, "re " + name));
-        // sqrt(13)/12 is a number of the interface, given to 16 digits as 0.3004626062886657; it is
-        // stored as this number, one unit below the nearest binary64.
+        // sqrt(13)/12 is stored as 0.3004626062886657, its first 16 digits: one unit below the
+        // nearest binary64. All results of 13 points and of its multiples depend on it, so it
+        // stays.
         if (p == 13 && 2 * k == cycle)
             re.back() = re.back().pinnedTo(re.back().isNegative() ? -0.3004626062886657
                                                                   : 0.3004626062886657);

@@ -52,11 +52,11 @@ struct Room {
 };
 
 template <class R>
-struct Contract : testing::Test {};
+struct BatchContract : testing::Test {};
 using Reals = testing::Types<float, double>;
-TYPED_TEST_SUITE(Contract, Reals);
+TYPED_TEST_SUITE(BatchContract, Reals);
 
-TYPED_TEST(Contract, LengthsComeFirst) {
+TYPED_TEST(BatchContract, LengthsComeFirst) {
     const auto room = std::make_unique<Room<TypeParam>>();
     for (const auto& family : families<TypeParam>()) {
         for (const std::int32_t number : outOfRange(family.numbers)) {
@@ -76,7 +76,7 @@ TYPED_TEST(Contract, LengthsComeFirst) {
     EXPECT_TRUE(room->isUntouched());
 }
 
-TYPED_TEST(Contract, PointersComeBeforeTheFlag) {
+TYPED_TEST(BatchContract, PointersComeBeforeTheFlag) {
     const auto room = std::make_unique<Room<TypeParam>>();
     for (const auto& family : families<TypeParam>()) {
         for (const int number : family.numbers) {
@@ -101,7 +101,7 @@ TYPED_TEST(Contract, PointersComeBeforeTheFlag) {
     EXPECT_TRUE(room->isUntouched());
 }
 
-TYPED_TEST(Contract, CountsOfZeroDoNotLookAtPointers) {
+TYPED_TEST(BatchContract, CountsOfZeroDoNotLookAtPointers) {
     for (const auto& family : families<TypeParam>()) {
         for (const int number : family.numbers) {
             SCOPED_TRACE(family.name + " of " + std::to_string(number));

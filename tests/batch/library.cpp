@@ -11,15 +11,15 @@
 #include <string_view>
 #include <vector>
 
-#include "frame/elf_file.h"
 #include "orvgen_batch.h"
 #include "support/disassembly.h"
+#include "support/elf_file.h"
 
 namespace orvgen::test::batch {
 namespace {
 
-const tests::ElfFile& file() {
-    static const tests::ElfFile library(ORVGEN_BATCH_LIBRARY);
+const ElfFile& file() {
+    static const ElfFile library(ORVGEN_BATCH_LIBRARY);
     return library;
 }
 
@@ -39,7 +39,7 @@ const Names documented = {
     "orvgBatchStatusText",
 };
 
-TEST(Library, ExportsWhatTheHeaderDocuments) {
+TEST(BatchLibrary, ExportsWhatTheHeaderDocuments) {
     Names exported;
     for (const auto& [name, entry] : file().symbols(SHT_DYNSYM))
         if (entry.st_shndx != SHN_UNDEF) exported.insert(name);
@@ -47,7 +47,7 @@ TEST(Library, ExportsWhatTheHeaderDocuments) {
     EXPECT_EQ(documented.size(), 29U);
 }
 
-TEST(Library, NeedsTheProductAndCallsOnlyItsExports) {
+TEST(BatchLibrary, NeedsTheProductAndCallsOnlyItsExports) {
     EXPECT_EQ(file().dynamicTexts(DT_SONAME), std::vector<std::string>{"liborvgenbatch.so.1"});
     Names needed;
     for (const std::string& name : file().dynamicTexts(DT_NEEDED)) needed.insert(name);
@@ -63,7 +63,7 @@ TEST(Library, NeedsTheProductAndCallsOnlyItsExports) {
             << name;
 }
 
-TEST(Library, HasOneMutableWordAndNothingToInitialise) {
+TEST(BatchLibrary, HasOneMutableWordAndNothingToInitialise) {
     for (const auto tag : {DT_INIT, DT_FINI, DT_INIT_ARRAY, DT_FINI_ARRAY, DT_TEXTREL})
         EXPECT_TRUE(file().dynamicValues(tag).empty()) << tag;
     std::uint64_t relroBegin = 0, relroEnd = 0;
@@ -166,27 +166,27 @@ const Complaints& complaints() {
 
 using Sentences = std::vector<std::string>;
 
-TEST(MachineCode, CanBeRead) {
+TEST(BatchMachineCode, CanBeRead) {
     EXPECT_GT(complaints().instructions, 5000U);
     EXPECT_EQ(complaints().unknown, Sentences{});
 }
 
-TEST(MachineCode, HasNoFusedMultiplyAddAndNoApproximation) {
+TEST(BatchMachineCode, HasNoFusedMultiplyAddAndNoApproximation) {
     EXPECT_EQ(complaints().forbidden, Sentences{});
 }
 
-TEST(MachineCode, HasWideVectorsBehindTheirTargetsOnly) {
+TEST(BatchMachineCode, HasWideVectorsBehindTheirTargetsOnly) {
     EXPECT_EQ(complaints().wide, Sentences{});
 }
 
-TEST(MachineCode, ClearsTheUpperHalvesBeforeItReturns) {
+TEST(BatchMachineCode, ClearsTheUpperHalvesBeforeItReturns) {
     EXPECT_EQ(complaints().full, Sentences{});
 }
 
-TEST(MachineCode, ProbesLargeFrames) { EXPECT_EQ(complaints().unprobed, Sentences{}); }
+TEST(BatchMachineCode, ProbesLargeFrames) { EXPECT_EQ(complaints().unprobed, Sentences{}); }
 
 // The reader sees what it is to see.
-TEST(MachineCode, IsReadWithOpenEyes) {
+TEST(BatchMachineCode, IsReadWithOpenEyes) {
     Reader reader;
     for (const char* line :
          {"0000000000001000 <owngBatchX_avx2>:", "  1000:\tvfmadd231ps %ymm1,%ymm2,%ymm3",

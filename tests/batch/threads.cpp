@@ -53,7 +53,7 @@ std::vector<Case<R>> cases() {
     return list;
 }
 
-TEST(Threads, DoNotMeet) {
+TEST(BatchThreads, DoNotMeet) {
     ASSERT_EQ(orvgBatchUse(orvTargetSSE2), orvOk);
     const auto single = cases<float>();
     const auto dual = cases<double>();

@@ -100,15 +100,15 @@ void compare(int n, const Written& transformed) {
     }
 }
 
-TEST(WrittenLengths, EighteenHasItsTwoInsideNine) {
+TEST(WrittenComplexLengths, EighteenHasItsTwoInsideNine) {
     compare(18, [](Sign sign, const Numbers& x) { return twoInside(sign, 3, x, six); });
 }
 
-TEST(WrittenLengths, FiftyHasItsTwoInsideTwentyFive) {
+TEST(WrittenComplexLengths, FiftyHasItsTwoInsideTwentyFive) {
     compare(50, [](Sign sign, const Numbers& x) { return twoInside(sign, 5, x, ten); });
 }
 
-TEST(WrittenLengths, FiftyFourHasItsTwoInsideTwentySeven) {
+TEST(WrittenComplexLengths, FiftyFourHasItsTwoInsideTwentySeven) {
     compare(54, [](Sign sign, const Numbers& x) { return twoInside(sign, 3, x, eighteen); });
 }
 
@@ -121,25 +121,25 @@ auto blocks(Sign sign, std::size_t R, std::size_t M) {
     return [=](const Numbers& z) { return goodThomas(R, M, z, blocks(sign), blocks(sign)); };
 }
 
-TEST(WrittenLengths, TwentyFourIsFourThenThreeAndTwo) {
+TEST(WrittenComplexLengths, TwentyFourIsFourThenThreeAndTwo) {
     compare(24, [](Sign sign, const Numbers& x) {
         return cooleyTukey(sign, 4, 6, x, blocks(sign), blocks(sign, 3, 2));
     });
 }
 
-TEST(WrittenLengths, FortyFiveIsFiveAndThreeThenThree) {
+TEST(WrittenComplexLengths, FortyFiveIsFiveAndThreeThenThree) {
     compare(45, [](Sign sign, const Numbers& x) {
         return cooleyTukey(sign, 15, 3, x, blocks(sign, 5, 3), blocks(sign));
     });
 }
 
-TEST(WrittenLengths, FortyEightIsFourThenThreeAndFour) {
+TEST(WrittenComplexLengths, FortyEightIsFourThenThreeAndFour) {
     compare(48, [](Sign sign, const Numbers& x) {
         return cooleyTukey(sign, 4, 12, x, blocks(sign), blocks(sign, 3, 4));
     });
 }
 
-TEST(WrittenLengths, FiftySixIsSevenAndTwoThenFour) {
+TEST(WrittenComplexLengths, FiftySixIsSevenAndTwoThenFour) {
     compare(56, [](Sign sign, const Numbers& x) {
         return cooleyTukey(sign, 14, 4, x, blocks(sign, 7, 2), blocks(sign));
     });

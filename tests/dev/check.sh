@@ -3,6 +3,7 @@
 # check.sh TREE: what ./dev makes of its arguments, in a copy of it beside which stand-ins for the builders, ctest and
 # the built programs only tell how they were called.
 set -u
+unset GTEST_FILTER
 tree=$1
 copy=$(mktemp -d)
 trap 'rm -rf "$copy"' EXIT

@@ -26,8 +26,8 @@ kernelgen::LaneCounts compareLanes(test::CountCheck& check, const KernelFamily& 
         {"live_multiplications", c.liveMultiplications + 2 * n},
         {"executed_additions", c.executedAdditions},
         {"executed_multiplications", c.executedMultiplications + 2 * stored}};
-    for (const auto& [column, achieved] : columns)
-        check.compare(n, column, row.integer(column), achieved);
+    for (const auto& [column, found] : columns)
+        check.compare(n, column, row.integer(column), found);
     return c;
 }
 

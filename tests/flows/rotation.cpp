@@ -75,7 +75,7 @@ Turned<T> rotated(T re, T im, long num, long den) {
 }
 
 template <class T>
-class Rotation : public testing::Test {
+class RotationByAnyAngle : public testing::Test {
   protected:
     template <class Check>
     static void everywhere(Check check) {
@@ -96,9 +96,9 @@ class Rotation : public testing::Test {
         return "by " + std::to_string(num) + "/" + std::to_string(den);
     }
 };
-TYPED_TEST_SUITE(Rotation, Elements);
+TYPED_TEST_SUITE(RotationByAnyAngle, Elements);
 
-TYPED_TEST(Rotation, ByEachOctant) {
+TYPED_TEST(RotationByAnyAngle, ByEachOctant) {
     for (const long den : {8L, 16L, 24L, 64L}) {
         TestFixture::everywhere([&](TypeParam re, TypeParam im) -> std::string {
             for (int k = -8; k < 16; ++k) {
@@ -112,7 +112,7 @@ TYPED_TEST(Rotation, ByEachOctant) {
     }
 }
 
-TYPED_TEST(Rotation, InsideEachQuadrant) {
+TYPED_TEST(RotationByAnyAngle, InsideEachQuadrant) {
     for (const long den : {3L, 5L, 9L, 16L, 45L}) {
         std::vector<double> c, s;
         for (long num = 0; num < den; ++num) {

@@ -5,6 +5,7 @@
 #include <sys/resource.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 
@@ -12,7 +13,7 @@
 
 namespace {
 
-TEST(Core, blocksLieOnA64ByteBoundaryAndCanBeWritten) {
+TEST(Core, BlocksLieOnA64ByteBoundaryAndCanBeWritten) {
     for (const int32_t bytes : {1, 15, 16, 17, 64, 1024, 73728, 1 << 24}) {
         void* block = orvMalloc(bytes);
         ASSERT_NE(block, nullptr) << bytes;
@@ -22,20 +23,20 @@ TEST(Core, blocksLieOnA64ByteBoundaryAndCanBeWritten) {
     }
 }
 
-TEST(Core, zeroBytesGiveABlockThatCanBeFreed) {
+TEST(Core, ZeroBytesGiveABlockThatCanBeFreed) {
     void* block = orvMalloc(0);
     EXPECT_NE(block, nullptr);
     orvFree(block);
 }
 
-TEST(Core, negativeCountsGiveNull) {
+TEST(Core, NegativeCountsGiveNull) {
     for (const int32_t bytes : {-1, -64, std::numeric_limits<int32_t>::min()}) {
         EXPECT_EQ(orvMalloc(bytes), nullptr) << bytes;
     }
 }
 
 #ifndef __SANITIZE_ADDRESS__  // whose shadow memory does not fit under the limit
-TEST(Core, exhaustedMemoryGivesNull) {
+TEST(Core, ExhaustedMemoryGivesNull) {
     rlimit before{};
     ASSERT_EQ(getrlimit(RLIMIT_AS, &before), 0);
     rlimit tight = before;
@@ -47,6 +48,8 @@ TEST(Core, exhaustedMemoryGivesNull) {
 }
 #endif
 
-TEST(Core, nullMayBeFreed) { orvFree(nullptr); }
+TEST(Core, NullMayBeFreed) {
+    EXPECT_EXIT((orvFree(nullptr), std::_Exit(0)), testing::ExitedWithCode(0), "");
+}
 
 }  // namespace

@@ -11,7 +11,7 @@
 
 namespace {
 
-TEST(Version, recordIsExact) {
+TEST(Version, RecordIsExact) {
     const OrvLibraryVersion* v = orvgenGetLibVersion();
     ASSERT_NE(v, nullptr);
     EXPECT_EQ(v->versionMajor, 6);
@@ -24,7 +24,7 @@ TEST(Version, recordIsExact) {
     EXPECT_STREQ(v->buildDate, "Mar 17 2010");
 }
 
-TEST(Version, macrosOfTheReleaseAgree) {
+TEST(Version, MacrosOfTheReleaseAgree) {
     const std::string text = std::to_string(ORVGEN_VERSION_MAJOR) + "." +
                              std::to_string(ORVGEN_VERSION_MINOR) + "." +
                              std::to_string(ORVGEN_VERSION_PATCH);
@@ -36,7 +36,7 @@ TEST(Version, macrosOfTheReleaseAgree) {
 #endif
 }
 
-TEST(Version, recordHasTheStatedLayout) {
+TEST(Version, RecordHasTheStatedLayout) {
     EXPECT_EQ(offsetof(OrvLibraryVersion, versionMajor), 0U);
     EXPECT_EQ(offsetof(OrvLibraryVersion, versionMinor), 4U);
     EXPECT_EQ(offsetof(OrvLibraryVersion, buildMajor), 8U);

@@ -28,8 +28,8 @@ TEST(Hartley, CountsOfTheTable) {
             const auto n = static_cast<int>(row.integer("length"));
             const Graph g = hartleyGraph(n, arithmetic);
             const kernelgen::Counts c = kernelgen::countOperations(g);
-            const auto compare = [&](const char* column, long achieved) {
-                check.compare(n, column, row.integer(column), achieved);
+            const auto compare = [&](const char* column, long found) {
+                check.compare(n, column, row.integer(column), found);
             };
             compare("additions", c.additions);
             compare("constant_products", c.constantProducts);

@@ -48,6 +48,7 @@ KernelFacts factsOf(const ListedKernel& k) {
     if (isSecondBuild()) {
         facts.twin.clear();
         facts.twoBodies = r.scalar = false;
+        r.threeOperands = true;
         r.elementBytes = 0;
         r.frameLimit = -1;
         return facts;

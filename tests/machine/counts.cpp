@@ -59,10 +59,10 @@ TEST(MachineCounts, OfConversionsAreThoseOfTheTables) {
         if (k.complex) continue;
         SCOPED_TRACE(k.name);
         const BodyCounts c(traceOf(k.name));
-        const long required =
+        const long expected =
             k.single ? dataTable(tableOf(k)).row("length", k.length).integer("conversions") : 0;
         // The widened scale is stored beside the binary32 one, so that it is no conversion.
-        EXPECT_EQ(c.mnemonic("cvtss2sd") + c.mnemonic("cvtsd2ss"), required);
+        EXPECT_EQ(c.mnemonic("cvtss2sd") + c.mnemonic("cvtsd2ss"), expected);
         EXPECT_EQ(c.mnemonic("cvtsd2ss"), kernelgen::countOperations(k.kernel().flow).narrowings);
     }
 }

@@ -40,8 +40,8 @@ void compareLanes(CountCheck& check, const DataRow& row, const LaneRun& run, lon
         {"live_multiplications", run.live().multiplications + 2 * n},
         {"executed_additions", run.executed().additions},
         {"executed_multiplications", run.executed().multiplications + 2 * stored}};
-    for (const auto& [column, achieved] : columns)
-        check.compare(n, column, row.integer(column), achieved);
+    for (const auto& [column, found] : columns)
+        check.compare(n, column, row.integer(column), found);
 }
 
 std::string complaints(const CountCheck& check, const std::vector<std::string>& columns) {

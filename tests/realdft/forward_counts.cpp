@@ -27,8 +27,8 @@ TEST(ForwardCounts, EveryRowInEveryFormatAndType) {
                 const auto n = static_cast<int>(row.integer("length"));
                 const Counts c =
                     kernelgen::countOperations(realdft::forwardGraph(n, format, arithmetic));
-                const auto compare = [&](const char* column, long achieved) {
-                    check.compare(n, column, row.integer(column), achieved);
+                const auto compare = [&](const char* column, long found) {
+                    check.compare(n, column, row.integer(column), found);
                 };
                 compare("additions", c.additions);
                 compare("sign_steps", c.signSteps);

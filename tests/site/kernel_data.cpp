@@ -49,7 +49,7 @@ TEST(PlanTree, NamesEveryPart) {
 }
 
 // Operations of a flow as the page reads them: by the letters in front of the nodes.
-TEST(Flow, HasEveryOperationOfTheKernel) {
+TEST(ExplorerFlow, HasEveryOperationOfTheKernel) {
     for (const KernelFamily& family : generator::allFamilies()) {
         for (const int length : {3, 5, 7}) {
             const kernelgen::Kernel kernel = family.kernel(length);

@@ -14,30 +14,31 @@ CountCheck::CountCheck(std::string name, const DataTable& knownDifferences)
     for (const DataRow& row : knownDifferences.rows()) {
         if (row.text("family") != family) continue;
         const auto key = std::make_pair(row.integer("row"), row.text("column"));
-        const Entry entry{row.integer("required"), row.integer("achieved"), false};
+        const Entry entry{row.integer("design"), row.integer("found"), false};
         const std::string label = family + " " + std::to_string(key.first) + " " + key.second;
-        if (entry.required == entry.achieved) {
-            found.push_back(label + ": known difference without a difference");
+        if (entry.design == entry.found) {
+            complained.push_back(label + ": known difference without a difference");
         }
-        if (row.empty("reason")) found.push_back(label + ": known difference without a reason");
-        if (!known.emplace(key, entry).second) found.push_back(label + ": listed twice");
+        if (row.empty("reason"))
+            complained.push_back(label + ": known difference without a reason");
+        if (!known.emplace(key, entry).second) complained.push_back(label + ": listed twice");
     }
 }
 
-void CountCheck::compare(long row, const std::string& column, long required, long achieved) {
+void CountCheck::compare(long row, const std::string& column, long design, long found) {
     ++compared;
-    const std::string label = family + " " + std::to_string(row) + " " + column + ": required " +
-                              std::to_string(required) + ", found " + std::to_string(achieved);
+    const std::string label = family + " " + std::to_string(row) + " " + column + ": design " +
+                              std::to_string(design) + ", found " + std::to_string(found);
     const auto it = known.find({row, column});
     if (it == known.end()) {
-        if (required != achieved) found.push_back(label);
+        if (design != found) complained.push_back(label);
         return;
     }
     it->second.used = true;
-    if (it->second.required != required || it->second.achieved != achieved) {
-        found.push_back(label + "; the known difference says " +
-                        std::to_string(it->second.required) + " and " +
-                        std::to_string(it->second.achieved));
+    if (it->second.design != design || it->second.found != found) {
+        complained.push_back(label + "; the known difference says " +
+                             std::to_string(it->second.design) + " and " +
+                             std::to_string(it->second.found));
     }
 }
 
@@ -49,7 +50,7 @@ std::vector<std::string> CountCheck::complaints() const {
 
 std::vector<std::string> CountCheck::countComplaints(
     const std::vector<std::string>& columns) const {
-    std::vector<std::string> result = found;
+    std::vector<std::string> result = complained;
     for (const auto& [key, entry] : known) {
         if (std::find(columns.begin(), columns.end(), key.second) == columns.end()) continue;
         if (!entry.used) {

@@ -17,7 +17,7 @@ class CountCheck {
     explicit CountCheck(std::string family);
     CountCheck(std::string family, const DataTable& knownDifferences);
 
-    void compare(long row, const std::string& column, long required, long achieved);
+    void compare(long row, const std::string& column, long design, long found);
     // What is wrong: differences not listed, entries not compared or not as found. A check that
     // compared nothing is wrong too.
     std::vector<std::string> complaints() const;
@@ -28,13 +28,13 @@ class CountCheck {
 
   private:
     struct Entry {
-        long required;
-        long achieved;
+        long design;
+        long found;
         bool used;
     };
     std::string family;
     std::map<std::pair<long, std::string>, Entry> known;
-    std::vector<std::string> found;
+    std::vector<std::string> complained;
     long compared = 0;
 };
 

@@ -70,7 +70,7 @@ TEST(DataTable, ThrowsAtWhatItCannotRead) {
 
 TEST(CountCheck, TakesKnownDifferencesExactly) {
     const ScratchFolder folder;
-    const std::string head = "family,row,column,required,achieved,reason\n";
+    const std::string head = "family,row,column,design,found,reason\n";
     folder.write("k", head + "f,7,mul,10,9,lean\n");
     const DataTable known("k", folder.path);
     CountCheck good("f", known);

@@ -207,6 +207,8 @@ std::vector<std::string> checkInstructions(const Function& function, const Shape
     for (const Instruction& in : function.instructions) {
         if (in.kind == Kind::foreign) {
             texts.push_back(function.label(in) + ": no kernel may hold it");
+        } else if (in.vector() && in.vex != rules.threeOperands) {
+            texts.push_back(function.label(in) + ": no kernel may hold it in this encoding");
         } else if (in.sse3 && !rules.movddup) {
             texts.push_back(function.label(in) + ": SSE3");
         } else if (rules.scalar && in.vector() && !scalarAllowed(in)) {

@@ -24,11 +24,12 @@ struct ShapeRules {
     std::int64_t srcBeyond = 0;  // bytes behind src that are read along
     // Byte ranges of src (from, to) that are never read; everything else is.
     std::vector<std::pair<std::int64_t, std::int64_t>> neverRead;
-    bool straight = true;       // no loop and no branch after the gate
-    bool scalar = false;        // no packed instruction, no 16-byte memory operand
-    bool movddup = false;       // the one instruction of SSE3
-    bool allReadsFirst = true;  // else only: no read of a place that in place is already stored to
-    int elementBytes = 0;       // size of every access to src and dst; 0: any
+    bool straight = true;        // no loop and no branch after the gate
+    bool scalar = false;         // no packed instruction, no 16-byte memory operand
+    bool movddup = false;        // the one instruction of SSE3
+    bool threeOperands = false;  // AVX and no legacy encoding, as in the second build; else no AVX
+    bool allReadsFirst = true;   // else only: no read of a place that in place is already stored to
+    int elementBytes = 0;        // size of every access to src and dst; 0: any
     std::int64_t frameLimit = -1;
 };
 

@@ -79,16 +79,16 @@ std::string report(const OrderFunctions<T>& f) {
     return tester.report();
 }
 
-class Bits : public testing::TestWithParam<int> {};
+class WhtBits : public testing::TestWithParam<int> {};
 
-TEST_P(Bits, Binary32) {
+TEST_P(WhtBits, Binary32) {
     EXPECT_EQ(report(orderFunctions<Orv32f>()[static_cast<std::size_t>(GetParam() - 1)]), "");
 }
 
-TEST_P(Bits, Binary64) {
+TEST_P(WhtBits, Binary64) {
     EXPECT_EQ(report(orderFunctions<Orv64f>()[static_cast<std::size_t>(GetParam() - 1)]), "");
 }
 
-INSTANTIATE_TEST_SUITE_P(Orders, Bits, testing::Range(1, 14));
+INSTANTIATE_TEST_SUITE_P(Orders, WhtBits, testing::Range(1, 14));
 
 }  // namespace

@@ -17,9 +17,9 @@ namespace {
 using namespace orvgen::test;
 
 template <class T>
-struct Contract : testing::Test {};
+struct WhtContract : testing::Test {};
 using Reals = testing::Types<Orv32f, Orv64f>;
-TYPED_TEST_SUITE(Contract, Reals);
+TYPED_TEST_SUITE(WhtContract, Reals);
 
 constexpr std::int32_t badOrders[] = {0,
                                       14,
@@ -32,7 +32,7 @@ constexpr std::int32_t badOrders[] = {0,
                                       std::numeric_limits<std::int32_t>::min(),
                                       std::numeric_limits<std::int32_t>::min() + 8};
 
-TYPED_TEST(Contract, SizeQueryStoresTheTable) {
+TYPED_TEST(WhtContract, SizeQueryStoresTheTable) {
     const DataTable& table = dataTable("wht_buffer");
     ASSERT_EQ(table.rows().size(), 13U);
     for (const DataRow& row : table.rows()) {
@@ -50,7 +50,7 @@ TYPED_TEST(Contract, SizeQueryStoresTheTable) {
     }
 }
 
-TYPED_TEST(Contract, SizeQueryRefusesOrders) {
+TYPED_TEST(WhtContract, SizeQueryRefusesOrders) {
     const auto query = orderFunctions<TypeParam>()[0].bufferSize;
     for (const std::int32_t order : badOrders) {
         std::int32_t size = -77;
@@ -62,7 +62,7 @@ TYPED_TEST(Contract, SizeQueryRefusesOrders) {
 
 #ifndef __SANITIZE_ADDRESS__  // which ends the program at a store to null
 // The size pointer is not tested: with a good order it is written to as it stands.
-TYPED_TEST(Contract, SizeQueryDoesNotTestItsPointer) {
+TYPED_TEST(WhtContract, SizeQueryDoesNotTestItsPointer) {
     const auto query = orderFunctions<TypeParam>()[0].bufferSize;
     for (const std::int32_t order : orvgen::kOrders) {
         EXPECT_NE(catchFault([&] { query(order, nullptr); }, nullptr), "") << order;
@@ -73,7 +73,7 @@ TYPED_TEST(Contract, SizeQueryDoesNotTestItsPointer) {
 
 // The buffer's alignment is not tested: the accesses to it are aligned ones, in the twin too, and
 // fault.
-TYPED_TEST(Contract, BufferOffItsBoundaryFaults) {
+TYPED_TEST(WhtContract, BufferOffItsBoundaryFaults) {
     for (const auto& f : orderFunctions<TypeParam>()) {
         if (f.bufferBytes() == 0) continue;
         const AlignedArray<TypeParam> src(f.points()), dst(f.points());
@@ -88,7 +88,7 @@ TYPED_TEST(Contract, BufferOffItsBoundaryFaults) {
     }
 }
 
-TYPED_TEST(Contract, OrderIsTestedFirst) {
+TYPED_TEST(WhtContract, OrderIsTestedFirst) {
     const auto byOrder = orderFunctions<TypeParam>()[0].byOrder;
     for (const std::int32_t order : badOrders) {
         EXPECT_EQ(byOrder(nullptr, nullptr, order, 3, nullptr), orvErrSize) << order;
@@ -106,7 +106,7 @@ TYPED_TEST(Contract, OrderIsTestedFirst) {
 }
 
 // A refused call touches neither dst nor the buffer, whatever the alignment.
-TYPED_TEST(Contract, RefusalsTouchNothing) {
+TYPED_TEST(WhtContract, RefusalsTouchNothing) {
     for (const auto& f : orderFunctions<TypeParam>()) {
         const std::size_t n = f.points();
         for (const std::size_t displacement : {std::size_t{0}, sizeof(TypeParam), std::size_t{8}}) {
@@ -139,7 +139,7 @@ TYPED_TEST(Contract, RefusalsTouchNothing) {
 }
 
 // Eight threads with a dst and a buffer of their own, or none, and one src for all.
-TYPED_TEST(Contract, ThreadsDoNotMeet) {
+TYPED_TEST(WhtContract, ThreadsDoNotMeet) {
     for (const auto& f : orderFunctions<TypeParam>()) {
         const std::size_t n = f.points();
         const AlignedArray<TypeParam> src(n);

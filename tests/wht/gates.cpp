@@ -35,6 +35,7 @@ TEST_P(Gates, AndBodies) {
     }
     // The second build takes buffers of any alignment in one body, in vectors of both sizes.
     if (isSecondBuild()) {
+        r.threeOperands = true;
         facts.twin.clear();
         facts.twoBodies = r.scalar = false;
         r.movddup = true;

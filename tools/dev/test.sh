@@ -2,7 +2,7 @@
 #: ./dev test [NAME [CASES]]          builds and runs all tests, those whose name has NAME in it, of these the CASES
 #: ./dev test -L LABEL                the tests of a room (complex, wht, examples ...); arguments with a dash go to ctest
 #: ./dev test list                    the tests there are, with their labels
-# CASES is a filter of GoogleTest: './dev test test_wht "Contract.*"'. Builds only what the chosen tests run. The last
+# CASES is a filter of GoogleTest: './dev test test_wht "WhtContract.*"'. Builds only what the chosen tests run. The last
 # line counts the cases.
 # shellcheck shell=bash
 

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 // A shared library as its file says it is: sections, segments, dynamic entries, symbols,
-// relocations.
-
-#ifndef ORVGEN_TESTS_FRAME_ELF_FILE_H
-#define ORVGEN_TESTS_FRAME_ELF_FILE_H
+// relocations. (elf_image.h is its memory.)
+#pragma once
 
 #include <elf.h>
 
+#include <cstdint>
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -15,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-namespace orvgen::tests {
+namespace orvgen::test {
 
 class ElfFile {
   public:
@@ -27,6 +26,7 @@ class ElfFile {
     explicit ElfFile(const std::string& path) {
         std::ifstream in(path, std::ios::binary);
         bytes_.assign(std::istreambuf_iterator<char>(in), {});
+        if (!in) throw std::runtime_error("cannot read " + path);
         header_ = at<Elf64_Ehdr>(0);
         if (std::memcmp(header_.e_ident, ELFMAG, SELFMAG) != 0) {
             throw std::runtime_error("no ELF file: " + path);
@@ -34,6 +34,7 @@ class ElfFile {
         sections_ = table<Elf64_Shdr>(header_.e_shoff, header_.e_shnum);
     }
 
+    const Elf64_Ehdr& header() const { return header_; }
     const std::vector<Elf64_Shdr>& sections() const { return sections_; }
 
     std::vector<Elf64_Phdr> segments() const {
@@ -75,10 +76,27 @@ class ElfFile {
         return list;
     }
 
-    std::vector<Elf64_Rela> relocations() const {
-        std::vector<Elf64_Rela> list;
-        for (const auto& [section, entry] : entries<Elf64_Rela>(SHT_RELA)) list.push_back(entry);
+    struct Relocation {
+        Elf64_Rela entry;
+        std::string symbol;  // empty: none
+    };
+    std::vector<Relocation> relocations() const {
+        std::vector<Relocation> list;
+        for (const auto& [section, entry] : entries<Elf64_Rela>(SHT_RELA)) {
+            const Elf64_Shdr& table = sections_.at(section.sh_link);
+            const auto symbol =
+                at<Elf64_Sym>(table.sh_offset + ELF64_R_SYM(entry.r_info) * sizeof(Elf64_Sym));
+            list.push_back({entry, text(sections_.at(table.sh_link), symbol.st_name)});
+        }
         return list;
+    }
+
+    // What the file holds of a segment.
+    std::vector<std::uint8_t> contents(const Elf64_Phdr& segment) const {
+        if (segment.p_offset + segment.p_filesz > bytes_.size())
+            throw std::runtime_error("truncated ELF file");
+        const auto first = bytes_.begin() + static_cast<std::ptrdiff_t>(segment.p_offset);
+        return {first, first + static_cast<std::ptrdiff_t>(segment.p_filesz)};
     }
 
   private:
@@ -111,7 +129,9 @@ class ElfFile {
     }
 
     std::string text(const Elf64_Shdr& strings, Elf64_Xword offset) const {
-        return bytes_.data() + strings.sh_offset + offset;
+        const std::size_t start = strings.sh_offset + offset;
+        if (start >= bytes_.size()) throw std::runtime_error("truncated ELF file");
+        return {bytes_.data() + start, strnlen(bytes_.data() + start, bytes_.size() - start)};
     }
 
     std::vector<char> bytes_;
@@ -119,6 +139,4 @@ class ElfFile {
     std::vector<Elf64_Shdr> sections_;
 };
 
-}  // namespace orvgen::tests
-
-#endif
+}  // namespace orvgen::test
