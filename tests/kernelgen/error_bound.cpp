@@ -14,9 +14,9 @@ namespace orvgen::kernelgen {
 namespace {
 
 Graph flow(const std::string& kernel) {
-    for (const Family& family : generator::allFamilies())
-        for (const int n : family.lengths)
-            if (memberName(family.name, n) == kernel) return family.kernel(n).flow;
+    for (const KernelFamily& family : generator::allFamilies())
+        for (const int n : family.info->numbers)
+            if (memberName(*family.info, n) == kernel) return family.kernel(n).flow;
     throw std::invalid_argument("no kernel " + kernel);
 }
 
