@@ -12,7 +12,7 @@ from typing import Any, Optional
 import numpy as np
 
 # Fewer elements than this are transformed before a second thread has begun.
-_WORTH = 1 << 14
+_WORTH = 1 << 18
 
 _lock = threading.Lock()
 _pool: Optional[ThreadPoolExecutor] = None

@@ -67,6 +67,12 @@ def library():
     return Library()
 
 
+@pytest.fixture(autouse=True)
+def threads_for_small_arrays(monkeypatch):
+    """So that `workers` means threads in the tests, too."""
+    monkeypatch.setattr(orvgen._threads, "_WORTH", 1 << 10)
+
+
 @pytest.fixture
 def random():
     return np.random.default_rng(6)

@@ -1,0 +1,143 @@
+# SPDX-License-Identifier: MIT
+"""Splits a long recording of many channels into frequency bands, on one machine and on a cluster.
+
+    channelize.py [--channels N] [--seconds S] [--workers N...] [--kill]
+
+The recording is a file that every worker can read, seen as a Dask array of blocks; each block becomes
+the power of 33 bands by transforms of 64 samples, 16 apart. Dask's scheduler hands blocks to worker
+processes. Their results are compared, bit for bit, with those of this process alone; --kill ends a
+worker in the middle by SIGKILL. Prints the throughput for each number of workers.
+"""
+
+import argparse
+import os
+import signal
+import tempfile
+import threading
+import time
+from functools import partial
+from pathlib import Path
+
+import dask
+import dask.array as da
+import numpy as np
+from dask.distributed import Client, LocalCluster
+
+import orvgen
+
+RATE = 48_000  # samples a second
+POINTS, HOP, BANDS = 64, 16, 33
+MEAN = 64  # frames that are averaged to one power
+BLOCK = HOP * MEAN * 128  # samples of a block, 2.7 seconds
+WINDOW = np.hanning(POINTS + 1)[:-1].astype(np.float32)
+
+
+def write_recording(path, channels, blocks):
+    """Noise and a tone that rises from channel to channel, block by block; and what frames of the
+    last block reach beyond it."""
+    samples = blocks * BLOCK + POINTS
+    file = np.lib.format.open_memmap(path, "w+", np.float32, (channels, samples))
+    for begin in range(0, samples, BLOCK):
+        random = np.random.default_rng(begin)
+        t = np.arange(begin, min(begin + BLOCK, samples)) / RATE
+        tones = np.sin(2 * np.pi * 500 * np.outer(np.arange(1, channels + 1), t))
+        file[:, begin : begin + t.size] = tones + 0.1 * random.standard_normal(tones.shape)
+    file.flush()
+
+
+def powers(samples):
+    """(channels, samples) to (channels, means, bands). Frames overlap: a strided view of the samples."""
+    frames = np.lib.stride_tricks.sliding_window_view(samples, POINTS, axis=-1)[:, :-1:HOP]
+    spectra = orvgen.rfft(frames * WINDOW)
+    power = spectra.real**2 + spectra.imag**2
+    return power.reshape(len(samples), -1, MEAN, BANDS).mean(axis=2)
+
+
+def block_of(path, block_info=None):
+    """A block of the result from its place: reads what its frames cover."""
+    (channels, means, _) = block_info[None]["array-location"]
+    step = HOP * MEAN
+    samples = np.load(path, mmap_mode="r")
+    return powers(samples[slice(*channels), means[0] * step : means[1] * step + POINTS])
+
+
+def as_dask(path, channels, blocks):
+    means = BLOCK // (HOP * MEAN)
+    chunks = ((1,) * channels, (means,) * blocks, (BANDS,))
+    return da.map_blocks(partial(block_of, str(path)), chunks=chunks, dtype=np.float32, meta=np.empty((0, 0, 0), np.float32))
+
+
+def alone(path, blocks):
+    """The same without Dask: the recording from its beginning to its end in one call each channel."""
+    samples = np.load(path, mmap_mode="r")
+    return np.concatenate([powers(channel[None]) for channel in samples])
+
+
+def kill_one(client, seconds):
+    """Ends a worker while it works; its nanny starts another one."""
+
+    def kill():
+        # No address means that all is done already.
+        for address in list(client.scheduler_info()["workers"])[:1]:
+            os.kill(client.run(os.getpid, workers=[address])[address], signal.SIGKILL)
+
+    timer = threading.Timer(seconds, kill)
+    timer.start()
+    return timer
+
+
+def on_cluster(result, workers, kill_after=None):
+    """The result, the seconds that it took, and how many processes of workers there have been."""
+    with LocalCluster(n_workers=workers, threads_per_worker=1, processes=True, dashboard_address=None) as cluster:
+        with Client(cluster) as client:
+            client.wait_for_workers(workers)
+            before = set(client.run(os.getpid).values())
+            client.run(orvgen.which)  # the package is loaded
+            timer = kill_one(client, kill_after) if kill_after is not None else None
+            begin = time.perf_counter()
+            computed = result.compute()
+            seconds = time.perf_counter() - begin
+            if timer:
+                timer.join()
+                client.wait_for_workers(workers)
+            return computed, seconds, len(before | set(client.run(os.getpid).values()))
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--channels", type=int, default=16, metavar="N", help="channels of the recording (16)")
+    parser.add_argument("--seconds", type=float, default=60, metavar="S", help="at least so many seconds of it (60)")
+    parser.add_argument("--workers", type=int, nargs="+", default=[1, 2], metavar="N", help="numbers of workers (1 2)")
+    parser.add_argument("--kill", action="store_true", help="end a worker in the middle of the last run")
+    options = parser.parse_args()
+    blocks = max(1, int(np.ceil(options.seconds * RATE / BLOCK)))
+
+    dask.config.set({"distributed.worker.multiprocessing-method": "spawn", "distributed.logging.distributed": "error"})
+    with tempfile.TemporaryDirectory() as folder:
+        path = Path(folder) / "recording.npy"
+        write_recording(path, options.channels, blocks)
+        samples = options.channels * blocks * BLOCK
+        begin = time.perf_counter()
+        exact = alone(path, blocks)
+        seconds = time.perf_counter() - begin
+        print(f"{options.channels} channels of {blocks * BLOCK / RATE:.0f} s: {samples / 1e6:.0f} million samples, "
+              f"{samples // HOP / 1e6:.1f} million transforms")
+        print(f"this process alone:  {samples / seconds / 1e6:8.1f} million samples a second")
+
+        failed = False
+        result = as_dask(path, options.channels, blocks)
+        runs = [(n, None) for n in options.workers]
+        if options.kill:
+            runs.append((options.workers[-1], seconds / 4))
+        for workers, kill_after in runs:
+            computed, taken, processes = on_cluster(result, workers, kill_after)
+            same = computed.shape == exact.shape and computed.tobytes() == exact.tobytes()
+            failed |= not same or (kill_after is not None and processes <= workers)
+            note = f", {processes - workers} killed and replaced" if kill_after is not None else ""
+            print(f"{workers} worker{'s' if workers > 1 else ' '}:           {samples / taken / 1e6:8.1f} million samples a second, "
+                  f"{'the same bits' if same else 'OTHER BITS'}{note}")
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    raise SystemExit(main())
