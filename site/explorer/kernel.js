@@ -54,7 +54,7 @@ explorer.kernelView = (() => {
 
   const kClaims = {
     "lower bound": "lower bound: no algorithm takes fewer",
-    "fewest known": "fewest known: no published algorithm takes fewer",
+    "fewest known": "fewest known to us at this length",
     "known method": "count of a known method",
   };
 
@@ -65,7 +65,10 @@ explorer.kernelView = (() => {
       return [k.counted, k.ours, k.count, k.holds && k.count > 0 ? k.ours / k.count : "",
         kClaims[k.claim], condition, k.source];
     });
-    const missing = page.known.some((k) => k.claim === "fewest known") ? undefined
+    const growing = make("p", {}, "With growing length fewer are known to be enough (Alman and Rao, Faster " +
+      "Walsh-Hadamard and discrete Fourier transforms from matrix non-rigidity, STOC 2023), by an " +
+      "unknown number at short ones.");
+    const missing = page.known.some((k) => k.claim === "fewest known") ? growing
       : make("p", {}, "No count of the fewest known operations is cited for this length.");
     return [
       make("p", {}, "Here the scale is left out, signs are free, and a doubling is an addition. " +
