@@ -19,6 +19,9 @@ namespace {
 
 using namespace orvgen::test;
 
+// Added to a distance that is measured from rbp, not from the stack pointer.
+constexpr std::int64_t byRbp = std::int64_t{1} << 32;
+
 class UnwindTables {
   public:
     explicit UnwindTables(const char* path) : file_(open(path, O_RDONLY)) {
@@ -35,18 +38,19 @@ class UnwindTables {
     UnwindTables(const UnwindTables&) = delete;
     UnwindTables& operator=(const UnwindTables&) = delete;
 
-    // How far above the stack pointer the caller's frame begins, behind the return address; the
-    // address at which this changes next. -1: the table says nothing, or something else.
+    // How far above the stack pointer the caller's frame begins, behind the return address, or
+    // above rbp (then byRbp is added); the address at which this changes next. -1: the table says
+    // nothing, or something else.
     std::int64_t frameAt(std::uint64_t address, std::uint64_t& until) const {
-        constexpr int rsp = 7;  // by DWARF's numbers
+        constexpr int rbp = 6, rsp = 7;  // by DWARF's numbers
         Dwarf_Frame* frame = nullptr;
         if (dwarf_cfi_addrframe(cfi_, address, &frame) != 0) return -1;
         Dwarf_Op* ops = nullptr;
         std::size_t count = 0;
         std::int64_t offset = -1;
         if (dwarf_frame_cfa(frame, &ops, &count) == 0 && count == 1 && ops->atom == DW_OP_bregx &&
-            ops->number == rsp) {
-            offset = static_cast<std::int64_t>(ops->number2);
+            (ops->number == rsp || ops->number == rbp)) {
+            offset = static_cast<std::int64_t>(ops->number2) + (ops->number == rbp ? byRbp : 0);
         }
         Dwarf_Addr start = 0, end = 0;
         bool signal = false;
@@ -113,8 +117,18 @@ class Walk {
 
     // Whether the path goes on behind the instruction.
     bool apply(const Instruction& in, std::int64_t& depth) {
-        constexpr int rsp = 4;
+        constexpr int rsp = 4, rbp = 5;
         const Operand& first = in.operands[0];
+        // A frame of vectors of 32 bytes, which the second build has: rbp is saved, holds the place
+        // of the stack pointer while that is aligned, and gives both back.
+        if (isSecondBuild() && first.number == rbp && first.type == Operand::Type::general) {
+            if (in.mnemonic == "push" && depth == 8) return depth += 8, true;
+            if (in.mnemonic == "mov" && in.operands[1].number == rsp && depth == 16)
+                return depth += byRbp, true;
+        }
+        if (isSecondBuild() && in.mnemonic == "leave" && depth == 16 + byRbp)
+            return depth = 8, true;
+        if (depth >= byRbp && (in.mnemonic == "sub" || in.mnemonic == "and")) return true;
         if (in.kind == Kind::ret) {
             if (depth != 8) complain(in, "returns with a frame");
             return false;

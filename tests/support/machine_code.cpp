@@ -216,6 +216,8 @@ void classifyVex(Instruction& in) {
         if (row.bytes == 0) in.kind = Kind::foreign;
         in.aligned = row.aligned && in.mnemonic.starts_with("mova");
     }
+    // Half of a vector goes to memory as it stands.
+    if (in.mnemonic == "extractf128" && in.memory() == &in.operands[0]) in.kind = Kind::move;
     const Operand &a = in.operands[1], &b = in.operands[2];
     in.clears = (in.mnemonic == "xorps" || in.mnemonic == "xorpd" || in.mnemonic == "pxor") &&
                 a.type == b.type && a.number == b.number;
