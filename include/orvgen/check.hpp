@@ -44,7 +44,7 @@ concept Checkable = !std::is_lvalue_reference_v<Object> && requires(const Object
 template <detail::Checkable Object>
 Object check(Object&& object) {
     check(object.status());
-    return std::move(object);
+    return std::forward<Object>(object);
 }
 
 }  // namespace orvgen

@@ -63,7 +63,7 @@ errs() { grep -q -e "$1" "$copy/err" || problem "not said: $1"; }
 for arguments in nonsense lib ../dev "setup" "setup nonsense" "setup build nonsense" "audit x" "package x" "tidy x" \
     "accuracy x" "digests x" "figures x" "faults nonsense" "faults list x" "format x" "format --check x" "help nonsense" "help test x" \
     "test list x" "which a b" "which nothing" \
-    "fuzz x" "fuzz wht 0" "fuzz wht 1 2" "abi x" "test a b c" "test nothing" "test -R nothing" "show"; do
+    "fuzz x" "fuzz wht 0" "fuzz wht 1 2" "abi x" "release" "release x" "test a b c" "test nothing" "test -R nothing" "show"; do
     read -ra words <<<"$arguments"
     gives 2 "${words[@]}"
     logs_not "--build"

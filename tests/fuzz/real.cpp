@@ -12,8 +12,9 @@ namespace {
 #define FAMILIES(T)                                                                    \
     ORVGEN_LENGTHS(TO_CCS, DFTFwd_RToCCS, T)                                           \
     ORVGEN_LENGTHS(SAME, DFTFwd_RToPack, T)                                            \
-    ORVGEN_LENGTHS(SAME, DFTFwd_RToPerm, T) ORVGEN_LENGTHS(FROM_CCS, DFTInv_CCSToR, T) \
-        ORVGEN_LENGTHS(SAME, DFTInv_PackToR, T) ORVGEN_LENGTHS(SAME, DFTInv_PermToR, T)
+    ORVGEN_LENGTHS(SAME, DFTFwd_RToPerm, T)                                            \
+    ORVGEN_LENGTHS(FROM_CCS, DFTInv_CCSToR, T) ORVGEN_LENGTHS(SAME, DFTInv_PackToR, T) \
+        ORVGEN_LENGTHS(SAME, DFTInv_PermToR, T)
 const Kernel kernels[] = {FAMILIES(32f) FAMILIES(64f)};
 
 }  // namespace
