@@ -4,9 +4,9 @@
 #include <stdexcept>
 
 #include "flow_data.h"
+#include "generator/design.h"
 #include "generator/head.h"
 #include "generator/operations.h"
-#include "generator/required.h"
 #include "plan_tree.h"
 
 namespace orvgen::site {
@@ -68,9 +68,9 @@ Json knownJson(const Kernel& kernel, const FamilyInfo& family,
     return array(rows);
 }
 
-Json requiredJson(const std::string& tables, const FamilyInfo& family, int number) {
+Json designJson(const std::string& tables, const FamilyInfo& family, int number) {
     std::vector<Json> rows;
-    for (const auto& row : generator::requiredRows(tables, family, number)) {
+    for (const auto& row : generator::designRows(tables, family, number)) {
         std::string text;
         for (const auto& [column, value] : row.cells)
             text += (text.empty() ? "" : ", ") + column + " " + value;
@@ -137,7 +137,7 @@ Json pageOf(const Kernel& kernel, const FamilyInfo& family, int length, const st
                    {"known", knownJson(kernel, family, operations)},
                    {"largestConstant", number(largestConstant(kernel))},
                    {"magnitude", number(generator::errorBoundOf(kernel).magnitude)},
-                   {"tables", requiredJson(tables, family, length)},
+                   {"tables", designJson(tables, family, length)},
                    {"flow", flowOf(kernel)},
                    {"assembly", quoted(marked(assembly, kernel.name))}});
 }

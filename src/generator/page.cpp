@@ -6,9 +6,9 @@
 #include <sstream>
 
 #include "dct4/notation.h"
+#include "design.h"
 #include "kernelgen/compile.h"
 #include "operations.h"
-#include "required.h"
 
 namespace orvgen::generator {
 
@@ -58,8 +58,8 @@ void printPage(std::ostream& out, const KernelFamily& family, int number,
         << "  additions        " << lines.additions << "\n"
         << "  multiplications  " << lines.multiplications << "\n"
         << "  conversions      " << lines.conversions << "\n";
-    for (const RequiredRow& row : requiredRows(tables, *family.info, number)) {
-        out << "  the table says  ";
+    for (const DesignRow& row : designRows(tables, *family.info, number)) {
+        out << "  design          ";
         for (const auto& [column, value] : row.cells) out << " " << column << " " << value << ";";
         out << " (" << row.table << ")\n";
     }

@@ -17,9 +17,9 @@ namespace orvgen::generator {
 namespace {
 
 struct Page {
-    std::vector<std::string> labels;              // in their order, those of the tables once
-    std::map<std::string, std::string> line;      // by label
-    std::map<std::string, std::string> required;  // cells of the tables, by column
+    std::vector<std::string> labels;            // in their order, those of the tables once
+    std::map<std::string, std::string> line;    // by label
+    std::map<std::string, std::string> design;  // cells of the tables, by column
     std::string assembly;
 };
 
@@ -37,10 +37,10 @@ Page pageOf(const KernelFamily& family, int number) {
         const std::string rest = line.substr(19);
         page.line[label] = rest;
         std::istringstream cells(rest);
-        for (std::string cell; label == "the table says" && std::getline(cells, cell, ';');) {
+        for (std::string cell; label == "design" && std::getline(cells, cell, ';');) {
             std::istringstream words(cell);
             std::string column, value;
-            if (words >> column >> value) page.required[column] = value;
+            if (words >> column >> value) page.design[column] = value;
         }
     }
     std::getline(lines, page.assembly, '\0');
@@ -50,18 +50,18 @@ Page pageOf(const KernelFamily& family, int number) {
 int firstNumber(const std::string& text) { return std::stoi(text); }
 
 TEST(Page, HasTheSameLinesInEveryFamilyAndAgreesWithTheTables) {
-    const std::vector<std::string> labels = {"computed as",  "additions",      "multiplications",
-                                             "conversions",  "the table says", "error bound",
-                                             "instructions", "frame",          "cycles"};
+    const std::vector<std::string> labels = {"computed as",  "additions", "multiplications",
+                                             "conversions",  "design",    "error bound",
+                                             "instructions", "frame",     "cycles"};
     for (const KernelFamily& family : allFamilies()) {
         for (const int length : {3, 5, 9, 12}) {
             SCOPED_TRACE(memberName(*family.info, length));
             Page page = pageOf(family, length);
             EXPECT_EQ(page.labels, labels);
             const auto agrees = [&](const char* label, int besides = 0) {
-                if (page.required.contains(label)) {
+                if (page.design.contains(label)) {
                     EXPECT_EQ(firstNumber(page.line[label]) - besides,
-                              std::stoi(page.required[label]));
+                              std::stoi(page.design[label]));
                 }
             };
             // The tables of the complex binary32 kernels leave the scale out.

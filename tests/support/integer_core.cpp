@@ -9,6 +9,7 @@
 #include <set>
 #include <stdexcept>
 
+#include "support/integer_arithmetic.h"
 #include "support/integer_state.h"
 
 namespace orvgen::test {
@@ -424,80 +425,19 @@ class Core {
             const Value old = read(a);
             write(a, flags.condition(m.substr(4)) ? v : old);
         } else {
-            arithmetic(in, m, a, b);
+            arithmetic(in);
         }
         if (reg[rsp].known && reg[rsp].bits < entryStack) deepest(reg[rsp].bits);
     }
 
-    void arithmetic(const Instruction& in, const std::string& m, const Operand& a,
-                    const Operand& b) {
-        const int size = a.size;
-        const Value x = read(a);
-        Value y = in.operandCount > 1 ? read(b) : Value{0, true};
-        y.bits &= mask(size);
-        // A register combined with itself: the result is known whatever it holds.
-        const bool same = in.operandCount == 2 && b.type == Operand::Type::general &&
-                          a.type == Operand::Type::general && a.number == b.number;
-        Value r{0, x.known && y.known};
-        const std::uint64_t sign = std::uint64_t{1} << (8 * size - 1);
-        bool writes = true, carry = false, overflow = false, keepCarry = false;
-        if (m == "add" || m == "inc") {
-            if (m == "inc") y.bits = 1, keepCarry = true;
-            r.bits = (x.bits + y.bits) & mask(size);
-            carry = r.bits < x.bits;
-            overflow = (~(x.bits ^ y.bits) & (x.bits ^ r.bits) & sign) != 0;
-        } else if (m == "sub" || m == "cmp" || m == "dec" || m == "neg") {
-            std::uint64_t from = x.bits;
-            if (m == "dec") y.bits = 1, keepCarry = true;
-            if (m == "neg") from = 0, y.bits = x.bits;
-            r.bits = (from - y.bits) & mask(size);
-            carry = from < y.bits;
-            overflow = ((from ^ y.bits) & (from ^ r.bits) & sign) != 0;
-            writes = m != "cmp";
-            if (same) r = {0, true}, carry = overflow = false;
-        } else if (m == "and" || m == "test" || m == "or" || m == "xor") {
-            r.bits = m == "or" ? x.bits | y.bits : m == "xor" ? x.bits ^ y.bits : x.bits & y.bits;
-            if (m == "xor" && same) r = {0, true};
-            writes = m != "test";
-        } else if (m == "not") {
-            write(a, {~x.bits, x.known});
-            return;
-        } else if (m == "shl" || m == "sal" || m == "shr" || m == "sar") {
-            const unsigned count = static_cast<unsigned>(y.bits) & (size == 8 ? 63U : 31U);
-            if (in.operandCount < 2) throw Stop{"shift not understood"};
-            if (count == 0) return;
-            const auto value = static_cast<std::int64_t>(signExtend(x.bits, size));
-            if (m == "shr") {
-                r.bits = x.bits >> count;
-                carry = ((x.bits >> (count - 1)) & 1) != 0;
-            } else if (m == "sar") {
-                r.bits = static_cast<std::uint64_t>(value >> count) & mask(size);
-                carry = ((value >> (count - 1)) & 1) != 0;
-            } else {
-                r.bits = (x.bits << count) & mask(size);
-                carry = ((x.bits << (count - 1)) & sign) != 0;
-            }
-        } else if (m == "imul") {
-            if (in.operandCount == 1) throw Stop{"product not understood"};
-            const Value p = in.operandCount == 3 ? read(b) : x;
-            const Value q = in.operandCount == 3 ? read(in.operands[2]) : y;
-            write(a, {p.bits * q.bits, p.known && q.known});
-            flags.known = false;
-            return;
-        } else if (m == "bt") {
-            const std::uint64_t bit = y.bits & static_cast<unsigned>(8 * size - 1);
-            flags.carry = ((x.bits >> bit) & 1) != 0;
-            flags.known = r.known;
-            return;
-        } else {
-            throw Stop{"instruction not understood"};
-        }
-        const bool old = flags.carry;
-        flags.setResult(r.bits, size);
-        flags.carry = keepCarry ? old : carry;
-        flags.overflow = overflow;
-        flags.known = r.known;
-        if (writes) write(a, r);
+    void arithmetic(const Instruction& in) {
+        const auto operand = [&](int i) {
+            return i < in.operandCount ? read(in.operands[static_cast<std::size_t>(i)])
+                                       : Value{0, true};
+        };
+        const Outcome outcome = calculate(in, operand(0), operand(1), operand(2), flags);
+        flags = outcome.flags;
+        if (outcome.result) write(in.operands[0], *outcome.result);
     }
 };
 

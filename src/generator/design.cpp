@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "required.h"
+#include "design.h"
 
 #include <fstream>
 
@@ -41,10 +41,9 @@ std::vector<std::string> tablesOf(const FamilyInfo& family) {
 
 }  // namespace
 
-std::vector<RequiredRow> requiredRows(const std::string& folder, const FamilyInfo& family,
-                                      int number) {
+std::vector<DesignRow> designRows(const std::string& folder, const FamilyInfo& family, int number) {
     const bool wide = !family.isSingle();
-    std::vector<RequiredRow> rows;
+    std::vector<DesignRow> rows;
     for (const std::string& table : tablesOf(family)) {
         std::ifstream file(folder + "/" + table + ".csv");
         std::vector<std::string> columns;
@@ -60,7 +59,7 @@ std::vector<RequiredRow> requiredRows(const std::string& folder, const FamilyInf
             if (values[at] != std::to_string(number) ||
                 (at == 1 && values[0] != (wide ? "f64" : "f32")))
                 continue;
-            RequiredRow row{table, {}};
+            DesignRow row{table, {}};
             for (std::size_t i = at + 1; i < values.size() && i < columns.size(); ++i) {
                 // Some tables serve both types and count the conversions of binary32.
                 if (!values[i].empty() && (!wide || columns[i] != "conversions"))

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The rows of the count tables that speak of a kernel, for `show`.
+// The rows of the tables of design counts that speak of a kernel, for `show`.
 #pragma once
 
 #include <string>
@@ -10,13 +10,12 @@
 
 namespace orvgen::generator {
 
-struct RequiredRow {
+struct DesignRow {
     std::string table;
     std::vector<std::pair<std::string, std::string>> cells;  // column, value
 };
 
 // The rows of a length or order in the tables (CSV files in `folder`) of its family.
-std::vector<RequiredRow> requiredRows(const std::string& folder, const FamilyInfo& family,
-                                      int number);
+std::vector<DesignRow> designRows(const std::string& folder, const FamilyInfo& family, int number);
 
 }  // namespace orvgen::generator
