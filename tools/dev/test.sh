@@ -11,6 +11,11 @@
 files_of_tests() {
     ctest --preset "$preset" -N -V "$@" | awk -v root="$PWD/$build/" '
         NR == FNR { sub(/:[^:]*$/, ""); known[$0] = 1; next }
+        # A program that is not built yet has no command.
+        /^Could not find executable / {
+            file = substr($5, length(root) + 1)
+            files[file in known ? file : "all"]
+        }
         /^[0-9]+: Test command: / {
             found = inside = 0
             for (i = 4; i <= NF; ++i) {
