@@ -49,7 +49,7 @@ explorer.kernelView = (() => {
     }
     return [table("Real operations of the kernel", ["Operation", "Number", ""], rows),
       ...notes.map((note) => make("p", {}, note)),
-      ...page.tables.map(([name, text]) => make("p", {}, `The table ${name} asks for: ${text}.`))];
+      ...page.tables.map(([name, text]) => make("p", {}, `The design, in the table ${name}: ${text}.`))];
   }
 
   const kClaims = {
