@@ -34,6 +34,8 @@ has the same line in its head. The lines are plans ([plan.h](../src/plan/plan.h)
 | 16{bins renumbered}, 17{samples renumbered} | a block whose root exponent is met by the order of its bins or samples | `renumbered` in [lanes.h](../src/flows/lanes.h) | |
 | T{conjugate rows} | complex rows by the row of the conjugate bins | [cooley_tukey.h](../src/flows/cooley_tukey.h) | |
 | T{columns 0 2 4}, T{twiddles of columns} | representatives of the columns; columns instead of rows in the lanes of a twiddle vector | | [complex_join.h](../src/dft/complex_join.h) |
+| passes of 6, 3 layers | a Walsh-Hadamard transform: how many layers of two-point butterflies each pass over memory does | `blockPass`, `columnPass` in [passes.h](../src/wht/passes.h), cuts in [arrangement.h](../src/wht/arrangement.h) | |
+| r = 32, n = 16 T 8 | a DCT-IV: odd-frequency transforms of n points, then blocks of radix r; `./dev show DCT4_4096_32f` prints the nodes | `oddFrequency` in [oddfrequency.h](../src/dct4/flows/oddfrequency.h), `stageTwo` in [stagetwo.h](../src/dct4/flows/stagetwo.h) | |
 
 The first factor of a join runs first: of an inverse transform that is the one across the bins. Complex rows of real
 data run in lanes by the plan of the real rows, and odd lengths at odd frequencies by that plan with alternating signs,
