@@ -94,7 +94,8 @@ TEST(Figures, PassesAndBuffersOfTheWalshHadamardTransforms) {
             row += " | " + layers(wht::cutOf(e, k)) + " | " + number(wht::bufferBytes(e, k));
         EXPECT_TRUE(says("docs/walsh-hadamard.md", row + " |")) << row;
     }
-    EXPECT_TRUE(says("docs/walsh-hadamard.md", "| 1 to " + number(straight) + " | all | 0 | all | 0 |"));
+    EXPECT_TRUE(
+        says("docs/walsh-hadamard.md", "| 1 to " + number(straight) + " | all | 0 | all | 0 |"));
 }
 
 // What the flows of the kernels are counted against.

@@ -1,5 +1,6 @@
 /* SPDX-License-Identifier: MIT */
-/* Prints which file of the library it runs with, having computed something by it. With an argument it loads that file. */
+/* Prints which file of the library it runs with, having computed something by it. With an argument
+ * it loads that file. */
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <orvgen.h>
