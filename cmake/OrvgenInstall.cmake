@@ -1,11 +1,11 @@
 # SPDX-License-Identifier: MIT
-# Installed: the library in both builds (component `library`); archive, headers, CMake package and pkg-config file
+# Installed: the library in both builds (component `library`); archives, headers, CMake package and pkg-config file
 # (`development`); and only where it is named, `--component core`, the core library's stand-in.
 
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
-install(TARGETS orvgen orvgen_static orvgen_batch EXPORT orvgen
+install(TARGETS orvgen orvgen_static orvgen_batch orvgen_batch_static EXPORT orvgen
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
     INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})

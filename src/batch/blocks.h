@@ -47,11 +47,22 @@ void packSlots(R* slots, Layout layout, int n) {
     }
 }
 
-// From how many transforms on a block pays, against the single kernels one after another.
+// From how many transforms on what is left pays as a block with idle lanes, against the single
+// kernels one after another: by length, below 8, 16, 32 and from there on. As measured; a block is
+// as much work for one transform as for all, and some 100 cycles besides.
 template <class R>
-constexpr int worthwhile(Kind kind) {
+constexpr int worthwhile(Kind kind, int n) {
+    constexpr int lanes = Vectors<R>::lanes;
     const bool complex = kind == Kind::Forward || kind == Kind::Inverse;
-    return (complex ? 5 : 3) * Vectors<R>::lanes / 8 + 1;
+    struct Row {
+        int from[4];
+    };
+    constexpr bool isSingle = sizeof(R) == 4, isWide = lanes * sizeof(R) == 64;
+    constexpr Row real = isSingle ? (isWide ? Row{16, 13, 7, 5} : Row{8, 7, 5, 4})
+                                  : (isWide ? Row{8, 8, 7, 4} : Row{4, 4, 4, 3});
+    constexpr Row pairs = isSingle ? (isWide ? Row{16, 13, 9, 7} : Row{8, 8, 7, 6})
+                                   : (isWide ? Row{8, 8, 8, 5} : Row{4, 4, 4, 4});
+    return (complex ? pairs : real).from[n < 8 ? 0 : n < 16 ? 1 : n < 32 ? 2 : 3];
 }
 
 // Rows of complex elements on both sides, by a kernel of their own if there is one. Returns how
@@ -79,7 +90,7 @@ class Blocks {
           kernel_(kernelOf<R>(task.kind, task.n)),
           src_(task.src, task.srcLayout, task.n),
           dst_(task.dst, task.dstLayout, task.n),
-          sameSlots_(task.srcLayout == task.dstLayout) {
+          sameSlots_(task.srcLayout == task.dstLayout && src_.apart == dst_.apart) {
         if (src_.path == Path::PairedColumns && dst_.path == Path::PairedColumns)
             src_.inOrder = dst_.inOrder = false;
         // The half spectrum has a slot or two more in the scratch than packed.
@@ -93,7 +104,7 @@ class Blocks {
         const std::size_t most = direct                  ? std::numeric_limits<int>::max()
                                  : larger >= kGroupBytes ? 1
                                                          : std::size_t(kGroupBytes / larger);
-        return walkGroups<R>(task_.count, worthwhile<R>(task_.kind), most,
+        return walkGroups<R>(task_.count, worthwhile<R>(task_.kind, task_.n), most,
                              [&](const Group<R>& g) { group(g); });
     }
 
@@ -112,7 +123,9 @@ class Blocks {
         return {a.re + first, a.im == nullptr ? nullptr : a.im + first,
                 a.stride * static_cast<std::ptrdiff_t>(sizeof(R)), kSlotBytes};
     }
-    static Side<R> inScratch(R* slots, bool pairs, std::ptrdiff_t block) {
+    static Side<R> inScratch(R* slots, Layout layout, const Form& form, std::ptrdiff_t block) {
+        if (form.apart) return {slots, slots + form.elements * lanes, kSlotBytes, block};
+        const bool pairs = layout != Layout::Real;
         return {slots, slots + lanes, pairs ? 2 * kSlotBytes : kSlotBytes, block};
     }
 
@@ -133,12 +146,11 @@ class Blocks {
         if (takesSrc) {
             src = inPlace(task_.src, g.first);
         } else {
-            const Side<R> in = inScratch(scratch.in, task_.srcLayout != Layout::Real, srcBlock_);
+            const Side<R> in = inScratch(scratch.in, task_.srcLayout, src_, srcBlock_);
             src = {in.re, in.im, in.step, in.block};
         }
-        const Side<R> dst = takesDst
-                                ? inPlace(task_.dst, g.first)
-                                : inScratch(results, task_.dstLayout != Layout::Real, dstBlock_);
+        const Side<R> dst = takesDst ? inPlace(task_.dst, g.first)
+                                     : inScratch(results, task_.dstLayout, dst_, dstBlock_);
         kernel_(src.re, src.im, src.step, dst.re, dst.im, dst.step, task_.scale,
                 static_cast<std::size_t>(g.blocks), src.block, dst.block);
         if (!takesDst) bring(results, g);

@@ -32,6 +32,8 @@ OrvStatus check(bool hasLength, std::initializer_list<const void*> pointers, std
 // The blocks by the current target, and what they leave by the single kernels.
 template <class AnyTask>
 void run(const AnyTask& task) {
+    // A single transform is never worth a vector of them.
+    if (task.count == 1) return runSingles(task, 0);
     std::size_t done = 0;
     switch (currentTarget()) {
 #if ORVGEN_BATCH_AVX512

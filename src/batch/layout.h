@@ -20,7 +20,10 @@ enum class Path : std::uint8_t {
 template <class R>
 Path pathOf(const Array<R>& a, Layout layout) {
     if (isPairs(layout)) {
-        if (!a.isInterleaved()) return a.distance == 1 ? Path::Direct : Path::Elements;
+        if (!a.isInterleaved()) {
+            if (a.distance == 1) return Path::Direct;
+            return a.stride == 1 ? Path::Rows : Path::Elements;
+        }
         if (a.stride == 2) return Path::Rows;
         return a.distance == 2 ? Path::PairedColumns : Path::Elements;
     }
@@ -35,11 +38,14 @@ struct Form {
     Form(const Array<R>& a, Layout layout, int n)
         : path(pathOf(a, layout)),
           paired(isPairs(layout)),
+          apart(paired && !a.isInterleaved()),
           elements(elementsOf(layout, n)),
           slots(paired ? 2 * elements : elements) {}
 
     Path path;
     bool paired;
+    // Real and imaginary parts are arrays of their own: in the scratch too, one behind the other.
+    bool apart;
     int elements, slots;  // of one transform
     // The lanes are the transforms in their order; where both sides are columns of pairs, they need
     // not be.
@@ -112,11 +118,10 @@ ORVGEN_DCT4_INLINE void overColumns(int slots, const Chunk& chunk) {
 // are written out by unroll, so that the vectors stay in registers; the loop over blocks is the
 // inner one, as rows may be short.
 template <class R, bool complete>
-void gatherRows(const Array<const R>& a, const Group<R>& group, int slots, R* to,
+void gatherRows(const R* p, std::ptrdiff_t distance, const Group<R>& group, int slots, R* to,
                 std::ptrdiff_t step) {
     using Vs = Vectors<R>;
-    const std::ptrdiff_t distance = a.distance;
-    const R* const first = a.re + group.first * distance;
+    const R* const first = p + group.first * distance;
     overColumns<R>(slots, [&](auto columns, int at) ORVGEN_DCT4_INLINE_LAMBDA {
         const R* from = first + at;
         R* out = to + at * Vs::lanes;
@@ -132,11 +137,10 @@ void gatherRows(const Array<const R>& a, const Group<R>& group, int slots, R* to
 }
 
 template <class R, bool complete>
-void scatterRows(const R* from, std::ptrdiff_t step, int slots, const Group<R>& group,
-                 const Array<R>& a) {
+void scatterRows(const R* from, std::ptrdiff_t step, int slots, const Group<R>& group, R* p,
+                 std::ptrdiff_t distance) {
     using Vs = Vectors<R>;
-    const std::ptrdiff_t distance = a.distance;
-    R* const first = a.re + group.first * distance;
+    R* const first = p + group.first * distance;
     overColumns<R>(slots, [&](auto columns, int at) ORVGEN_DCT4_INLINE_LAMBDA {
         const R* in = from + at * Vs::lanes;
         R* to = first + at;
@@ -217,9 +221,15 @@ template <class R>
 void gather(const Array<const R>& a, const Form& form, const Group<R>& group, R* to,
             std::ptrdiff_t step) {
     constexpr int lanes = Vectors<R>::lanes;
-    if (form.path == Path::Rows)
-        return group.isComplete() ? gatherRows<R, true>(a, group, form.slots, to, step)
-                                  : gatherRows<R, false>(a, group, form.slots, to, step);
+    if (form.path == Path::Rows) {
+        const auto rows = [&](const R* p, int slots, R* out) {
+            group.isComplete() ? gatherRows<R, true>(p, a.distance, group, slots, out, step)
+                               : gatherRows<R, false>(p, a.distance, group, slots, out, step);
+        };
+        if (!form.apart) return rows(a.re, form.slots, to);
+        rows(a.re, form.elements, to);
+        return rows(a.im, form.elements, to + form.elements * lanes);
+    }
     for (int i = 0; i < group.blocks; ++i, to += step) {
         const Block<R> block = group.block(i);
         // Vectors of an incomplete block would touch what is not the batch's.
@@ -229,8 +239,10 @@ void gather(const Array<const R>& a, const Form& form, const Group<R>& group, R*
             form.inOrder ? gatherPairedColumns<R, true>(a, block, form.elements, to)
                          : gatherPairedColumns<R, false>(a, block, form.elements, to);
         } else if (form.paired) {
-            gatherElements(a.re, a, block, form.elements, to, 2 * lanes);
-            gatherElements(a.im, a, block, form.elements, to + lanes, 2 * lanes);
+            const int next = form.apart ? lanes : 2 * lanes;
+            R* const im = to + (form.apart ? form.elements : 1) * lanes;
+            gatherElements(a.re, a, block, form.elements, to, next);
+            gatherElements(a.im, a, block, form.elements, im, next);
         } else {
             gatherElements(a.re, a, block, form.elements, to, lanes);
         }
@@ -241,9 +253,15 @@ template <class R>
 void scatter(const R* from, std::ptrdiff_t step, const Form& form, const Group<R>& group,
              const Array<R>& a) {
     constexpr int lanes = Vectors<R>::lanes;
-    if (form.path == Path::Rows)
-        return group.isComplete() ? scatterRows<R, true>(from, step, form.slots, group, a)
-                                  : scatterRows<R, false>(from, step, form.slots, group, a);
+    if (form.path == Path::Rows) {
+        const auto rows = [&](const R* in, int slots, R* p) {
+            group.isComplete() ? scatterRows<R, true>(in, step, slots, group, p, a.distance)
+                               : scatterRows<R, false>(in, step, slots, group, p, a.distance);
+        };
+        if (!form.apart) return rows(from, form.slots, a.re);
+        rows(from, form.elements, a.re);
+        return rows(from + form.elements * lanes, form.elements, a.im);
+    }
     for (int i = 0; i < group.blocks; ++i, from += step) {
         const Block<R> block = group.block(i);
         if (group.isComplete() && form.path == Path::Columns) {
@@ -252,8 +270,10 @@ void scatter(const R* from, std::ptrdiff_t step, const Form& form, const Group<R
             form.inOrder ? scatterPairedColumns<R, true>(from, form.elements, block, a)
                          : scatterPairedColumns<R, false>(from, form.elements, block, a);
         } else if (form.paired) {
-            scatterElements(from, 2 * lanes, block, form.elements, a, a.re);
-            scatterElements(from + lanes, 2 * lanes, block, form.elements, a, a.im);
+            const int next = form.apart ? lanes : 2 * lanes;
+            const R* const im = from + (form.apart ? form.elements : 1) * lanes;
+            scatterElements(from, next, block, form.elements, a, a.re);
+            scatterElements(im, next, block, form.elements, a, a.im);
         } else {
             scatterElements(from, lanes, block, form.elements, a, a.re);
         }

@@ -44,12 +44,10 @@ bool isContiguous(const Array<R>& a, Layout layout) {
     return isPairs(layout) ? a.stride == 2 && a.isInterleaved() : a.stride == 1;
 }
 
-}  // namespace
-
+// One transform after the other through arrays of contiguous elements, where the task's are none.
 template <class R>
-void runSingles(const Task<R>& task, std::size_t first) {
-    const bool takesSrc = isContiguous(task.src, task.srcLayout) && !task.readsBehind;
-    const bool takesDst = isContiguous(task.dst, task.dstLayout);
+[[gnu::noinline]] void runThroughCopies(const Task<R>& task, std::size_t first, bool takesSrc,
+                                        bool takesDst) {
     constexpr int most = 2 * (kLengths.last + 1);  // with an element behind
     alignas(16) R x[most], y[most];
     x[2 * task.n] = x[2 * task.n + 1] = 0;
@@ -63,6 +61,23 @@ void runSingles(const Task<R>& task, std::size_t first) {
         R* to = takesDst ? task.dst.re + t * task.dst.distance : y;
         static_cast<void>(task.single(from, to, task.n, task.flag));
         if (!takesDst) scatter(y, task.dstLayout, task.n, task.dst, t);
+    }
+}
+
+}  // namespace
+
+template <class R>
+void runSingles(const Task<R>& task, std::size_t first) {
+    const bool takesSrc = isContiguous(task.src, task.srcLayout) && !task.readsBehind;
+    const bool takesDst = isContiguous(task.dst, task.dstLayout);
+    if (!takesSrc || !takesDst) return runThroughCopies(task, first, takesSrc, takesDst);
+    const auto t = static_cast<std::ptrdiff_t>(first);
+    const R* from = task.src.re + t * task.src.distance;
+    R* to = task.dst.re + t * task.dst.distance;
+    for (std::size_t left = task.count - first; left > 0; --left) {
+        static_cast<void>(task.single(from, to, task.n, task.flag));
+        from += task.src.distance;
+        to += task.dst.distance;
     }
 }
 

@@ -93,6 +93,16 @@ case $name in
         module=orvgen-batch
         compile_by_pkg_config "$cc" use_batch.c
         ;;
+    batch_static_c) install_package; consume find C -DCONSUMER_LIBRARY=orvgen::batch_static -DCONSUMER_SOURCE=use_batch.c ;;
+    batch_static_cpp) install_package; consume find CXX -DCONSUMER_LIBRARY=orvgen::batch_static -DCONSUMER_SOURCE=use_batch.cpp ;;
+    batch_static_pkg_config)
+        install_package
+        module=orvgen-batch
+        # shellcheck disable=SC2046
+        "$cc" -static "$here/consumer/use_batch.c" $(pkg_config --static --cflags --libs) -o "$folder/consumer"
+        ! readelf -dW "$folder/consumer" | grep -q NEEDED || fail "not static"
+        "$folder/consumer"
+        ;;
 
     subdirectory | fetch_content)
         if [[ $name == subdirectory ]]; then by=subdirectory; else by=fetch; fi
@@ -160,6 +170,7 @@ case $name in
         mv "$folder/stage/opt/orvgen" "$prefix"
         for file in "include/orvgen.h" "include/orvgen_batch.h" "include/orvgen.hpp" "include/orvgen_batch.hpp" \
             "include/orvgen/values.hpp" "share/man/man7/orvgen.7" "share/man/man3/orvgHartley_9_64f.3" "$libdir/liborvgenbatch.so" "$libdir/liborvgenbatch.so.1" \
+            "$libdir/liborvgenbatch.a" \
             "$libdir/pkgconfig/orvgen-batch.pc" "$libdir/liborvgenm7.so" "$libdir/liborvgenm7.so.6.1" "$libdir/liborvgenm7.a" \
             "$libdir/$core" "$libdir/pkgconfig/orvgen.pc" "$libdir/cmake/orvgen/orvgenConfig.cmake" \
             "share/doc/orvgen/LICENSE"; do
