@@ -17,16 +17,18 @@ namespace {
 
 using Four = std::array<float, 4>;
 
-// The vectors of four that a call reads from the library's constants.
+// The vectors of four that a call reads from the library's constants, alone or in pairs.
 std::vector<Four> vectorsOf(const std::string& function) {
     std::vector<Four> list;
     for (const Step& s : traceOf(function).steps) {
-        if (!s.access || s.access->region != Region::constants || s.access->size != 16) continue;
-        const auto bytes =
-            library().image().bytes(static_cast<std::uint64_t>(s.access->offset), 16);
-        Four v{};
-        std::memcpy(v.data(), bytes.data(), 16);
-        list.push_back(v);
+        if (!s.access || s.access->region != Region::constants) continue;
+        for (int at = 0; at + 16 <= s.access->size; at += 16) {
+            const auto bytes =
+                library().image().bytes(static_cast<std::uint64_t>(s.access->offset + at), 16);
+            Four v{};
+            std::memcpy(v.data(), bytes.data(), 16);
+            list.push_back(v);
+        }
     }
     return list;
 }
