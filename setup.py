@@ -25,16 +25,18 @@ release = re.search(r'^#define ORVGEN_VERSION_TEXT "(.*)"', header, re.M).group(
 
 class BuildByCMake(build_ext):
     def run(self):
-        build = Path(os.environ.get("ORVGEN_BUILD_DIR") or root / "build" / "python").resolve()
-        options = [
-            "-DORVGEN_PYTHON=ON",
-            f"-DPython_EXECUTABLE={sys.executable}",
-            *shlex.split(os.environ.get("ORVGEN_CMAKE_ARGS", "")),
-        ]
-        if not (build / "CMakeCache.txt").exists():
+        known = os.environ.get("ORVGEN_BUILD_DIR")
+        build = Path(known or root / "build" / "python").resolve()
+        options = ["-DORVGEN_PYTHON=ON"]
+        if not known:
             options += [f"-DORVGEN_{part}=OFF" for part in ("TESTS", "BENCH", "EXAMPLES")]
-            options += [f"-DORVGEN_KERNEL_DIR={root / 'build' / 'kernels'}", "-DCMAKE_BUILD_TYPE=Release"]
+            options += [
+                f"-DORVGEN_KERNEL_DIR={root / 'build' / 'kernels'}",
+                f"-DPython_EXECUTABLE={sys.executable}",
+                "-DCMAKE_BUILD_TYPE=Release",
+            ]
             options += ["-G", "Ninja"] if shutil.which("ninja") else []
+        options += shlex.split(os.environ.get("ORVGEN_CMAKE_ARGS", ""))
         jobs = str(len(os.sched_getaffinity(0)))
         for command in (
             ["cmake", "-S", root, "-B", build, *options],

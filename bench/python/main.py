@@ -37,7 +37,7 @@ def data(shape, char):
     return x.astype(char)
 
 
-def contenders(name, x, axis, workers):
+def contenders(name, x, axis, workers, only_scipy=False):
     """Calls by library: ours with a fresh result and into a given place, and the others'."""
     ours = getattr(orvgen, name)
     place = ours(x, axis=axis)
@@ -47,6 +47,8 @@ def contenders(name, x, axis, workers):
         "out": lambda: ours(x, n, axis, None, place, workers=workers),
         "scipy": lambda: getattr(scipy.fft, name)(x, n, axis, workers=workers),
     }
+    if only_scipy:
+        return calls
     if workers == 1:
         calls["numpy"] = lambda: getattr(np.fft, name)(x, n, axis)
     if pyfftw is not None:
@@ -143,6 +145,7 @@ def plot(path, rows):
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--lengths", type=int, nargs="+", default=range(2, 65), metavar="N", help="lengths of the plot")
+    parser.add_argument("--only-lengths", action="store_true", help="no table of shapes, only the plot")
     parser.add_argument("--quick", action="store_true", help="small arrays and short bursts, to see that all works")
     parser.add_argument("--out", type=Path, default=Path("."), metavar="FOLDER", help="where tables and plot go")
     options = parser.parse_args()
@@ -153,6 +156,13 @@ def main():
     print(f"orvgen {w.release} on {w.target}, NumPy {np.__version__}, SciPy {scipy.__version__}, "
           f"{'pyFFTW ' + pyfftw.__version__ if pyfftw else 'no pyFFTW'}, Python {sys.version.split()[0]}\n"
           "other library's time / ours; fresh: a new array each call, out: out= given\n")
+    if not options.only_lengths:
+        tabulate(options.out, turns, seconds, less)
+    draw(options, turns, seconds, less)
+
+
+def tabulate(folder, turns, seconds, less):
+    """The table of shapes, libraries and threads."""
     rows = []
     for shape, axis in (((1_000_000 // less, 16), -1), ((100_000 // less, 48), -1), ((64, 100_000 // less), 0)):
         for name, char in (("fft", "F"), ("rfft", "f"), ("fft", "D")):
@@ -164,16 +174,22 @@ def main():
         for name, char in (("fft", "F"), ("rfft", "f")):
             rows.append(row_of(name, (n,), char, -1, 1, turns, seconds))
     show(rows)
-    write(options.out / "table.csv", rows)
+    write(folder / "table.csv", rows)
+    print()
 
+
+def draw(options, turns, seconds, less):
+    """Every length beside SciPy, as a plot and as means."""
     lengths = []
     for n in options.lengths:
         for name, char, size in (("fft", "F", 8), ("rfft", "f", 4)):
             for place, count in (("memory", 100_000 // less), ("cache", CACHE_BYTES // (2 * size * n))):
-                r = row_of(name, (count, n), char, -1, 1, turns, seconds)
-                lengths.append({"length": n, "place": place, **r})
+                x = data((count, n), char)
+                found = times(contenders(name, x, -1, 1, only_scipy=True), 1, turns, seconds / 2)
+                row = {"length": n, "place": place, "function": name, "type": x.dtype.name}
+                row.update({c: round(ratio(found, *c.split(" / ")), 2) for c in ("scipy / fresh", "scipy / out")})
+                lengths.append(row)
     write(options.out / "lengths.csv", lengths)
-    print()
     for place, column in (("memory", "scipy / fresh"), ("cache", "scipy / fresh"), ("cache", "scipy / out")):
         for name in ("fft", "rfft"):
             chosen = [r[column] for r in lengths if r["place"] == place and r["function"] == name]

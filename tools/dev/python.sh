@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 #: ./dev python [ARGUMENTS]           builds the Python package and runs its tests; arguments go to pytest
-#: ./dev python shell                 a Python that finds the package in the build tree
+#: ./dev python shell [ARGUMENTS]     a Python that finds the package in the build tree
 # The Python is Debian's, /usr/bin/python3, unless ORVGEN_PYTHON names another.
 # shellcheck shell=bash
 python=${ORVGEN_PYTHON:-/usr/bin/python3}
@@ -9,14 +9,23 @@ configure -DORVGEN_PYTHON=ON -DPython_EXECUTABLE="$python"
 make_targets orvgen_python_package
 export PYTHONPATH=$root/$build/python PYTHONDONTWRITEBYTECODE=1
 if [[ ${1:-} == shell ]]; then
-    takes 1 "$@"
+    shift
     cd "$caller"
-    exec "$python"
+    exec "$python" "$@"
 fi
 say "testing the package"
 "$python" -m pytest -q "$@"
-# SciPy has its tests beside it.
 if [[ $# == 0 ]]; then
+    # As users install it, but out of this build; what is installed must bring all that it needs.
+    say "installing the package into an environment"
+    environment=$build/python-environment
+    rm -rf "$environment"
+    quietly "$build/python-environment.log" "$python" -m venv --system-site-packages "$environment"
+    ORVGEN_BUILD_DIR=$build quietly "$build/python-install.log" \
+        "$environment/bin/pip" install --no-index --no-build-isolation .
+    (cd / && unset PYTHONPATH && "$environment/bin/python" "$root/tests/python/installed.py" "$environment")
+
+    # SciPy has its tests beside it.
     say "testing SciPy with the backend"
     PYTHONPATH=$PYTHONPATH:$root/tests/python "$python" -m pytest -q -c /dev/null -p no:cacheprovider \
         -p scipy_suite --pyargs scipy.fft | grep -v "%\]$"
