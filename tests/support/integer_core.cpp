@@ -337,7 +337,8 @@ class Core {
         access.store = in.stores();
         access.vector = true;
         note(access);
-        if (in.aligned && a % 16 != 0) complain("aligned access off its boundary");
+        if (in.aligned && a % static_cast<unsigned>(o.size) != 0)
+            complain("aligned access off its boundary");
         if (access.region != Region::frame) return;
         checkBelow(a);
         if (access.load) readStack(a, o.size);
