@@ -2,7 +2,6 @@
 // A kernel to be compiled: its names, its flow, and what the frame around the flow needs to know.
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -42,18 +41,5 @@ struct Kernel {
     // arguments; the flow only names the arithmetic.
     std::optional<Passes> passes = {};
 };
-
-// All kernels of one family. The flow of a length is built when asked for.
-struct Family {
-    std::string name;  // orvgDFTFwd_CToC_32fc: the by-length dispatcher
-    std::vector<int> lengths;
-    std::function<Kernel(int length)> kernel;
-};
-
-// The member's name: orvgDFTFwd_CToC_32fc with 16 is orvgDFTFwd_CToC_16_32fc.
-inline std::string memberName(const std::string& family, int length) {
-    const std::size_t at = family.rfind('_');
-    return family.substr(0, at) + "_" + std::to_string(length) + family.substr(at);
-}
 
 }  // namespace orvgen::kernelgen
