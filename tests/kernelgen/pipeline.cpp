@@ -26,6 +26,7 @@ std::int32_t orvgSmall_8_32fc(const float*, float*, std::int32_t);
 std::int32_t orvgCrowded_36_32f(const float*, float*, std::int32_t);
 std::int32_t orvgCrowded_36_64f(const double*, double*, std::int32_t);
 std::int32_t orvgCrowded_40_32fc(const float*, float*, std::int32_t);
+std::int32_t orvgStreaming_40_32fc(const float*, float*, std::int32_t);
 std::int32_t orvgZeroFirst_8_32f(const float*, float*, std::int32_t);
 std::int32_t orvgZeroFirst_8_64f(const double*, double*, std::int32_t);
 }
@@ -134,6 +135,8 @@ TEST(Pipeline, ReadsWhatAZeroOverwrites) {
 TEST(Pipeline, ReadsAllFirstWhereAnyOverlapIsPromised) {
     compareOverlapping<float>(orvgen::test::crowdedLaneKernel("orvgl_32fc"), orvgCrowded_40_32fc,
                               80);
+    compareOverlapping<float>(orvgen::test::streamingLaneKernel("orvgl_32fc"),
+                              orvgStreaming_40_32fc, 80);
 }
 
 // Every kernel, twin and pool begins on a cache line; gate and bodies are as in the library.

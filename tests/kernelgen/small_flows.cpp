@@ -59,7 +59,7 @@ namespace {
 
 std::size_t at(int i) { return static_cast<std::size_t>(i); }
 
-// All values, the first one being number `first`; what comes at an odd place is taken off.
+// All values, beginning with number `first`; what comes at an odd place is taken off.
 Value chain(const std::vector<Value>& values, int first) {
     const int n = static_cast<int>(values.size());
     Value sum = values[at(first)];
@@ -68,6 +68,17 @@ Value chain(const std::vector<Value>& values, int first) {
         sum = i % 2 ? sum - v : sum + v;
     }
     return sum;
+}
+
+// Every result takes all values, and all of what was made of all of them: the first ones are wanted
+// again when the second ones need registers.
+std::vector<Value> crowded(const std::vector<Value>& values) {
+    std::vector<Value> middle, results;
+    const int n = static_cast<int>(values.size());
+    for (int k = 0; k < n; ++k) middle.push_back(chain(values, k));
+    for (int k = 0; k < n; ++k)
+        results.push_back(chain(middle, k) + chain(values, (k + n / 2) % n));
+    return results;
 }
 
 }  // namespace
@@ -81,9 +92,10 @@ kernelgen::Kernel crowdedRealKernel(const std::string& name, kernelgen::Arithmet
         sums.push_back(x[at(2 * i)] + x[at(2 * i + 1)]);
         products.push_back(kernelgen::cosTurn(i + 1, 128) * (x[at(2 * i)] - x[at(2 * i + 1)]));
     }
+    const std::vector<Value> ofSums = crowded(sums), ofProducts = crowded(products);
     for (int k = 0; k < kCrowd; ++k) {
-        g.output(2 * k, narrow(signStep(scaled(chain(sums, k)))).id());
-        g.output(2 * k + 1, narrow(signStep(scaled(chain(products, k)))).id());
+        g.output(2 * k, narrow(signStep(scaled(ofSums[at(k)]))).id());
+        g.output(2 * k + 1, narrow(signStep(scaled(ofProducts[at(k)]))).id());
     }
     return {.name = name,
             .length = 2 * kCrowd,
@@ -92,17 +104,22 @@ kernelgen::Kernel crowdedRealKernel(const std::string& name, kernelgen::Arithmet
             .flow = std::move(g)};
 }
 
-kernelgen::Kernel crowdedLaneKernel(const std::string& name) {
+namespace {
+
+// Vectors of two complex elements, and results made of all of them.
+template <class Results>
+kernelgen::Kernel laneKernel(const std::string& name, const Results& results) {
     Graph g(kernelgen::Arithmetic::SingleLanes);
-    const auto vector = [&](int i) {
+    std::vector<Value> x;
+    for (int i = 0; i < kLaneCrowd; ++i) {
         const NodeId a = g.input(2 * i), b = g.input(2 * i + 1);
-        return Value(g, g.pack({Lane{a, 0}, Lane{a, 1}, Lane{b, 0}, Lane{b, 1}}));
-    };
-    std::vector<Value> x, sums;
-    for (int i = 0; i < kLaneCrowd; ++i) x.push_back(vector(i));
+        x.emplace_back(g, g.pack({Lane{a, 0}, Lane{a, 1}, Lane{b, 0}, Lane{b, 1}}));
+    }
+    std::vector<Value> sums;
     for (int i = 0; i < kLaneCrowd; ++i) sums.push_back(x[at(i)] + x[at((i + 3) % kLaneCrowd)]);
+    const std::vector<Value> all = results(sums);
     for (int k = 0; k < kLaneCrowd; ++k) {
-        const Value y = chain(sums, k);
+        const Value& y = all[at(k)];
         g.output(2 * k, Lane{y.id(), 0}, Lane{y.id(), 1});
         g.output(2 * k + 1, Lane{y.id(), 2}, Lane{y.id(), 3});
     }
@@ -113,6 +130,14 @@ kernelgen::Kernel crowdedLaneKernel(const std::string& name) {
             .alignment = kernelgen::Alignment::Twin,
             .readsAllFirst = true,
             .flow = std::move(g)};
+}
+
+}  // namespace
+
+kernelgen::Kernel crowdedLaneKernel(const std::string& name) { return laneKernel(name, crowded); }
+
+kernelgen::Kernel streamingLaneKernel(const std::string& name) {
+    return laneKernel(name, [](const std::vector<Value>& sums) { return sums; });
 }
 
 kernelgen::Kernel zeroFirstKernel(const std::string& name, kernelgen::Arithmetic arithmetic) {

@@ -53,6 +53,8 @@ inline constexpr int kCrowd = 18;
 inline constexpr int kLaneCrowd = 20;
 kernelgen::Kernel crowdedRealKernel(const std::string& name, kernelgen::Arithmetic arithmetic);
 kernelgen::Kernel crowdedLaneKernel(const std::string& name);
+// As many vectors, but each result takes two neighbours only and could be stored at once.
+kernelgen::Kernel streamingLaneKernel(const std::string& name);
 
 // A zero goes to element 1 before anything else is stored, and all outputs take input 1: in place
 // it must have been read by then.
@@ -107,12 +109,22 @@ inline constexpr FamilyInfo kSmallFamilies[] = {
      .scale = ScaleRule::ForwardByN,
      .alignment = {.twinFrom = 2 * kLaneCrowd},
      .readsAllFirst = true},
+    {.name = "Streaming",
+     .element = "32fc",
+     .src = Layout::Complex,
+     .dst = Layout::Complex,
+     .precision = Precision::Single,
+     .numbers = {.first = 2 * kLaneCrowd, .last = 2 * kLaneCrowd},
+     .scale = ScaleRule::ForwardByN,
+     .alignment = {.twinFrom = 2 * kLaneCrowd},
+     .readsAllFirst = true},
 };
 
 inline kernelgen::Kernel smallKernel(const FamilyInfo& family, int number) {
     const std::string name = memberName(family, number);
     const auto arithmetic =
         family.isSingle() ? kernelgen::Arithmetic::Single : kernelgen::Arithmetic::Double;
+    if (family.name == "Streaming") return streamingLaneKernel(name);
     if (family.isComplex())
         return family.name == "Small" ? smallLaneKernel(name) : crowdedLaneKernel(name);
     if (family.name == "Small") return smallRealKernel(name, arithmetic);
