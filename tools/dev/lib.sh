@@ -49,8 +49,8 @@ need() {
     [[ $(id -u) == 0 ]] || fail "these packages are missing, install them as root: apt-get install ${missing[*]}"
     say "installing ${#missing[@]} packages: ${missing[*]}" >&2
     export DEBIAN_FRONTEND=noninteractive
-    quietly build/apt-update.log apt-get update
-    quietly build/apt-install.log apt-get install -y --no-install-recommends "${missing[@]}"
+    quietly build/apt-update.log apt-get -o DPkg::Lock::Timeout=300 update
+    quietly build/apt-install.log apt-get -o DPkg::Lock::Timeout=300 install -y --no-install-recommends "${missing[@]}"
 }
 
 # configure [CMAKE ARGUMENTS]: the build folder of the preset.
