@@ -17,8 +17,10 @@
 #include <string>
 #include <vector>
 
+#include "batch/summary.h"
 #include "cycles.h"
 #include "frame/names.h"
+#include "generator/names.h"
 #include "orvgen_batch.h"
 #include "program.h"
 
@@ -158,13 +160,13 @@ const std::map<std::string, Layout> kLayouts = {{"rows", Layout::Rows},
                                                 {"strided", Layout::Strided}};
 
 struct Arguments {
-    std::string layout = "rows";
+    std::string layout;  // empty: all that are part of the table
     std::string place = "cache";
     std::vector<int> lengths;
-    std::string only;
-    double planSeconds = 5;
-    int samples = 40;
-    std::string csv = ORVGEN_BENCH_OUT "/batch.csv";
+    std::vector<std::string> only;
+    double planSeconds = 1;
+    int samples = 20;
+    std::string folder = ORVGEN_BENCH_OUT "/batch";
 };
 
 // The arrays of one measurement: as many transforms as the layout and the place ask for.
@@ -245,14 +247,29 @@ struct TargetName {
 };
 constexpr TargetName kTargets[] = {{orvTargetAVX2, "AVX2", 32}, {orvTargetAVX512, "AVX-512", 64}};
 
+// The lengths of a family that the words call; throws where one calls nothing at all.
+std::vector<int> lengthsOf(const FamilyInfo& family, const Arguments& a) {
+    std::vector<Member> members;
+    const auto add = [&](const FamilyInfo& info) {
+        for (const int n : a.lengths) members.push_back({&info, n});
+    };
+    for (const auto& f : kFamilies32) add(*f.info);
+    for (const auto& f : kFamilies64) add(*f.info);
+    std::vector<int> lengths;
+    for (const Member& m : generator::calledBy(members, a.only))
+        if (m.family == &family) lengths.push_back(m.number);
+    return lengths;
+}
+
 template <class R>
-void family(const Family<R>& f, const Arguments& a, std::ofstream& csv) {
+void family(const Family<R>& f, const Arguments& a, std::vector<BatchResult>& results) {
     const std::string name = shortName(*f.info);
-    if (!a.only.empty() && name.find(a.only) == std::string::npos) return;
+    const std::vector<int> lengths = lengthsOf(*f.info, a);
+    if (lengths.empty()) return;
     for (const TargetName& t : kTargets) {
         if ((orvgBatchTargets() & t.target) == 0) continue;
         Summary besideFftw, besideSingle;
-        for (const int n : a.lengths) {
+        for (const int n : lengths) {
             const Size s = sizeOf(*f.info, n);
             const Places p = placesOf(s, a, sizeof(R), t.bytes / static_cast<int>(sizeof(R)));
             std::vector<R> src(reach(p.stride, p.distance, s.srcElements, p.count) *
@@ -278,8 +295,15 @@ void family(const Family<R>& f, const Arguments& a, std::ofstream& csv) {
             const std::vector<double> cycles = measure({ours, single, other}, p.count, a.samples);
             besideSingle.add(cycles[1] / cycles[0], n);
             besideFftw.add(cycles[2] / cycles[0], n);
-            csv << name << ',' << n << ',' << t.name << ',' << a.layout << ',' << a.place << ','
-                << p.count << ',' << cycles[0] << ',' << cycles[1] << ',' << cycles[2] << '\n';
+            results.push_back({.family = name,
+                               .complex = f.info->src == orvgen::Layout::Complex,
+                               .length = n,
+                               .target = t.name,
+                               .layout = a.layout,
+                               .from = a.place,
+                               .ours = cycles[0],
+                               .single = cycles[1],
+                               .fftw = cycles[2]});
         }
         std::printf("%-17s %-8s  FFTW %-28s single %s\n", name.c_str(), t.name,
                     besideFftw.text().c_str(), besideSingle.text().c_str());
@@ -288,35 +312,70 @@ void family(const Family<R>& f, const Arguments& a, std::ofstream& csv) {
 }
 
 void declare(CLI::App& app, Arguments& a) {
-    app.add_option("layout", a.layout, "rows, blocks (of one vector), columns or strided (rows)")
+    app.add_option(
+           "layout", a.layout,
+           "rows, blocks (of one vector), columns or strided (rows); none: all, columns and "
+           "what comes from memory at a few lengths")
         ->check(CLI::IsMember(kLayouts));
     app.add_option("--from", a.place, "cache (16 KB) or memory (64 MB)")
         ->check(CLI::IsMember({"cache", "memory"}));
     app.add_option("--lengths", a.lengths, "lengths (2 to 64)")
         ->delimiter(',')
         ->check(CLI::Range(kLengths.first, kLengths.last));
-    app.add_option("--only", a.only, "families whose name holds this");
-    app.add_option("--limit", a.planSeconds, "seconds of FFTW's planning of each length (5)")
+    app.add_option("--only", a.only,
+                   "transforms by name, family or pattern, as ./dev bench has them");
+    app.add_option("--limit", a.planSeconds, "seconds of FFTW's planning of each length (1)")
         ->check(CLI::PositiveNumber);
-    app.add_option("--samples", a.samples, "samples of each method (40)")
+    app.add_option("--samples", a.samples, "samples of each method (20)")
         ->check(CLI::PositiveNumber);
-    app.add_option("--csv", a.csv, "where the table is written");
+    app.add_option("--out", a.folder, "where the tables and the plot are written");
 }
 
-int run(Arguments& a) {
-    if (a.lengths.empty())
-        for (const int n : kLengths) a.lengths.push_back(n);
-    Fftw32::limit(a.planSeconds);
-    Fftw64::limit(a.planSeconds);
-    std::ofstream csv(a.csv);
-    csv << "family,length,target,layout,from,count,cycles,single,fftw\n";
+void layout(const Arguments& a, std::vector<BatchResult>& results) {
     std::printf(
         "How many times as long the others take; %s, from %s; geometric means over %zu lengths\n",
         a.layout.c_str(), a.place.c_str(), a.lengths.size());
-    for (const auto& f : kFamilies32) family(f, a, csv);
-    for (const auto& f : kFamilies64) family(f, a, csv);
-    if (!csv.flush()) throw std::runtime_error("cannot write " + a.csv);
-    std::printf("The table: %s\n", a.csv.c_str());
+    for (const auto& f : kFamilies32) family(f, a, results);
+    for (const auto& f : kFamilies64) family(f, a, results);
+}
+
+void writeCsv(const std::string& file, const std::vector<BatchResult>& results) {
+    std::ofstream csv(file);
+    csv << "family,length,target,layout,from,cycles,single,fftw\n";
+    for (const BatchResult& r : results)
+        csv << r.family << ',' << r.length << ',' << r.target << ',' << r.layout << ',' << r.from
+            << ',' << r.ours << ',' << r.single << ',' << r.fftw << '\n';
+    if (!csv.flush()) throw std::runtime_error("cannot write " + file);
+}
+
+int run(Arguments& a) {
+    const bool isAll = a.layout.empty(), areAllLengths = a.lengths.empty();
+    if (areAllLengths)
+        for (const int n : kLengths) a.lengths.push_back(n);
+    Fftw32::limit(a.planSeconds);
+    Fftw64::limit(a.planSeconds);
+    std::vector<BatchResult> results;
+    if (!isAll) {
+        layout(a, results);
+    } else {
+        const auto part = [&](const char* name, const char* place, int samples,
+                              const std::vector<int>& few) {
+            Arguments some = a;
+            some.layout = name;
+            some.place = place;
+            some.samples = samples;
+            if (areAllLengths && !few.empty()) some.lengths = few;
+            layout(some, results);
+        };
+        for (const char* name : {"rows", "blocks", "strided"}) part(name, "cache", a.samples, {});
+        // Large arrays take FFTW its time to plan for: a few lengths, a few samples.
+        part("columns", "cache", 5, {8, 16, 31, 32, 60, 64});
+        for (const char* name : {"rows", "columns"}) part(name, "memory", 3, {16, 64});
+    }
+    if (results.empty()) throw std::runtime_error("no transform is called so");
+    writeSummary(a.folder, results);
+    writeCsv(a.folder + "/batch.csv", results);
+    std::printf("Tables and plot: %s\n", a.folder.c_str());
     return 0;
 }
 
