@@ -18,7 +18,7 @@ say "testing the package"
 if [[ $# == 0 ]]; then
     # As users install it, but out of this build; what is installed must bring all that it needs.
     say "installing the package into an environment"
-    environment=$build/python-environment
+    environment=$root/$build/python-environment
     rm -rf "$environment"
     quietly "$build/python-environment.log" "$python" -m venv --system-site-packages "$environment"
     ORVGEN_BUILD_DIR=$build quietly "$build/python-install.log" \
