@@ -61,7 +61,7 @@ check_anchors() {
 # The copy becomes the tree; files whose bytes are the same stay as they are, with what is built of them.
 copy_tree() {
     local line folder
-    mkdir -p "$copy"
+    mkdir -p "$copy/build"
     { diff -rq -x build -x .git "$root" "$copy" || true; } | while IFS= read -r line; do
         case $line in
             "Files $root/"*)
@@ -77,7 +77,7 @@ copy_tree() {
             *) fail "diff said: $line" ;;
         esac
     done
-    [[ -d $copy/build/kernels || ! -d build/kernels ]] || { mkdir -p "$copy/build" && cp -a build/kernels "$copy/build"; }
+    [[ -d $copy/build/kernels || ! -d build/kernels ]] || cp -a build/kernels "$copy/build"
 }
 
 # tested LOG TEST [CASES]: 0 where the test, or these cases of it, pass in the copy, 1 where one fails, 2 where it could
