@@ -25,8 +25,9 @@ const ElfFile& file() {
 
 using Names = std::set<std::string>;
 
-#define NAME_OF(NAME, T, S, D) "orvgBatch" #NAME "_" #T,
-#define SPLIT_NAME_OF(NAME, T, R) "orvgBatchSplit" #NAME "_" #T,
+// Parentheses: no comma is missing between the parts.
+#define NAME_OF(NAME, T, S, D) ("orvgBatch" #NAME "_" #T),
+#define SPLIT_NAME_OF(NAME, T, R) ("orvgBatchSplit" #NAME "_" #T),
 const Names documented = {
     ORVGEN_BATCH_LENGTH_FAMILIES(NAME_OF)       //
     ORVGEN_BATCH_SPLIT_FAMILIES(SPLIT_NAME_OF)  //
