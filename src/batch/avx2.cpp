@@ -14,6 +14,7 @@ namespace orvgen::batch::avx2 {
 #define ORVGEN_BATCH_TARGET avx2
 #include "batch/kernels.h"
 #include "batch/layout.h"
+#include "batch/far_rows.h"
 #include "batch/blocks.h"
 #include "batch/lane_transforms.h"
 // clang-format on
@@ -24,7 +25,9 @@ namespace orvgen::batch {
 
 template <class R>
 std::size_t runBlocksAvx2(const Task<R>& task) {
-    if (const std::size_t done = avx2::runComplexRows(task)) return done;
+    const avx2::Way way = avx2::wayOf(task);
+    if (way == avx2::Way::RowByRow) return 0;
+    if (const std::size_t done = avx2::runComplexRows(task, way)) return done;
     return avx2::Blocks<R>(task).run();
 }
 template <class R>

@@ -68,7 +68,7 @@ constexpr int worthwhile(Kind kind, int n) {
 // Rows of complex elements on both sides, by a kernel of their own if there is one. Returns how
 // many are done.
 template <class R>
-std::size_t runComplexRows(const Task<R>& task) {
+std::size_t runComplexRows(const Task<R>& task, Way way) {
     constexpr std::size_t parts = Vectors<R>::lanes * sizeof(R) / 16;
     const bool areRows = task.srcLayout == Layout::Complex && task.dstLayout == Layout::Complex &&
                          task.src.stride == 2 && task.src.isInterleaved() && task.dst.stride == 2 &&
@@ -76,6 +76,10 @@ std::size_t runComplexRows(const Task<R>& task) {
     RowsKernel<R>* const kernel = areRows ? rowsKernelOf<R>(task.kind, task.n) : nullptr;
     const std::size_t blocks = task.count / parts;
     if (kernel == nullptr || blocks == 0) return 0;
+    if (way == Way::LanesAhead) {
+        runRowsAhead(kernel, task, blocks, parts);
+        return blocks * parts;
+    }
     constexpr std::ptrdiff_t bytes = sizeof(R);
     kernel(task.src.re, task.src.distance * bytes, task.dst.re, task.dst.distance * bytes,
            task.scale, blocks);
