@@ -2,21 +2,19 @@
 // Batches beside the loop over the single kernels and beside FFTW's plan_many with patient plans,
 // in core cycles of one transform. Ratios come first: how many times as long the others take.
 
-#include <fftw3.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <fstream>
-#include <functional>
 #include <limits>
 #include <map>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "batch/fftw_plans.h"
 #include "batch/summary.h"
 #include "cycles.h"
 #include "frame/names.h"
@@ -26,14 +24,6 @@
 
 namespace orvgen::bench {
 namespace {
-
-using Run = std::function<void()>;
-
-// Where the elements of src and dst stand; the count of transforms.
-struct Places {
-    std::ptrdiff_t stride, distance, outStride, outDistance;
-    std::size_t count;
-};
 
 struct Size {
     int n;
@@ -50,6 +40,9 @@ struct Family {
     void (*single)(int n, const R* src, R* dst);
     // Null where FFTW finds no plan.
     Run (*fftw)(int n, R* src, R* dst, const Places& p);
+    // The same of split arrays, where there is such a thing.
+    void (*splitBatch)(int n, const R* src, R* dst, const Places& p) = nullptr;
+    Run (*splitFftw)(int n, R* src, R* dst, const Places& p) = nullptr;
 };
 
 Size sizeOf(const FamilyInfo& family, int n) {
@@ -66,49 +59,17 @@ Size sizeOf(const FamilyInfo& family, int n) {
             .dstElements = family.dstReals(n) / dst};
 }
 
-// FFTW of one element type.
-#define ORVGEN_FFTW(PREFIX, NAME, R)                                                               \
-    struct NAME {                                                                                  \
-        using Complex = PREFIX##_complex;                                                          \
-        using Plan = PREFIX##_plan;                                                                \
-        static Run runOf(Plan plan) {                                                              \
-            if (plan == nullptr) return {};                                                        \
-            return [plan] { PREFIX##_execute(plan); };                                             \
-        }                                                                                          \
-        static Run dft(int n, R* x, R* y, const Places& p, int sign) {                             \
-            return runOf(PREFIX##_plan_many_dft(                                                   \
-                1, &n, int(p.count), reinterpret_cast<Complex*>(x), nullptr, int(p.stride),        \
-                int(p.distance), reinterpret_cast<Complex*>(y), nullptr, int(p.outStride),         \
-                int(p.outDistance), sign, FFTW_PATIENT));                                          \
-        }                                                                                          \
-        static Run forward(int n, R* x, R* y, const Places& p) {                                   \
-            return runOf(PREFIX##_plan_many_dft_r2c(                                               \
-                1, &n, int(p.count), x, nullptr, int(p.stride), int(p.distance),                   \
-                reinterpret_cast<Complex*>(y), nullptr, int(p.outStride), int(p.outDistance),      \
-                FFTW_PATIENT));                                                                    \
-        }                                                                                          \
-        static Run inverse(int n, R* x, R* y, const Places& p) {                                   \
-            return runOf(PREFIX##_plan_many_dft_c2r(                                               \
-                1, &n, int(p.count), reinterpret_cast<Complex*>(x), nullptr, int(p.stride),        \
-                int(p.distance), y, nullptr, int(p.outStride), int(p.outDistance), FFTW_PATIENT)); \
-        }                                                                                          \
-        static Run hartley(int n, R* x, R* y, const Places& p) {                                   \
-            const PREFIX##_r2r_kind kind = FFTW_DHT;                                               \
-            return runOf(PREFIX##_plan_many_r2r(1, &n, int(p.count), x, nullptr, int(p.stride),    \
-                                                int(p.distance), y, nullptr, int(p.outStride),     \
-                                                int(p.outDistance), &kind, FFTW_PATIENT));         \
-        }                                                                                          \
-        static void limit(double seconds) { PREFIX##_set_timelimit(seconds); }                     \
-    };
-ORVGEN_FFTW(fftwf, Fftw32, float)
-ORVGEN_FFTW(fftw, Fftw64, double)
-#undef ORVGEN_FFTW
-
 #define ORVGEN_BATCH(NAME, T, S, D)                                                           \
     [](int n, const auto* src, auto* dst, const Places& p) {                                  \
         (void)orvgBatch##NAME##_##T(reinterpret_cast<const S*>(src), p.stride, p.distance,    \
                                     reinterpret_cast<D*>(dst), p.outStride, p.outDistance, n, \
                                     p.count, orvScaleNone);                                   \
+    }
+#define ORVGEN_SPLIT_BATCH(NAME, T)                                                                \
+    [](int n, const auto* src, auto* dst, const Places& p) {                                       \
+        (void)orvgBatchSplit##NAME##_##T(src, src + p.plane, p.stride, p.distance, dst,            \
+                                         dst + p.outPlane, p.outStride, p.outDistance, n, p.count, \
+                                         orvScaleNone);                                            \
     }
 #define ORVGEN_SINGLE(NAME, T)                                                   \
     [](int n, const auto* src, auto* dst) {                                      \
@@ -127,11 +88,19 @@ const std::vector<Family<float>> kFamilies32 = {
      ORVGEN_SINGLE(DFTFwd_CToC, 32fc),
      [](int n, float* x, float* y, const Places& p) {
          return Fftw32::dft(n, x, y, p, FFTW_FORWARD);
+     },
+     ORVGEN_SPLIT_BATCH(DFTFwd_CToC, 32f),
+     [](int n, float* x, float* y, const Places& p) {
+         return Fftw32::split(n, x, y, p, FFTW_FORWARD);
      }},
     {&familyOf("DFTInv_CToC", "32fc"), ORVGEN_BATCH(DFTInv_CToC, 32fc, Orv32fc, Orv32fc),
      ORVGEN_SINGLE(DFTInv_CToC, 32fc),
      [](int n, float* x, float* y, const Places& p) {
          return Fftw32::dft(n, x, y, p, FFTW_BACKWARD);
+     },
+     ORVGEN_SPLIT_BATCH(DFTInv_CToC, 32f),
+     [](int n, float* x, float* y, const Places& p) {
+         return Fftw32::split(n, x, y, p, FFTW_BACKWARD);
      }},
 };
 const std::vector<Family<double>> kFamilies64 = {
@@ -145,19 +114,33 @@ const std::vector<Family<double>> kFamilies64 = {
      ORVGEN_SINGLE(DFTFwd_CToC, 64fc),
      [](int n, double* x, double* y, const Places& p) {
          return Fftw64::dft(n, x, y, p, FFTW_FORWARD);
+     },
+     ORVGEN_SPLIT_BATCH(DFTFwd_CToC, 64f),
+     [](int n, double* x, double* y, const Places& p) {
+         return Fftw64::split(n, x, y, p, FFTW_FORWARD);
      }},
     {&familyOf("DFTInv_CToC", "64fc"), ORVGEN_BATCH(DFTInv_CToC, 64fc, Orv64fc, Orv64fc),
      ORVGEN_SINGLE(DFTInv_CToC, 64fc),
      [](int n, double* x, double* y, const Places& p) {
          return Fftw64::dft(n, x, y, p, FFTW_BACKWARD);
+     },
+     ORVGEN_SPLIT_BATCH(DFTInv_CToC, 64f),
+     [](int n, double* x, double* y, const Places& p) {
+         return Fftw64::split(n, x, y, p, FFTW_BACKWARD);
      }},
 };
 
 enum class Layout { Rows, Blocks, Columns, Strided };
-const std::map<std::string, Layout> kLayouts = {{"rows", Layout::Rows},
-                                                {"blocks", Layout::Blocks},
-                                                {"columns", Layout::Columns},
-                                                {"strided", Layout::Strided}};
+struct LayoutInfo {
+    Layout layout;
+    bool isSplit = false;
+};
+const std::map<std::string, LayoutInfo> kLayouts = {{"rows", {Layout::Rows}},
+                                                    {"blocks", {Layout::Blocks}},
+                                                    {"columns", {Layout::Columns}},
+                                                    {"strided", {Layout::Strided}},
+                                                    {"split-rows", {Layout::Rows, true}},
+                                                    {"split-columns", {Layout::Columns, true}}};
 
 struct Arguments {
     std::string layout;  // empty: all that are part of the table
@@ -176,9 +159,10 @@ Places placesOf(const Size& s, const Arguments& a, std::size_t realBytes, int la
     std::size_t count = (a.place == "cache" ? cache : memory) / one /
                         static_cast<std::size_t>(lanes) * static_cast<std::size_t>(lanes);
     count = std::max(count, static_cast<std::size_t>(lanes));
-    if (a.layout == "columns" && a.place == "cache") count = 10000;
+    const LayoutInfo info = kLayouts.at(a.layout);
+    if (info.layout == Layout::Columns && a.place == "cache") count = 10000;
     const auto m = static_cast<std::ptrdiff_t>(count);
-    switch (kLayouts.at(a.layout)) {
+    switch (info.layout) {
         case Layout::Rows:
             return {1, s.srcElements, 1, s.dstElements, count};
         case Layout::Blocks:
@@ -265,24 +249,30 @@ template <class R>
 void family(const Family<R>& f, const Arguments& a, std::vector<BatchResult>& results) {
     const std::string name = shortName(*f.info);
     const std::vector<int> lengths = lengthsOf(*f.info, a);
-    if (lengths.empty()) return;
+    const bool isSplit = kLayouts.at(a.layout).isSplit;
+    if (lengths.empty() || (isSplit && f.splitBatch == nullptr)) return;
     for (const TargetName& t : kTargets) {
         if ((orvgBatchTargets() & t.target) == 0) continue;
         Summary besideFftw, besideSingle;
         for (const int n : lengths) {
             const Size s = sizeOf(*f.info, n);
-            const Places p = placesOf(s, a, sizeof(R), t.bytes / static_cast<int>(sizeof(R)));
-            std::vector<R> src(reach(p.stride, p.distance, s.srcElements, p.count) *
-                               static_cast<std::size_t>(s.srcElement));
-            std::vector<R> dst(reach(p.outStride, p.outDistance, s.dstElements, p.count) *
-                               static_cast<std::size_t>(s.dstElement));
-            const Run other = f.fftw(n, src.data(), dst.data(), p);
+            Places p = placesOf(s, a, sizeof(R), t.bytes / static_cast<int>(sizeof(R)));
+            const std::size_t in = reach(p.stride, p.distance, s.srcElements, p.count);
+            const std::size_t out = reach(p.outStride, p.outDistance, s.dstElements, p.count);
+            if (isSplit) {
+                p.plane = static_cast<std::ptrdiff_t>(in);
+                p.outPlane = static_cast<std::ptrdiff_t>(out);
+            }
+            std::vector<R> src(in * static_cast<std::size_t>(s.srcElement));
+            std::vector<R> dst(out * static_cast<std::size_t>(s.dstElement));
+            const Run other = (isSplit ? f.splitFftw : f.fftw)(n, src.data(), dst.data(), p);
             std::mt19937 generator(static_cast<unsigned>(n));
             std::uniform_real_distribution<double> uniform(-1, 1);
             for (R& x : src) x = static_cast<R>(uniform(generator));
             if (orvgBatchUse(t.target) != orvOk)
                 throw std::runtime_error("a target that there is cannot be chosen");
-            const Run ours = [&] { f.batch(n, src.data(), dst.data(), p); };
+            const auto batch = isSplit ? f.splitBatch : f.batch;
+            const Run ours = [&] { batch(n, src.data(), dst.data(), p); };
             // The loop that a caller writes today; it wants contiguous transforms.
             Run single;
             if (a.layout == "rows")
@@ -314,8 +304,9 @@ void family(const Family<R>& f, const Arguments& a, std::vector<BatchResult>& re
 void declare(CLI::App& app, Arguments& a) {
     app.add_option(
            "layout", a.layout,
-           "rows, blocks (of one vector), columns or strided (rows); none: all, columns and "
-           "what comes from memory at a few lengths")
+           "rows, blocks (of one vector), columns, strided (rows), split-rows or split-columns (real "
+           "and imaginary parts apart); none: all, columns and what comes from memory at a few "
+           "lengths")
         ->check(CLI::IsMember(kLayouts));
     app.add_option("--from", a.place, "cache (16 KB) or memory (64 MB)")
         ->check(CLI::IsMember({"cache", "memory"}));
@@ -367,10 +358,13 @@ int run(Arguments& a) {
             if (areAllLengths && !few.empty()) some.lengths = few;
             layout(some, results);
         };
-        for (const char* name : {"rows", "blocks", "strided"}) part(name, "cache", a.samples, {});
+        for (const char* name : {"rows", "blocks", "strided", "split-rows"})
+            part(name, "cache", a.samples, {});
         // Large arrays take FFTW its time to plan for: a few lengths, a few samples.
-        part("columns", "cache", 5, {8, 16, 31, 32, 60, 64});
-        for (const char* name : {"rows", "columns"}) part(name, "memory", 3, {16, 64});
+        for (const char* name : {"columns", "split-columns"})
+            part(name, "cache", 5, {8, 16, 31, 32, 60, 64});
+        for (const auto& [name, info] : kLayouts)
+            if (info.layout != Layout::Blocks) part(name.c_str(), "memory", 3, {16, 64});
     }
     if (results.empty()) throw std::runtime_error("no transform is called so");
     writeSummary(a.folder, results);

@@ -74,28 +74,40 @@ void plot(const std::filesystem::path& folder, const std::vector<BatchResult>& r
     const auto families = valuesOf(rows, [](const BatchResult& r) { return r.family; });
     const auto targets = valuesOf(rows, [](const BatchResult& r) { return r.target; });
     std::ofstream data(folder / "plot.dat"), script(folder / "plot.gp");
-    script << "set terminal pngcairo size 1500,1100\nset output 'batch.png'\nset grid ytics\n"
-           << "set logscale y\nset ytics (0.5,0.7,1,1.5,2,3,4,6,8,12,16)\nset key below\n"
-           << "set ylabel 'their cycles / ours'\nset multiplot layout " << (families.size() + 3) / 4
-           << "," << std::min<std::size_t>(4, families.size())
-           << " title 'Rows in the cache: cycles of others over ours (above 1: ours is faster)'\n";
+    const std::size_t columns = std::min<std::size_t>(4, families.size());
+    script << "set terminal pngcairo size 1500,1000\nset output 'batch.png'\nset grid ytics\n"
+           << "set logscale y\nset ytics (0.5,1,2,4,8,16)\nset yrange [0.4:22]\nset xrange [0:66]\n"
+           << "set xtics 16\nset multiplot layout " << families.size() / columns + 1 << ','
+           << columns
+           << " title 'Rows in the cache: cycles of others over ours, by length "
+              "(above 1: ours is faster)'\n";
+    // The titles have a panel of their own, the last one.
+    std::string titles = "unset title\nunset border\nunset tics\nset key center\nplot 1/0 notitle";
     int index = 0;
     for (const std::string& family : families) {
         script << "set title '" << family << "' noenhanced\nplot 1 lc 'black' notitle";
+        int color = 1;
         for (const std::string& target : targets) {
             for (const BatchResult& r : rows)
                 if (r.family == family && r.target == target)
                     data << r.length << " " << r.fftw / r.ours << " " << r.single / r.ours << "\n";
             data << "\n\n";
-            script << ", 'plot.dat' index " << index
-                   << " using 1:2 with linespoints pt 7 ps 0.4 title 'FFTW, " << target
-                   << "', '' index " << index << " using 1:3 with lines dt 2 title 'single calls, "
-                   << target << "'";
+            const auto curve = [&](const char* column, const char* style, const char* title) {
+                const std::string look = std::string(style) + " lc " + std::to_string(color);
+                script << ", 'plot.dat' index " << index << " using " << column << " with " << look
+                       << " notitle";
+                if (index < static_cast<int>(targets.size()))
+                    titles.append(", 1/0 with ").append(look).append(" title '").append(title);
+                if (index < static_cast<int>(targets.size())) titles.append(target).append("'");
+            };
+            curve("1:2", "linespoints pt 7 ps 0.4", "FFTW, ");
+            curve("1:3", "lines dt 2", "single calls, ");
             ++index;
+            ++color;
         }
         script << "\n";
     }
-    script << "unset multiplot\n";
+    script << titles << "\nunset multiplot\n";
     data.close();
     script.close();
     const std::string command = "cd '" + folder.string() + "' && gnuplot plot.gp >plot.log 2>&1";
