@@ -15,14 +15,14 @@ def main():
     errors = accuracy.errors(page.read_text())
     with table.open() as file:
         rows = list(csv.DictReader(file))
-    unknown = set(errors) - {row["name"] for row in rows}
-    if unknown:
-        raise SystemExit(f"{page} speaks of {sorted(unknown)[:3]}")
+    different = set(errors) ^ {row["name"] for row in rows}
+    if different:
+        raise SystemExit(f"{page} and {table} have different kernels: {sorted(different)[:3]}")
     with out.open("w", newline="") as file:
         writer = csv.DictWriter(file, [*rows[0], "error"], lineterminator="\n")
         writer.writeheader()
         for row in rows:
-            writer.writerow({**row, "error": errors.get(row["name"], "")})
+            writer.writerow({**row, "error": errors[row["name"]]})
 
 
 main()

@@ -7,7 +7,7 @@ import csv
 from fnmatch import fnmatchcase
 from functools import lru_cache
 from pathlib import Path
-from typing import Callable, Dict, List, NamedTuple, Optional, Tuple
+from typing import Callable, Dict, List, NamedTuple, Tuple
 
 from . import _batch
 
@@ -29,7 +29,7 @@ class Which(NamedTuple):
     targets: Tuple[str, ...]
     """What this library holds and this processor can run, the best one last."""
     target: str
-    """What runs, and what there is."""
+    """The one that runs."""
 
 
 def which() -> Which:
@@ -98,16 +98,14 @@ class Kernel(NamedTuple):
     bound: float
     """The largest possible error of one real of a result, for inputs of at most 1, in units of u:
     2**-24 in binary32, 2**-53 in binary64."""
-    error: Optional[float]
-    """The measured relative error in the L2 norm, in units of u; None where docs/accuracy.md has none:
-    for the Walsh-Hadamard kernels and four that sum in an order of their own."""
+    error: float
+    """The measured relative error in the L2 norm, in units of u, as in docs/accuracy.md."""
 
 
 @lru_cache(maxsize=1)
 def _table() -> Tuple[Kernel, ...]:
     convert: Dict[str, Callable] = dict.fromkeys(Kernel._fields, int)
-    convert.update(name=str, family=str, plan=str, cycles=float, bound=float)
-    convert["error"] = lambda text: float(text) if text else None
+    convert.update(name=str, family=str, plan=str, cycles=float, bound=float, error=float)
     with open(Path(__file__).with_name("kernels.csv"), newline="") as file:
         rows = list(csv.DictReader(file))
     return tuple(Kernel(**{k: convert[k](v) for k, v in row.items()}) for row in rows)

@@ -108,9 +108,7 @@ explorer.kernelView = (() => {
       ["Instructions", kernel.instructions, "of the body for aligned buffers"],
       ["Spills", kernel.spills, "values that wait on the stack"],
       ["Frame", kernel.frame, "bytes"],
-      ["Error, measured", kernel.error ?? "none", kernel.error === undefined
-        ? "this family is not on the page of errors"
-        : "u, relative in the L2 norm, over random inputs"],
+      ["Error, measured", kernel.error, "u, relative in the L2 norm, over random inputs"],
       ["Error, bound", kernel.errorBound,
         `u, of the worst output, inputs of at most 1; that output is at most ${number(page.magnitude)}`],
     ]), ...measurements(kernel));

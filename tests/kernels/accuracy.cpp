@@ -3,10 +3,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <random>
 #include <stdexcept>
 
 #include "orvgen.h"
+#include "wht/reference.h"
 
 namespace orvgen::test {
 
@@ -59,9 +61,31 @@ Accuracy measureAccuracy(const ListedKernel& k) {
     return k.single ? measure<float>(k) : measure<double>(k);
 }
 
-double accuracyLimit(const ListedKernel& k) {
-    const double growth = std::sqrt(std::log2(k.length));
-    return k.length >= 7 && isPrime(k.length) ? 1.3 * growth : growth;
+template <class T>
+Accuracy measureAccuracy(const OrderFunctions<T>& f) {
+    constexpr int rounds = 16;
+    std::mt19937_64 random(static_cast<unsigned>(f.order));
+    std::uniform_real_distribution<long double> uniform(-1, 1);
+    std::vector<T> src(f.points()), dst(f.points());
+    std::vector<std::uint8_t> buffer(f.bufferBytes() + 1);
+    ErrorSum sum;
+    for (int round = 0; round < rounds; ++round) {
+        for (T& x : src) x = static_cast<T>(uniform(random));
+        if (f.kernel(src.data(), dst.data(), orvScaleNone, buffer.data()) != orvOk)
+            throw std::runtime_error(f.name);
+        std::vector<Quad> exact(src.begin(), src.end());
+        applyLayers(exact, 0, f.order);
+        for (std::size_t i = 0; i < exact.size(); ++i) sum.add(Quad(dst[i]), exact[i]);
+    }
+    return sum.inUnitsOf(Quad(std::numeric_limits<T>::epsilon() / 2));
+}
+
+template Accuracy measureAccuracy(const OrderFunctions<Orv32f>& f);
+template Accuracy measureAccuracy(const OrderFunctions<Orv64f>& f);
+
+double accuracyLimit(int points) {
+    const double growth = std::sqrt(std::log2(points));
+    return points >= 7 && isPrime(points) ? 1.3 * growth : growth;
 }
 
 }  // namespace orvgen::test

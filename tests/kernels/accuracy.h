@@ -4,6 +4,7 @@
 
 #include "direct_transform.h"
 #include "kernel_list.h"
+#include "wht/functions.h"
 
 namespace orvgen::test {
 
@@ -27,8 +28,12 @@ class ErrorSum {
 
 // Uniform inputs in [-1, 1], the same for all kernels of a length and type.
 Accuracy measureAccuracy(const ListedKernel& k);
+// The same of a Walsh-Hadamard kernel.
+template <class T>
+Accuracy measureAccuracy(const OrderFunctions<T>& f);
 
-// What relativeL2 may be at most: sqrt(log2 N), primes of 7 and more 1.3 times that.
-double accuracyLimit(const ListedKernel& k);
+// What relativeL2 may be at most for so many points: sqrt(log2 N), primes of 7 and more 1.3 times
+// that.
+double accuracyLimit(int points);
 
 }  // namespace orvgen::test

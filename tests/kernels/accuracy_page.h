@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The table of docs/accuracy.md: one row for each length, one column for each family.
+// The tables of docs/accuracy.md: one row for each length or order, columns of families.
 #pragma once
 
 #include <map>
@@ -11,15 +11,23 @@
 
 namespace orvgen::test {
 
-// The families of the table, and the headings of their columns. The layouts of the real transforms
-// share their flows, so one stands for the three.
+// The families that a column speaks of, whose figures are the same; the first one is measured for
+// the page.
 struct AccuracyColumn {
-    std::string family;
     std::string heading;
+    std::vector<std::string> families;
 };
-const std::vector<AccuracyColumn>& accuracyColumns();
 
-// What the table says, by family and length.
+struct AccuracyTable {
+    std::string text;  // in front of it
+    std::string number;
+    std::vector<int> numbers;
+    std::vector<AccuracyColumn> columns;
+};
+
+const std::vector<AccuracyTable>& accuracyTables();
+
+// What the page says, by family and length or order.
 using AccuracyCells = std::map<std::pair<std::string, int>, std::string>;
 
 std::string accuracyCell(const Accuracy& measured);

@@ -7,9 +7,7 @@
 #include <fstream>
 #include <iomanip>
 #include <iostream>
-#include <limits>
 #include <map>
-#include <random>
 #include <set>
 #include <sstream>
 
@@ -21,8 +19,6 @@
 #include "kernelgen/error_bound.h"
 #include "support/elf_image.h"
 #include "support/machine_code.h"
-#include "wht/functions.h"
-#include "wht/reference.h"
 
 namespace {
 
@@ -81,31 +77,12 @@ std::string wordsOf(const kernelgen::Passes& passes) {
 }
 
 template <class T>
-test::Accuracy orderAccuracy(const test::OrderFunctions<T>& f) {
-    constexpr int rounds = 16;
-    std::mt19937_64 random(static_cast<unsigned>(f.order));
-    std::uniform_real_distribution<long double> uniform(-1, 1);
-    std::vector<T> src(f.points()), dst(f.points());
-    std::vector<std::uint8_t> buffer(f.bufferBytes() + 1);
-    test::ErrorSum sum;
-    for (int round = 0; round < rounds; ++round) {
-        for (T& x : src) x = static_cast<T>(uniform(random));
-        if (f.kernel(src.data(), dst.data(), orvScaleNone, buffer.data()) != orvOk)
-            throw std::runtime_error(f.name);
-        std::vector<test::Quad> exact(src.begin(), src.end());
-        test::applyLayers(exact, 0, f.order);
-        for (std::size_t i = 0; i < exact.size(); ++i) sum.add(test::Quad(dst[i]), exact[i]);
-    }
-    return sum.inUnitsOf(test::Quad(std::numeric_limits<T>::epsilon() / 2));
-}
-
-template <class T>
 void printOrders(const test::MachineCode& code, const std::map<std::string, std::string>& cycles,
                  const std::set<std::string>& chosen) {
     auto functions = test::orderFunctions<T>();
     std::erase_if(functions, [&](const auto& f) { return !chosen.contains(f.name); });
     if (functions.empty()) return;
-    const FamilyInfo* info = test::isSingle<T> ? &familyOf("WHT", "32f") : &familyOf("WHT", "64f");
+    const FamilyInfo* info = sizeof(T) == 4 ? &familyOf("WHT", "32f") : &familyOf("WHT", "64f");
     const std::string family = nameOf(*info);
     for (const KernelFamily& f : generator::allFamilies()) {
         if (f.info != info) continue;
@@ -115,7 +92,7 @@ void printOrders(const test::MachineCode& code, const std::map<std::string, std:
             << "\n\n| order | passes | add | mul | instructions | bytes | cycles | L2 error | "
                "largest |\n|---|---|---|---|---|---|---|---|---|\n";
         for (const auto& o : functions) {
-            const test::Accuracy a = orderAccuracy(o);
+            const test::Accuracy a = test::measureAccuracy(o);
             const test::Function& function = code.function(o.name);
             const auto measured = cycles.find(o.name);
             std::cout << "| " << o.order << " | " << wordsOf(*f.kernel(o.order).passes) << " | "
