@@ -9,7 +9,8 @@ import numpy as np
 import numpy.typing as npt
 
 from . import _kinds
-from ._run import axes_of, run, run_axes
+from ._axes import axes_of, run_axes
+from ._run import run
 
 Norm = Optional[str]
 Out = Optional[np.ndarray]

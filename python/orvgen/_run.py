@@ -4,7 +4,7 @@
 from __future__ import annotations
 
 from operator import index
-from typing import Any, List, Optional, Sequence, Tuple
+from typing import Any, Optional, Sequence, Tuple
 
 import numpy as np
 
@@ -114,54 +114,3 @@ def empty_alike(x: np.ndarray, shape: Tuple[int, ...], dtype: np.dtype) -> np.nd
     axes = sorted(range(x.ndim), key=lambda i: -abs(x.strides[i]))
     memory = _empty([shape[i] for i in axes], dtype)
     return memory.transpose(np.argsort(axes))
-
-
-def axes_of(
-    name: str, x: np.ndarray, s: Optional[Sequence[int]], axes: Optional[Sequence[int]]
-) -> Tuple[List[int], List[Optional[int]]]:
-    """The axes of an n-dimensional transform, and the length along each, None where it is the
-    array's own."""
-    lengths = None if s is None else [index(n) for n in np.atleast_1d(np.asarray(s)).tolist()]
-    if axes is None:
-        chosen = list(range(x.ndim))
-        if lengths is not None:
-            if len(lengths) > x.ndim:
-                raise ValueError(f"{name}: s has more lengths than the array has axes")
-            chosen = chosen[x.ndim - len(lengths) :]
-    else:
-        chosen = []
-        for axis in np.atleast_1d(np.asarray(axes)).tolist():
-            axis = index(axis)
-            if not -x.ndim <= axis < x.ndim:
-                raise ValueError(f"{name}: axis {axis} of an array with {x.ndim} axes")
-            chosen.append(axis % x.ndim)
-        if len(set(chosen)) != len(chosen):
-            raise ValueError(f"{name}: all axes must be unique")
-    if lengths is None:
-        return chosen, [None] * len(chosen)
-    if len(lengths) != len(chosen):
-        raise ValueError(f"{name}: s and axes must have the same length")
-    return chosen, [None if n == -1 else n for n in lengths]
-
-
-def run_axes(
-    steps: Sequence[Tuple[Kind, int, Optional[int]]],
-    a: Any,
-    norm: Optional[str],
-    out: Optional[np.ndarray],
-    workers: Optional[int],
-) -> np.ndarray:
-    """Transforms along several axes, one after the other: (kind, axis, n) each."""
-    x = _asarray(a)
-    spare: Optional[np.ndarray] = None
-    for number, (kind, axis, n) in enumerate(steps):
-        place = out if number == len(steps) - 1 else None
-        if place is None and spare is not None:
-            m = kind.result(kind.default(x.shape[axis]) if n is None else index(n))
-            if spare.shape == replaced(x.shape, axis, m) and spare.dtype == kind.types[x.dtype]:
-                place = spare
-        result = run(kind, x, n, axis, norm, place, workers)
-        # What this step has read is the next but one's place, unless it is the caller's.
-        spare = x if number > 0 else None
-        x = result
-    return x

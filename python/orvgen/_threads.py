@@ -7,7 +7,7 @@ import os
 import threading
 from concurrent.futures import ThreadPoolExecutor, wait
 from operator import index
-from typing import Any, Optional
+from typing import Any, Callable, Optional
 
 import numpy as np
 
@@ -51,7 +51,7 @@ def _forget() -> None:
 os.register_at_fork(after_in_child=_forget)
 
 
-def _crosses(x: np.ndarray, y: np.ndarray) -> bool:
+def crosses(x: np.ndarray, y: np.ndarray) -> bool:
     """Whether a part of y may lie on another part of x."""
     if not np.may_share_memory(x, y):
         return False
@@ -65,7 +65,7 @@ def split(
     """y = ufunc(x, task) along the axis, in up to so many threads, of which this is one."""
     axes = [(axis,), (), (axis,)]
     cut, parts = -1, 1
-    if workers > 1 and x.size >= _WORTH and not _crosses(x, y):
+    if workers > 1 and x.size >= _WORTH and not crosses(x, y):
         outer = [i for i in range(x.ndim) if i != axis]
         cut = max(outer, key=lambda i: (x.shape[i] >= 4 * workers, abs(y.strides[i])), default=-1)
         parts = min(workers, x.shape[cut]) if cut >= 0 else 1
@@ -78,10 +78,25 @@ def split(
         begin, end = (x.shape[cut] * p // parts for p in (part, part + 1))
         whole[cut] = slice(begin, end)
         pieces.append((x[tuple(whole)], task, y[tuple(whole)]))
-    pool = _pool_of(parts - 1)
-    futures = [pool.submit(ufunc, *piece, axes=axes) for piece in pieces[1:]]
+    _together(lambda piece: ufunc(*piece, axes=axes), pieces)
+
+
+def share(work: Callable[[list], Any], pieces: list, size: int, workers: int) -> None:
+    """work(pieces), in up to so many threads, which take pieces of `size` elements altogether."""
+    parts = min(workers, len(pieces)) if size >= _WORTH else 1
+    bounds = [len(pieces) * p // parts for p in range(parts + 1)]
+    _together(work, [pieces[begin:end] for begin, end in zip(bounds, bounds[1:])])
+
+
+def _together(work: Callable[[Any], Any], parts: list) -> None:
+    """work of each part in a thread of its own, the first one in this."""
+    if len(parts) == 1:
+        work(parts[0])
+        return
+    pool = _pool_of(len(parts) - 1)
+    futures = [pool.submit(work, part) for part in parts[1:]]
     try:
-        ufunc(*pieces[0], axes=axes)
+        work(parts[0])
     finally:
         wait(futures)
     for future in futures:

@@ -24,7 +24,8 @@ from typing import Any, Callable, Dict, Optional, Sequence
 import numpy as np
 
 from . import _kinds
-from ._run import axes_of, run, run_axes
+from ._axes import axes_of, run_axes
+from ._run import run
 
 __ua_domain__ = "numpy.scipy.fft"
 
