@@ -50,21 +50,21 @@ def is_power_of_two(n: int) -> bool:
     return n > 0 and n & (n - 1) == 0
 
 
-def short_lengths(n: int) -> Any:
+def short_lengths(n: int, dtype: np.dtype) -> Any:
     return None if 2 <= n <= 64 else "2 to 64 points"
 
 
-def hadamard_lengths(n: int) -> Any:
+def hadamard_lengths(n: int, dtype: np.dtype) -> Any:
     possible = is_power_of_two(n) and 2 <= n <= 1 << 13
     return None if possible else "powers of two from 2 to 8192 (orders 1 to 13)"
 
 
-def cosine_lengths(n: int) -> Any:
-    possible = is_power_of_two(n) and 2 <= n <= 1 << 26
+def cosine_lengths(n: int, dtype: np.dtype) -> Any:
+    possible = is_power_of_two(n) and 2 <= n <= 1 << (26 if dtype == _f else 25)
     return None if possible else "powers of two from 2 to 2**26 (float64: 2**25)"
 
 
-def rotation_lengths(n: int) -> Any:
+def rotation_lengths(n: int, dtype: np.dtype) -> Any:
     k = order(n & -n) if n > 0 else 0
     possible = 1 <= k <= 13 and n >> k <= 63
     return None if possible else "a power of two, 2 to 8192, times an odd number up to 63"
@@ -75,7 +75,8 @@ _NUMBERS = ("fft", "ifft", "rfft", "irfft", "hfft", "ihfft", "dht", "wht", "dct4
 
 
 class Kind:
-    """A function of the package. `missing` says what lengths are possible where one is not."""
+    """A function of the package. `missing` says what lengths are possible where one is not for results
+    of a type."""
 
     def __init__(
         self,
@@ -86,7 +87,7 @@ class Kind:
         result: Callable[[int], int] = same,
         default: Callable[[int], int] = same,
         length: Callable[[int], int] = same,
-        missing: Callable[[int], Any] = short_lengths,
+        missing: Callable[[int, np.dtype], Any] = short_lengths,
     ) -> None:
         self.name = name
         self.types = types
@@ -99,9 +100,9 @@ class Kind:
         self.missing = missing
         self.tasks: Dict[Tuple[int, Any], Tuple[np.ndarray, int]] = {}
 
-    def task(self, n: int, norm: Any) -> Tuple[np.ndarray, int]:
+    def task(self, n: int, norm: Any, dtype: np.dtype) -> Tuple[np.ndarray, int]:
         """The scalar operand of the ufunc and the length of the result; raises ValueError."""
-        possible = self.missing(n)
+        possible = self.missing(n, dtype)
         if possible is not None:
             raise ValueError(f"{self.name}: no transform of {n} points; possible are {possible}")
         try:
@@ -111,7 +112,10 @@ class Kind:
             raise ValueError(f"{self.name}: norm is {norm!r}; possible are {names}") from None
         word = np.array(self.length(n) * 16 + code, np.int64)
         word.flags.writeable = False
-        known = self.tasks[n, norm] = word, self.result(n)
+        known = word, self.result(n)
+        # Where a length depends on the type, it is looked at again.
+        if n <= 1 << 25:
+            self.tasks[n, norm] = known
         return known
 
 

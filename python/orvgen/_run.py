@@ -40,7 +40,7 @@ def run(
     try:
         task, m = kind.tasks[n, norm]
     except (KeyError, TypeError):
-        task, m = kind.task(n, norm)
+        task, m = kind.task(n, norm, dtype)
     last = axis == -1 or axis == len(shape) - 1
     if m != have:
         shape = (*shape[:-1], m) if last else replaced(shape, axis, m)

@@ -54,13 +54,17 @@ def _workers(workers: Optional[int]) -> int:
     return get_workers() if workers is None else workers
 
 
+def _real_type(dtype: np.dtype) -> np.dtype:
+    return np.dtype(np.float32 if dtype.char in "efF" else np.float64)
+
+
 def _fits(kind: _kinds.Kind, x: np.ndarray, n: Optional[int], axis: int, norm: Any) -> bool:
     """Whether this is a transform of ours. What is wrong in itself SciPy shall tell."""
     if kind.types in (_kinds.TO_HALF, _kinds.REAL) and x.dtype.kind == "c":
         return False
     try:
         points = kind.default(x.shape[axis]) if n is None else n
-        return x.shape[axis] > 0 and kind.missing(points) is None and norm in kind.norms
+        return x.shape[axis] > 0 and kind.missing(points, _real_type(x.dtype)) is None and norm in kind.norms
     except (TypeError, IndexError, AttributeError):
         return False
 

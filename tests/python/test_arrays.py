@@ -209,6 +209,8 @@ def test_errors_say_what_is_possible():
     for n in (-4, 0, 1, 48, 1 << 27):
         with pytest.raises(ValueError, match="powers of two from 2"):
             orvgen.dct4(x, n)
+    with pytest.raises(ValueError, match="powers of two from 2"):
+        orvgen.dct4(x, 1 << 26)
     for n in (1, 3, 130, 1 << 14):
         with pytest.raises(ValueError, match="times an odd number up to 63"):
             orvgen.rotate(np.zeros(n))
