@@ -17,38 +17,54 @@ from pathlib import Path
 from setuptools import Extension, setup
 from setuptools.command.build_ext import build_ext
 
-root = Path(__file__).resolve().parent
-# The release stands in the public header, and nowhere else.
-header = (root / "include" / "orvgen.h").read_text()
-release = re.search(r'^#define ORVGEN_VERSION_TEXT "(.*)"', header, re.M).group(1)
+ROOT = Path(__file__).resolve().parent
+
+
+def release():
+    """It stands in the public header, and nowhere else."""
+    header = (ROOT / "include" / "orvgen.h").read_text()
+    return re.search(r'^#define ORVGEN_VERSION_TEXT "(.*)"', header, re.M).group(1)
+
+
+def commands(prefix):
+    """What configures, builds and installs the package into the folder."""
+    known = os.environ.get("ORVGEN_BUILD_DIR")
+    build = Path(known or ROOT / "build" / "python").resolve()
+    options = ["-DORVGEN_PYTHON=ON"]
+    if not known:
+        options += [f"-DORVGEN_{part}=OFF" for part in ("TESTS", "BENCH", "EXAMPLES")]
+        options += [
+            f"-DORVGEN_KERNEL_DIR={ROOT / 'build' / 'kernels'}",
+            f"-DPython_EXECUTABLE={sys.executable}",
+            "-DCMAKE_BUILD_TYPE=Release",
+        ]
+        options += ["-G", "Ninja"] if shutil.which("ninja") else []
+    # The last one of the same name counts.
+    options += shlex.split(os.environ.get("ORVGEN_CMAKE_ARGS", ""))
+    jobs = len(os.sched_getaffinity(0))
+    return [
+        [str(word) for word in command]
+        for command in (
+            ["cmake", "-S", ROOT, "-B", build, *options],
+            ["cmake", "--build", build, "-j", jobs, "--target", "orvgen_python_package"],
+            ["cmake", "--install", build, "--component", "python", "--prefix", prefix],
+        )
+    ]
 
 
 class BuildByCMake(build_ext):
     def run(self):
-        known = os.environ.get("ORVGEN_BUILD_DIR")
-        build = Path(known or root / "build" / "python").resolve()
-        options = ["-DORVGEN_PYTHON=ON"]
-        if not known:
-            options += [f"-DORVGEN_{part}=OFF" for part in ("TESTS", "BENCH", "EXAMPLES")]
-            options += [
-                f"-DORVGEN_KERNEL_DIR={root / 'build' / 'kernels'}",
-                f"-DPython_EXECUTABLE={sys.executable}",
-                "-DCMAKE_BUILD_TYPE=Release",
-            ]
-            options += ["-G", "Ninja"] if shutil.which("ninja") else []
-        options += shlex.split(os.environ.get("ORVGEN_CMAKE_ARGS", ""))
-        jobs = str(len(os.sched_getaffinity(0)))
-        for command in (
-            ["cmake", "-S", root, "-B", build, *options],
-            ["cmake", "--build", build, "-j", jobs, "--target", "orvgen_python_package"],
-            ["cmake", "--install", build, "--component", "python", "--prefix", Path(self.build_lib).resolve()],
-        ):
-            subprocess.run([str(word) for word in command], check=True)
+        prefix = Path(self.build_lib).resolve()
+        # The folder is packed as it is: nothing of an older build may be left in it.
+        shutil.rmtree(prefix / "orvgen", ignore_errors=True)
+        for command in commands(prefix):
+            subprocess.run(command, check=True)
 
 
-setup(
-    version=release,
-    packages=[],
-    ext_modules=[Extension("orvgen._batch", sources=[])],
-    cmdclass={"build_ext": BuildByCMake},
-)
+if __name__ == "__main__":
+    setup(
+        version=release(),
+        packages=[],
+        ext_modules=[Extension("orvgen._batch", sources=[])],
+        cmdclass={"build_ext": BuildByCMake},
+    )

@@ -20,6 +20,14 @@ assert len(loaded) == 3 and all(pathlib.Path(path).parent.is_relative_to(package
 which = orvgen.which()
 assert {which.kernels, which.batch} <= loaded, which
 
+# The second build of the kernels stands where the loader looks for it, and is taken where it can run.
+second = "lib/glibc-hwcaps/x86-64-v3/liborvgenm7.so.6.1"
+held = {path.relative_to(package).as_posix() for path in package.glob("lib/**/*.so*")}
+assert held == {"lib/liborvgenm7.so.6.1", "lib/liborvgenbatch.so.1", "lib/liborvcorexwide.so.6.1", second}, held
+flags = set(pathlib.Path("/proc/cpuinfo").read_text().partition("flags")[2].partition("\n")[0].split())
+level3 = {"avx", "avx2", "bmi1", "bmi2", "f16c", "fma", "abm", "movbe", "xsave"} <= flags
+assert pathlib.Path(which.kernels) == package / (second if level3 else "lib/liborvgenm7.so.6.1"), which
+
 # Nothing that is installed searches where it was built.
 for library in [*package.glob("*.so"), *package.glob("lib/**/*.so*")]:
     head = subprocess.run(["readelf", "-d", library], capture_output=True, text=True, check=True).stdout

@@ -25,6 +25,16 @@ if [[ $# == 0 ]]; then
         "$environment/bin/pip" install --no-index --no-build-isolation .
     (cd / && unset PYTHONPATH && "$environment/bin/python" "$root/tests/python/installed.py" "$environment")
 
+    # As it is handed on: a wheel, and an environment that does not lie in the tree.
+    say "installing a wheel of it elsewhere"
+    elsewhere=$(mktemp -d)
+    ORVGEN_BUILD_DIR=$build quietly "$build/python-wheel.log" \
+        "$environment/bin/pip" wheel --no-index --no-deps --no-build-isolation -w "$elsewhere" .
+    quietly "$build/python-environment.log" "$python" -m venv --system-site-packages "$elsewhere/v"
+    quietly "$build/python-install.log" "$elsewhere/v/bin/pip" install --no-index "$elsewhere"/orvgen-*.whl
+    (cd / && unset PYTHONPATH && "$elsewhere/v/bin/python" "$root/tests/python/installed.py" "$elsewhere/v")
+    rm -rf "$elsewhere"
+
     # SciPy has its tests beside it.
     say "testing SciPy with the backend"
     PYTHONPATH=$PYTHONPATH:$root/tests/python "$python" -m pytest -q -c /dev/null -p no:cacheprovider \
