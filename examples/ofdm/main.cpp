@@ -68,13 +68,15 @@ int run(const Arguments& arguments) {
     checkPictureFile(arguments.picture);
     const Settings& settings = arguments.settings;
     const Outcome outcome = runLink(settings);
+    const std::string symbols =
+        std::to_string(settings.symbols) + (settings.symbols == 1 ? " symbol" : " symbols");
     const std::string scheme = settings.bits == 2 ? "QPSK" : "16-QAM";
     const std::string noise =
         settings.snr ? decibels(*settings.snr) + " signal to noise" : "no noise";
 
     std::cout.precision(4);
     std::cout << "link: " << scheme << " on " << carriers << " of " << points << " carriers, "
-              << settings.symbols << " symbols, six paths, " << noise << "\n"
+              << symbols << ", six paths, " << noise << "\n"
               << "bit errors: " << outcome.wrong << " of " << outcome.sent << ", rate "
               << outcome.rate() << "\n"
               << "theory: " << outcome.theory.estimated << " with this channel as estimated, "
@@ -84,10 +86,9 @@ int run(const Arguments& arguments) {
               << decibels(20 * std::log10(outcome.errorVector)) << "\n";
     const std::size_t all = outcome.after.size(), shown = std::min(all, pointsShown);
     const std::string subtitle =
-        std::to_string(settings.symbols) + " symbols of 64 samples behind a prefix of 16; " +
-        "the channel learnt anew from " + std::to_string(training) + " training symbols every " +
-        std::to_string(frame) + "; " + std::to_string(shown) + " of " + std::to_string(all) +
-        " points shown";
+        symbols + " of 64 samples behind a prefix of 16; " + "the channel learnt anew from " +
+        std::to_string(training) + " training symbols every " + std::to_string(frame) + "; " +
+        std::to_string(shown) + " of " + std::to_string(all) + " points shown";
     writePicture({"Multicarrier link: " + scheme + " on 52 of 64 carriers, six paths, " + noise,
                   subtitle, settings, outcome},
                  arguments.picture);

@@ -4,6 +4,7 @@
 source "$(dirname "$0")/../common/check.sh"
 
 refused "no such file" "$folder/absent.wav"
+[[ -z $("$program" "$folder/absent.wav" 2>/dev/null) ]] || fail "a table of nothing"
 wav "$folder/short.wav" 4000 </dev/zero
 refused "too short" "$folder/short.wav"
 for sizes in 0 31 words 16416 100000; do

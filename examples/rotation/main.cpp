@@ -73,13 +73,19 @@ void multiply(const std::vector<float>& columns, const float* x, float* y, std::
         for (std::size_t k = 0; k < n; ++k) y[k] += columns[i * n + k] * x[i];
 }
 
-void showSize(const std::vector<std::string>& recordings, int size) {
-    const Rotation rotation(size);
-    const Vectors plain = spectra(recordings, static_cast<std::size_t>(size));
+void showHead(std::size_t recordings) {
+    std::printf(
+        "log spectra of %zu recording%s; share of the 10 nearest vectors found in 1, 2 and 4 bits\n"
+        "                        1 bit         2 bits        4 bits      vectors turned a second\n"
+        "elements  vectors   plain turned  plain turned  plain turned    batches  by matrix\n",
+        recordings, recordings == 1 ? "" : "s");
+}
+
+void showRow(const Rotation& rotation, const Vectors& plain) {
     Vectors turned = plain;
     rotation.apply(turned.elements.data(), turned.count());
 
-    std::printf("%8d %8zu ", size, plain.count());
+    std::printf("%8zu %8zu ", plain.size, plain.count());
     for (const int bits : {1, 2, 4})
         std::printf("  %5.3f %5.3f", recall(plain, quantised(plain, bits)),
                     recall(turned, quantised(turned, bits)));
@@ -98,12 +104,14 @@ void showSize(const std::vector<std::string>& recordings, int size) {
 int run(const Arguments& arguments) {
     const auto recordings =
         arguments.recordings.empty() ? defaultRecordings() : arguments.recordings;
-    std::printf(
-        "log spectra of %zu recordings; share of the 10 nearest vectors found in 1, 2 and 4 bits\n"
-        "                        1 bit         2 bits        4 bits      vectors turned a second\n"
-        "elements  vectors   plain turned  plain turned  plain turned    batches  by matrix\n",
-        recordings.size());
-    for (const int size : arguments.sizes) showSize(recordings, size);
+    bool begun = false;
+    for (const int size : arguments.sizes) {
+        const Rotation rotation(size);
+        const Vectors plain = spectra(recordings, static_cast<std::size_t>(size));
+        if (!begun) showHead(recordings.size());
+        begun = true;
+        showRow(rotation, plain);
+    }
     return EXIT_SUCCESS;
 }
 

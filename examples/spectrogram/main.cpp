@@ -100,7 +100,8 @@ int run(const Arguments& arguments) {
               << "levels: " << levelsOf(s) << "\n";
     writePicture(s, recording.title(),
                  recording.origin() + "; " + treatment(recording, s) + "; " +
-                     grouped(s.transforms) + " transforms" + transformation(s),
+                     grouped(s.transforms) + (s.transforms == 1 ? " transform" : " transforms") +
+                     transformation(s),
                  arguments.picture);
     std::cout << "picture: " << arguments.picture << "\n";
     return EXIT_SUCCESS;

@@ -15,6 +15,7 @@ constexpr Colour faint = {0.60, 0.63, 0.68};
 constexpr Colour line = {0.32, 0.35, 0.40};
 constexpr Colour wave = {0.96, 0.66, 0.30};
 
+constexpr double labels = 22;    // where the axes' labels stand, left of their numbers
 constexpr double silent = -190;  // below it there is nothing but what keeps the logarithm finite
 
 // From dark to bright with steadily growing lightness, so that level reads also without hue.
@@ -73,7 +74,7 @@ void paintEnvelope(Painter& p, const Box& box, const std::vector<Spectrogram::Co
         p.text("+" + reach, box.x - 12, box.y + 6, 14, 1, ink);
         p.text("-" + reach, box.x - 12, box.bottom() - 6, 14, 1, ink);
     }
-    p.textUpwards("envelope", 34, middle, std::min(15.0, box.h / 4.5), faint);
+    p.textUpwards("envelope", labels, middle, std::min(15.0, box.h / 4.5), faint);
 }
 
 void paintFrequencies(Painter& p, const Box& box, double top) {
@@ -84,7 +85,7 @@ void paintFrequencies(Painter& p, const Box& box, double top) {
         tick(p, box.x - 7, y, box.x - 1, y);
         p.text(stepLabel(i * step, step), box.x - 12, y, 14, 1, ink);
     }
-    p.textUpwards("frequency (kHz)", 34, box.y + box.h / 2, 15, faint);
+    p.textUpwards("frequency (kHz)", labels, box.y + box.h / 2, 15, faint);
 }
 
 void paintTimes(Painter& p, const Box& box, double seconds) {
@@ -130,7 +131,7 @@ Layout::Layout(std::size_t count)
 
 Box Layout::envelope(std::size_t channel) const {
     const double y = 112 + (panelHeight + 22) * static_cast<double>(channel);
-    return {96, std::floor(y), Spectrogram::columns, std::floor(40 + (panelHeight - 200) * 0.08)};
+    return {116, std::floor(y), Spectrogram::columns, std::floor(40 + (panelHeight - 200) * 0.08)};
 }
 
 Box Layout::levels(std::size_t channel) const {

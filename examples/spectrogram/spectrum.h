@@ -34,8 +34,8 @@ struct Spectrogram {
     double seconds = 0;
     int hop = 0;  // samples from one window to the next
     std::int64_t transforms = 0;
-    // Nanoseconds for one: in batches, as all were made, and, tried on the first of them, by a loop
-    // of single calls, which gives the same bits.
+    // Nanoseconds for one, at best: in batches, as all were made, and, tried on the first of them,
+    // by a loop of single calls, which gives the same bits.
     double batchNanoseconds = 0, singleNanoseconds = 0;
 
     double binWidth() const { return rate / points; }

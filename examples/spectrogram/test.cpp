@@ -49,9 +49,31 @@ TEST(Spectrum, ASineBetweenTwoBinsLeaksAsThroughHannsWindow) {
     const Spectrogram s = spectrogramOf({sine(rate, 20000, 10.5 * binHz)});
     EXPECT_NEAR(level(s, 700, 10), -1.42, 0.05);
     EXPECT_NEAR(level(s, 700, 11), -1.42, 0.05);
-    for (int bin = 18; bin < Spectrogram::bins - 1; ++bin) {
+    for (int bin = 18; bin < Spectrogram::bins; ++bin) {
         EXPECT_LT(level(s, 700, bin), -60) << bin;
     }
+}
+
+// At both ends of the band, where a sine's two frequencies fall together, too.
+TEST(Spectrum, NoSineOfFullScaleIsLouderThan0Decibels) {
+    for (const double hz : {1.0, 20.0, 0.3 * binHz, rate / 2 - 0.3 * binHz, rate / 2 - 1.0}) {
+        const Spectrogram s = spectrogramOf({sine(rate, 20000, hz)});
+        EXPECT_LE(s.loudest().db, 0.01) << hz;
+        EXPECT_GT(s.loudest().db, -1.5) << hz;
+    }
+}
+
+TEST(Spectrum, TheLoudestOfAFewWindowsIsAtTheMiddleOfTheColumnsThatShowIt) {
+    for (const std::size_t samples : {64U, 65U}) {
+        const Samples32 tone = sine(rate, samples, 8 * binHz);
+        const double seconds = static_cast<double>(samples) / rate;
+        const Spectrogram::Loudest loudest = spectrogramOf({tone}).loudest();
+        EXPECT_NEAR(loudest.seconds, seconds / 2, seconds / 3);
+        EXPECT_EQ(loudest.frequency, 8 * binHz);
+    }
+    Samples32 click(192, 0.0F);
+    click[96] = 1;
+    EXPECT_NEAR(spectrogramOf({click}).loudest().seconds, 96.0 / rate, 2.0 / rate);
 }
 
 TEST(Spectrum, PolarityOfAChannelDoesNotMatter) {
