@@ -23,7 +23,8 @@ function(orvgen_assemble_kernels out generator)
 endfunction()
 
 # orvgen_assemble_wide_kernels(OUT FORM TARGETS name...): the assembly files of the kernels for batches in a form, Batch
-# (one transform a lane) or Rows (one in 16 bytes of a vector), for the instruction sets in the list TARGETS (avx2, avx512).
+# (one transform a lane), Pairs (the same on interleaved elements) or Rows (one in 16 bytes of a vector), for the instruction
+# sets in the list TARGETS (avx2, avx512).
 function(orvgen_assemble_wide_kernels out form targets)
     set(files "")
     string(TOLOWER ${form} command)

@@ -16,6 +16,7 @@ namespace orvgen::batch::avx2 {
 #include "batch/layout.h"
 #include "batch/far_rows.h"
 #include "batch/blocks.h"
+#include "batch/pairs.h"
 #include "batch/lane_transforms.h"
 // clang-format on
 
@@ -25,10 +26,7 @@ namespace orvgen::batch {
 
 template <class R>
 std::size_t runBlocksAvx2(const Task<R>& task) {
-    const avx2::Way way = avx2::wayOf(task);
-    if (way == avx2::Way::RowByRow) return 0;
-    if (const std::size_t done = avx2::runComplexRows(task, way)) return done;
-    return avx2::Blocks<R>(task).run();
+    return avx2::runTask(task);
 }
 template <class R>
 std::size_t runBlocksAvx2(const WhtTask<R>& task) {

@@ -16,6 +16,7 @@ namespace orvgen::batch::avx512 {
 #include "batch/layout.h"
 #include "batch/far_rows.h"
 #include "batch/blocks.h"
+#include "batch/pairs.h"
 #include "batch/lane_transforms.h"
 // clang-format on
 
@@ -25,10 +26,7 @@ namespace orvgen::batch {
 
 template <class R>
 std::size_t runBlocksAvx512(const Task<R>& task) {
-    const avx512::Way way = avx512::wayOf(task);
-    if (way == avx512::Way::RowByRow) return 0;
-    if (const std::size_t done = avx512::runComplexRows(task, way)) return done;
-    return avx512::Blocks<R>(task).run();
+    return avx512::runTask(task);
 }
 template <class R>
 std::size_t runBlocksAvx512(const WhtTask<R>& task) {

@@ -65,15 +65,19 @@ constexpr int worthwhile(Kind kind, int n) {
     return (complex ? pairs : real).from[n < 8 ? 0 : n < 16 ? 1 : n < 32 ? 2 : 3];
 }
 
+template <class R>
+bool areComplexRows(const Task<R>& task) {
+    return task.srcLayout == Layout::Complex && task.dstLayout == Layout::Complex &&
+           task.src.stride == 2 && task.src.isInterleaved() && task.dst.stride == 2 &&
+           task.dst.isInterleaved();
+}
+
 // Rows of complex elements on both sides, by a kernel of their own if there is one. Returns how
 // many are done.
 template <class R>
 std::size_t runComplexRows(const Task<R>& task, Way way) {
     constexpr std::size_t parts = Vectors<R>::lanes * sizeof(R) / 16;
-    const bool areRows = task.srcLayout == Layout::Complex && task.dstLayout == Layout::Complex &&
-                         task.src.stride == 2 && task.src.isInterleaved() && task.dst.stride == 2 &&
-                         task.dst.isInterleaved();
-    RowsKernel<R>* const kernel = areRows ? rowsKernelOf<R>(task.kind, task.n) : nullptr;
+    RowsKernel<R>* const kernel = rowsKernelOf<R>(task.kind, task.n);
     const std::size_t blocks = task.count / parts;
     if (kernel == nullptr || blocks == 0) return 0;
     if (way == Way::LanesAhead) {

@@ -9,10 +9,14 @@
 #define ADDRESS(NAME, N, T) ADDRESS_OF(NAME, N, T),
 #define ROWS_ADDRESS_OF(NAME, N, T) ORVGEN_KERNEL(Rows, NAME, N, T, ORVGEN_BATCH_TARGET)
 #define ROWS_ADDRESS(NAME, N, T) ROWS_ADDRESS_OF(NAME, N, T),
+#define PAIRS_ADDRESS_OF(NAME, N, T) ORVGEN_KERNEL(Pairs, NAME, N, T, ORVGEN_BATCH_TARGET)
+#define PAIRS_ADDRESS(NAME, N, T) PAIRS_ADDRESS_OF(NAME, N, T),
 #define DECLARE_32(NAME, N, T) extern "C" BlockKernel<float> ADDRESS_OF(NAME, N, T);
 #define DECLARE_64(NAME, N, T) extern "C" BlockKernel<double> ADDRESS_OF(NAME, N, T);
 #define DECLARE_ROWS_32(NAME, N, T) extern "C" RowsKernel<float> ROWS_ADDRESS_OF(NAME, N, T);
 #define DECLARE_ROWS_64(NAME, N, T) extern "C" RowsKernel<double> ROWS_ADDRESS_OF(NAME, N, T);
+#define DECLARE_PAIRS_32(NAME, N, T) extern "C" BlockKernel<float> PAIRS_ADDRESS_OF(NAME, N, T);
+#define DECLARE_PAIRS_64(NAME, N, T) extern "C" BlockKernel<double> PAIRS_ADDRESS_OF(NAME, N, T);
 // The lengths at which single complex binary32 kernels move whole vectors only.
 #define EIGHTS(F, NAME, T) \
     F(NAME, 8, T)          \
@@ -43,6 +47,14 @@ EIGHTS(DECLARE_ROWS_32, DFTFwd_CToC, 32fc)
 EIGHTS(DECLARE_ROWS_32, DFTInv_CToC, 32fc)
 ORVGEN_LENGTHS(DECLARE_ROWS_64, DFTFwd_CToC, 64fc)
 ORVGEN_LENGTHS(DECLARE_ROWS_64, DFTInv_CToC, 64fc)
+ORVGEN_LENGTHS(DECLARE_PAIRS_32, DFTFwd_CToC, 32fc)
+ORVGEN_LENGTHS(DECLARE_PAIRS_32, DFTInv_CToC, 32fc)
+ORVGEN_LENGTHS(DECLARE_PAIRS_32, DFTFwd_RToCCS, 32f)
+ORVGEN_LENGTHS(DECLARE_PAIRS_32, DFTInv_CCSToR, 32f)
+ORVGEN_LENGTHS(DECLARE_PAIRS_64, DFTFwd_CToC, 64fc)
+ORVGEN_LENGTHS(DECLARE_PAIRS_64, DFTInv_CToC, 64fc)
+ORVGEN_LENGTHS(DECLARE_PAIRS_64, DFTFwd_RToCCS, 64f)
+ORVGEN_LENGTHS(DECLARE_PAIRS_64, DFTInv_CCSToR, 64f)
 
 template <class R>
 struct Kernels;
@@ -58,6 +70,10 @@ struct Kernels<float> {
     static constexpr Row hartley[] = {ORVGEN_LENGTHS(ADDRESS, Hartley, 32f)};
     static constexpr RowsKernel<float>* forwardRows[] = {EIGHTS(ROWS_ADDRESS, DFTFwd_CToC, 32fc)};
     static constexpr RowsKernel<float>* inverseRows[] = {EIGHTS(ROWS_ADDRESS, DFTInv_CToC, 32fc)};
+    static constexpr Row forwardPairs[] = {ORVGEN_LENGTHS(PAIRS_ADDRESS, DFTFwd_CToC, 32fc)};
+    static constexpr Row inversePairs[] = {ORVGEN_LENGTHS(PAIRS_ADDRESS, DFTInv_CToC, 32fc)};
+    static constexpr Row realForwardPairs[] = {ORVGEN_LENGTHS(PAIRS_ADDRESS, DFTFwd_RToCCS, 32f)};
+    static constexpr Row realInversePairs[] = {ORVGEN_LENGTHS(PAIRS_ADDRESS, DFTInv_CCSToR, 32f)};
     static constexpr Row fromPack7 = ADDRESS_OF(DFTInv_PackToR, 7, 32f);
     static constexpr Row fromPack49 = ADDRESS_OF(DFTInv_PackToR, 49, 32f);
 };
@@ -73,6 +89,10 @@ struct Kernels<double> {
         ORVGEN_LENGTHS(ROWS_ADDRESS, DFTFwd_CToC, 64fc)};
     static constexpr RowsKernel<double>* inverseRows[] = {
         ORVGEN_LENGTHS(ROWS_ADDRESS, DFTInv_CToC, 64fc)};
+    static constexpr Row forwardPairs[] = {ORVGEN_LENGTHS(PAIRS_ADDRESS, DFTFwd_CToC, 64fc)};
+    static constexpr Row inversePairs[] = {ORVGEN_LENGTHS(PAIRS_ADDRESS, DFTInv_CToC, 64fc)};
+    static constexpr Row realForwardPairs[] = {ORVGEN_LENGTHS(PAIRS_ADDRESS, DFTFwd_RToCCS, 64f)};
+    static constexpr Row realInversePairs[] = {ORVGEN_LENGTHS(PAIRS_ADDRESS, DFTInv_CCSToR, 64f)};
     static constexpr Row fromPack7 = ADDRESS_OF(DFTInv_PackToR, 7, 64f);
     static constexpr Row fromPack49 = ADDRESS_OF(DFTInv_PackToR, 49, 64f);
 };
@@ -96,6 +116,23 @@ BlockKernel<R>* kernelOf(Kind kind, int n) {
             return Ks::realInverse[row];
         default:
             return Ks::hartley[row];
+    }
+}
+
+// The kernel on interleaved elements.
+template <class R>
+BlockKernel<R>* pairsKernelOf(Kind kind, int n) {
+    using Ks = Kernels<R>;
+    const int row = n - kLengths.first;
+    switch (kind) {
+        case Kind::Forward:
+            return Ks::forwardPairs[row];
+        case Kind::Inverse:
+            return Ks::inversePairs[row];
+        case Kind::RealForward:
+            return Ks::realForwardPairs[row];
+        default:
+            return Ks::realInversePairs[row];
     }
 }
 

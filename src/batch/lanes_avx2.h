@@ -142,6 +142,27 @@ struct Vectors<float> {
         low = _mm256_permute2f128_ps(a, b, 0x20);
         high = _mm256_permute2f128_ps(a, b, 0x31);
     }
+
+    // Pairs from anywhere side by side: at(Index<l>) is where pair l stands.
+    template <class At>
+    ORVGEN_DCT4_INLINE static V gatherPairs(const At& at) {
+        const __m128 low = pairs(at(Index<0>{}), at(Index<1>{}));
+        const __m128 high = pairs(at(Index<2>{}), at(Index<3>{}));
+        return _mm256_insertf128_ps(_mm256_castps128_ps256(low), high, 1);
+    }
+    // And back; put(Index<l>, write) as in fromSlots.
+    template <class Put>
+    ORVGEN_DCT4_INLINE static void scatterPairs(V v, const Put& put) {
+        unroll<4>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            put(l, [&](float* p) ORVGEN_DCT4_INLINE_LAMBDA {
+                const __m128 two = _mm256_extractf128_ps(v, l / 2);
+                if constexpr (l % 2 == 0)
+                    _mm_storel_pi(reinterpret_cast<__m64*>(p), two);
+                else
+                    _mm_storeh_pi(reinterpret_cast<__m64*>(p), two);
+            });
+        });
+    }
 };
 
 template <>
@@ -215,6 +236,20 @@ struct Vectors<double> {
         const V a = _mm256_unpacklo_pd(re, im), b = _mm256_unpackhi_pd(re, im);
         low = _mm256_permute2f128_pd(a, b, 0x20);
         high = _mm256_permute2f128_pd(a, b, 0x31);
+    }
+
+    template <class At>
+    ORVGEN_DCT4_INLINE static V gatherPairs(const At& at) {
+        return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_loadu_pd(at(Index<0>{}))),
+                                    _mm_loadu_pd(at(Index<1>{})), 1);
+    }
+    template <class Put>
+    ORVGEN_DCT4_INLINE static void scatterPairs(V v, const Put& put) {
+        unroll<2>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            put(l, [&](double* p) ORVGEN_DCT4_INLINE_LAMBDA {
+                _mm_storeu_pd(p, _mm256_extractf128_pd(v, l));
+            });
+        });
     }
 };
 

@@ -192,6 +192,31 @@ struct Vectors<float> {
         low = _mm512_permutex2var_ps(re, first, im);
         high = _mm512_permutex2var_ps(re, second, im);
     }
+
+    // Pairs from anywhere side by side: at(Index<l>) is where pair l stands.
+    template <class At>
+    ORVGEN_DCT4_INLINE static V gatherPairs(const At& at) {
+        const auto four = [&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            const __m128 low = pairs(at(l), at(Index<l + 1>{}));
+            const __m128 high = pairs(at(Index<l + 2>{}), at(Index<l + 3>{}));
+            return _mm256_castps_pd(_mm256_insertf128_ps(_mm256_castps128_ps256(low), high, 1));
+        };
+        return _mm512_castpd_ps(
+            _mm512_insertf64x4(_mm512_castpd256_pd512(four(Index<0>{})), four(Index<4>{}), 1));
+    }
+    // And back; put(Index<l>, write) as in fromSlots.
+    template <class Put>
+    ORVGEN_DCT4_INLINE static void scatterPairs(V v, const Put& put) {
+        unroll<8>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            put(l, [&](float* p) ORVGEN_DCT4_INLINE_LAMBDA {
+                const __m128 two = _mm512_extractf32x4_ps(v, l / 2);
+                if constexpr (l % 2 == 0)
+                    _mm_storel_pi(reinterpret_cast<__m64*>(p), two);
+                else
+                    _mm_storeh_pi(reinterpret_cast<__m64*>(p), two);
+            });
+        });
+    }
 };
 
 template <>
@@ -312,6 +337,23 @@ struct Vectors<double> {
     ORVGEN_DCT4_INLINE static void joinPairs(V re, V im, V& low, V& high) {
         low = _mm512_permutex2var_pd(re, _mm512_setr_epi64(0, 8, 1, 9, 2, 10, 3, 11), im);
         high = _mm512_permutex2var_pd(re, _mm512_setr_epi64(4, 12, 5, 13, 6, 14, 7, 15), im);
+    }
+
+    template <class At>
+    ORVGEN_DCT4_INLINE static V gatherPairs(const At& at) {
+        const auto two = [&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_loadu_pd(at(l))),
+                                        _mm_loadu_pd(at(Index<l + 1>{})), 1);
+        };
+        return _mm512_insertf64x4(_mm512_castpd256_pd512(two(Index<0>{})), two(Index<2>{}), 1);
+    }
+    template <class Put>
+    ORVGEN_DCT4_INLINE static void scatterPairs(V v, const Put& put) {
+        unroll<4>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            put(l, [&](double* p) ORVGEN_DCT4_INLINE_LAMBDA {
+                _mm_storeu_pd(p, _mm512_extractf64x2_pd(v, l));
+            });
+        });
     }
 };
 

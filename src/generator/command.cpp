@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <exception>
 #include <iostream>
+#include <iterator>
 #include <optional>
 #include <stdexcept>
 
@@ -70,19 +71,26 @@ kernelgen::Layout batchLayout(orvgen::Layout layout) {
     }
 }
 
-void emitBatch(const Kernel& kernel, const FamilyInfo& family, const std::string& folder,
-               const std::string& name) {
+// The forms of kernels for batches.
+struct Form {
+    const char* command;
+    std::string (*name)(const std::string& kernel, const Target& target);
+    CompiledKernel (*compile)(const Kernel& kernel, const Target& target, WideOptions options);
+};
+CompiledKernel compileRowsOnly(const Kernel& kernel, const Target& target, WideOptions) {
+    if (!hasRows(kernel)) throw std::runtime_error(kernel.name + " moves parts of vectors");
+    return compileRows(kernel, target);
+}
+constexpr Form kForms[] = {{"batch", batchName, compileBatch},
+                           {"pairs", pairsName, compilePairs},
+                           {"rows", rowsName, compileRowsOnly}};
+
+void emitWide(const Form& form, const Kernel& kernel, const FamilyInfo& family,
+              const std::string& folder, const std::string& name) {
     const Target& target = targetOf(name);
     const WideOptions options = {.src = batchLayout(family.src), .dst = batchLayout(family.dst)};
-    writeKernelFile(folder + "/" + batchName(kernel.name, target) + ".s", keyOf(kernel),
-                    [&] { return compileBatch(kernel, target, options).assembly; });
-}
-
-void emitRows(const Kernel& kernel, const std::string& folder, const std::string& name) {
-    if (!hasRows(kernel)) throw std::runtime_error(kernel.name + " moves parts of vectors");
-    const Target& target = targetOf(name);
-    writeKernelFile(folder + "/" + rowsName(kernel.name, target) + ".s", keyOf(kernel),
-                    [&] { return compileRows(kernel, target).assembly; });
+    writeKernelFile(folder + "/" + form.name(kernel.name, target) + ".s", keyOf(kernel),
+                    [&] { return form.compile(kernel, target, options).assembly; });
 }
 
 void show(const std::vector<KernelFamily>& families, const std::string& tables,
@@ -118,19 +126,20 @@ int runCommand(int argc, char** argv, const std::vector<KernelFamily>& families)
             show(families, argv[2], {argv + 3, argv + argc});
             return 0;
         }
-        const bool isBatch = command == "batch" || command == "rows";
-        if ((command != "emit" || (argc != 4 && argc != 5)) && (!isBatch || argc < 5))
+        const Form* const form = std::ranges::find(kForms, command, &Form::command);
+        const bool isWide = form != std::end(kForms);
+        if ((command != "emit" || (argc != 4 && argc != 5)) && (!isWide || argc < 5))
             return fail(
                 "usage: list | plans | emit NAME FILE [TARGET] | batch NAME FOLDER TARGET... | "
-                "rows NAME FOLDER TARGET... | show FOLDER_OF_TABLES NAME...",
+                "pairs NAME FOLDER TARGET... | rows NAME FOLDER TARGET... | show FOLDER_OF_TABLES "
+                "NAME...",
                 2);
         const std::optional<Member> member = findMember(families, argv[2]);
         if (!member) return fail("no such kernel: " + std::string(argv[2]), 2);
         const Kernel kernel = familyOf(families, *member).kernel(member->number);
-        if (isBatch)
+        if (isWide)
             for (int i = 4; i < argc; ++i)
-                command == "batch" ? emitBatch(kernel, *member->family, argv[3], argv[i])
-                                   : emitRows(kernel, argv[3], argv[i]);
+                emitWide(*form, kernel, *member->family, argv[3], argv[i]);
         else
             emit(kernel, argv[3], argc == 5 ? targetOf(argv[4]) : kSse2);
         return 0;

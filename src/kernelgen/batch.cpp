@@ -3,7 +3,9 @@
 
 #include <bit>
 #include <optional>
+#include <utility>
 
+#include "lower_parts.h"
 #include "strided.h"
 #include "wide_text.h"
 
@@ -27,16 +29,17 @@ enum Side : std::size_t { SrcRe, SrcIm, DstRe, DstIm };
 
 class BatchPrinter {
   public:
-    BatchPrinter(const Kernel& kernel, const Target& target, const WideOptions& options)
-        : kernel_(kernel), target_(target), name_(batchName(kernel.name, target)) {
+    // A side that is Layout::Real has one pointer.
+    BatchPrinter(const Kernel& kernel, const Target& target, std::string name, const Code& code,
+                 Layout src, Layout dst)
+        : kernel_(kernel), target_(target), name_(std::move(name)) {
         AllocationOptions allocation;
         allocation.foldSrc = true;
         allocation.storesEndAllOfSrc = false;
-        block_ = compileBlock(lowerWide(kernel.flow, target, options), target, allocation, -1,
-                              Search::Short);
+        block_ = compileBlock(code, target, allocation, -1, Search::Short);
         pool_.emplace(block_, target);
-        isSrcReal_ = options.src == Layout::Real;
-        isDstReal_ = options.dst == Layout::Real;
+        isSrcReal_ = src == Layout::Real;
+        isDstReal_ = dst == Layout::Real;
         std::vector<std::string> spare;
         if (isSrcReal_) spare.push_back("rsi");
         if (isDstReal_) spare.push_back("r8");
@@ -50,7 +53,7 @@ class BatchPrinter {
         spare_ = spare;
     }
 
-    CompiledKernel run() {
+    CompiledKernel run(int transforms) {
         const std::string body = instructions();
         CompiledKernel result;
         result.figures = {.instructions = instructions_,
@@ -58,9 +61,8 @@ class BatchPrinter {
                           .spills = block_.spills,
                           .modelCycles = block_.modelCycles,
                           .portBound = block_.portBound};
-        result.assembly =
-            wideHead(name_, kernel_, result.figures, batchWidth(kernel_.flow, target_)) + enter() +
-            openLoop() + body + leave() + pool_->print(name_, kernel_.length);
+        result.assembly = wideHead(name_, kernel_, result.figures, transforms) + enter() +
+                          openLoop() + body + leave() + pool_->print(name_, kernel_.length);
         return result;
     }
 
@@ -174,6 +176,15 @@ class BatchPrinter {
     int instructions_ = 0;
 };
 
+CompiledKernel compileWide(const Kernel& kernel, const Target& target, const std::string& name,
+                           WideOptions options) {
+    options.length = kernel.length;
+    options.halvesOnly = kernel.halvesOnly;
+    return BatchPrinter(kernel, target, name, lowerWide(kernel.flow, target, options), options.src,
+                        options.dst)
+        .run(batchWidth(kernel.flow, target));
+}
+
 }  // namespace
 
 std::string batchName(const std::string& kernel, const Target& target) {
@@ -181,9 +192,21 @@ std::string batchName(const std::string& kernel, const Target& target) {
 }
 
 CompiledKernel compileBatch(const Kernel& kernel, const Target& target, WideOptions options) {
-    options.length = kernel.length;
-    options.halvesOnly = kernel.halvesOnly;
-    return BatchPrinter(kernel, target, options).run();
+    return compileWide(kernel, target, batchName(kernel.name, target), options);
+}
+
+std::string pairsName(const std::string& kernel, const Target& target) {
+    return "owngPairs" + kernel.substr(4) + "_" + target.name;
+}
+
+CompiledKernel compilePairs(const Kernel& kernel, const Target& target, WideOptions options) {
+    const std::string name = pairsName(kernel.name, target);
+    if (kernel.flow.arithmetic() == Arithmetic::DoublePair)
+        return BatchPrinter(kernel, target, name, lowerParts(kernel.flow, target, Parts::OfColumns),
+                            Layout::Real, Layout::Real)
+            .run(target.vectorBytes / kPartBytes);
+    options.complexes = Complexes::Interleaved;
+    return compileWide(kernel, target, name, options);
 }
 
 }  // namespace orvgen::kernelgen

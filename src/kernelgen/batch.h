@@ -11,6 +11,12 @@
 // is a ScaleKind. The same is done `blocks` times, at least once, the pointers moved on by srcBlock
 // and dstBlock bytes each time. Equal pointers and steps on both sides are harmless, any other
 // overlap is not.
+//
+// A kernel on pairs is called in the same way for interleaved complex elements, of which those of
+// the transforms stand side by side. In binary32 and in mixed families it works on W transforms:
+// srcIm (dstIm) is one vector behind srcRe (dstRe), and the half spectrum is written with its
+// zeros. In complex binary64 it works on as many transforms as a vector has parts of 16 bytes, as
+// the kernels for rows do, and takes srcRe and dstRe only.
 #pragma once
 
 #include "compile.h"
@@ -23,5 +29,8 @@ std::string batchName(const std::string& kernel, const Target& target);
 
 // Which sides are complex is `options`' to say; the flow is the single kernel's own.
 CompiledKernel compileBatch(const Kernel& kernel, const Target& target, WideOptions options);
+
+std::string pairsName(const std::string& kernel, const Target& target);
+CompiledKernel compilePairs(const Kernel& kernel, const Target& target, WideOptions options);
 
 }  // namespace orvgen::kernelgen

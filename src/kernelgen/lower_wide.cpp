@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "lower_wide.h"
 
+#include <bit>
+#include <cstdint>
+#include <map>
 #include <stdexcept>
 
 #include "lower.h"
@@ -15,7 +18,7 @@ namespace {
 class WideLowering {
   public:
     WideLowering(const Graph& graph, const Target& target, const WideOptions& options)
-        : scalars_(graph, options), target_(target), pool_(code_) {
+        : options_(options), scalars_(graph, options), target_(target), pool_(code_) {
         isSingle_ = isSingle(graph.elementType());
         code_.stages = graph.stages();
         code_.scale.type = isSingle_ ? Type::F32 : Type::F64;
@@ -23,12 +26,11 @@ class WideLowering {
 
     Code run() {
         for (const Scalar& s : scalars_.list()) lower(s);
-        for (const Scalars::Output& o : scalars_.outputs()) {
-            Instruction i = instruction(Opcode::Store16, o.stage);
-            i.a = registers_[static_cast<std::size_t>(o.value)].front();
-            inMemory(i, {Base::Dst, o.slot * target_.vectorBytes});
-            code_.instructions.push_back(i);
-        }
+        if (isInterleaved(options_.dst))
+            storePairs();
+        else
+            for (const Scalars::Output& o : scalars_.outputs())
+                store(o.slot, inMemoryOrder(operand(o.value, 0), o.stage), o.stage);
         return std::move(code_);
     }
 
@@ -50,6 +52,101 @@ class WideLowering {
         i.dst = code_.fresh();
         code_.instructions.push_back(i);
         return i.dst;
+    }
+
+    // ---- elements in memory
+
+    bool isInterleaved(Layout side) const {
+        return options_.complexes == Complexes::Interleaved && side != Layout::Real;
+    }
+
+    Register load(int slot, int stage) {
+        const auto [at, isNew] = loaded_.try_emplace(slot, kNoRegister);
+        if (isNew) {
+            Instruction i = instruction(Opcode::Load16, stage);
+            inMemory(i, {Base::Src, slot * target_.vectorBytes});
+            at->second = push(i);
+        }
+        return at->second;
+    }
+    void store(int slot, Register value, int stage) {
+        Instruction i = instruction(Opcode::Store16, stage);
+        i.a = value;
+        inMemory(i, {Base::Dst, slot * target_.vectorBytes});
+        code_.instructions.push_back(i);
+    }
+
+    Register shuffled(Opcode op, Register a, Register b, int immediate, int stage) {
+        Instruction i = instruction(op, stage);
+        i.a = a;
+        i.b = b;
+        i.immediate = immediate;
+        return push(i);
+    }
+
+    Register input(const Scalar& s) {
+        if (!isInterleaved(options_.src)) return inOrderOfPairs(load(s.slot, s.stage), s.stage);
+        const bool isImaginary = s.slot >= kImaginarySlots;
+        const int element = s.slot % kImaginarySlots;
+        const Register first = load(element, s.stage);
+        const Register second = load(kImaginarySlots + element, s.stage);
+        if (isSingle_)
+            return shuffled(Opcode::Shufps, first, second, isImaginary ? 0xdd : 0x88, s.stage);
+        return shuffled(isImaginary ? Opcode::Unpckhpd : Opcode::Unpcklpd, first, second, 0,
+                        s.stage);
+    }
+
+    void storePairs() {
+        struct Pair {
+            Register re = kNoRegister, im = kNoRegister;
+            int stage = 0;
+        };
+        std::map<int, Pair> pairs;
+        for (const Scalars::Output& o : scalars_.outputs()) {
+            Pair& pair = pairs[o.slot % kImaginarySlots];
+            (o.slot < kImaginarySlots ? pair.re : pair.im) = operand(o.value, 0);
+            pair.stage = o.stage;
+        }
+        for (const auto& [element, pair] : pairs) {
+            // The half spectrum's imaginary parts that are always zero.
+            const Register im =
+                pair.im != kNoRegister ? pair.im : push(instruction(Opcode::Zero, pair.stage));
+            const auto half = [&](Opcode single, Opcode twice) {
+                return shuffled(isSingle_ ? single : twice, pair.re, im, 0, pair.stage);
+            };
+            store(element, half(Opcode::Unpcklps, Opcode::Unpcklpd), pair.stage);
+            store(kImaginarySlots + element, half(Opcode::Unpckhps, Opcode::Unpckhpd), pair.stage);
+        }
+    }
+
+    // ---- the order of the transforms: taken apart, pairs leave the first and the second half of
+    // the transforms alternating by 8 bytes
+
+    bool isMixed() const { return isInterleaved(options_.src) != isInterleaved(options_.dst); }
+    int eights() const { return target_.vectorBytes / 8; }
+    Register inOrderOfPairs(Register x, int stage) {
+        return isMixed() ? permuted(x, stage, [&](int i) { return i / 2 + i % 2 * eights() / 2; })
+                         : x;
+    }
+    Register inMemoryOrder(Register x, int stage) {
+        return isMixed()
+                   ? permuted(x, stage, [&](int i) { return 2 * i % eights() + 2 * i / eights(); })
+                   : x;
+    }
+    // 8 bytes from place from(i) come to place i.
+    template <class From>
+    Register permuted(Register x, int stage, const From& from) {
+        if (order_ == kNoRegister) {
+            PoolEntry places{Type::F32, {}, "order of transforms"};
+            for (int i = 0; i < eights(); ++i)
+                for (int half = 0; half < 2; ++half)
+                    places.lanes.push_back(static_cast<double>(
+                        std::bit_cast<float>(static_cast<std::uint32_t>(2 * from(i) + half))));
+            Instruction i = instruction(Opcode::LoadAligned, stage);
+            inMemory(i, pool_.entry(places));
+            order_ = push(i);
+        }
+        return shuffled(Opcode::PermutePS, order_, x, 0, stage);
     }
 
     // A number that all transforms have in common: one in memory for all lanes, or a vector of it.
@@ -83,11 +180,8 @@ class WideLowering {
             return i;
         };
         switch (s.kind) {
-            case Kind::Input: {
-                Instruction i = instruction(Opcode::Load16, s.stage);
-                inMemory(i, {Base::Src, s.slot * target_.vectorBytes});
-                return push(i);
-            }
+            case Kind::Input:
+                return input(s);
             case Kind::Zero:
                 return push(instruction(Opcode::Zero, s.stage));
             case Kind::Add:
@@ -131,12 +225,15 @@ class WideLowering {
         throw std::logic_error("unknown kind of number");
     }
 
+    const WideOptions& options_;
     Scalars scalars_;
     const Target& target_;
     bool isSingle_ = false;
     Code code_;
     PoolBuilder pool_;
     std::vector<std::vector<Register>> registers_;
+    std::map<int, Register> loaded_;  // by slot of src
+    Register order_ = kNoRegister;    // of the transforms
 };
 
 }  // namespace

@@ -163,6 +163,7 @@ constexpr std::array<OpcodeRow, static_cast<std::size_t>(Opcode::Count)> kRows =
     shuffle(Opcode::InsertSS, "insertps", Unit::Interleave, true, false),
     shuffle(Opcode::BlendPS, "blendps", Unit::Logic, true),
     shuffle(Opcode::BlendPD, "blendpd", Unit::Logic, true),
+    shuffle(Opcode::PermutePS, "permps", Unit::Cross, false),
 
     store(Opcode::StoreSS, "movss", Four),
     store(Opcode::StoreSD, "movsd", Eight),

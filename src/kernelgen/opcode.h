@@ -58,6 +58,7 @@ enum class Opcode : std::uint8_t {
     InsertSS,  // the lanes of one, one of them of another, some of them zero
     BlendPS,   // each lane of one or of the other
     BlendPD,
+    PermutePS,  // the lanes of the second one that the first one says
 
     StoreSS,
     StoreSD,

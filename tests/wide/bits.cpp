@@ -28,20 +28,26 @@ using WideKernel = void(const R*, const R*, std::ptrdiff_t, R*, R*, std::ptrdiff
 #define DECLARE(NAME, N, T, R)                                   \
     extern "C" WideKernel<R> owngBatch##NAME##_##N##_##T##_avx2; \
     extern "C" WideKernel<R> owngBatch##NAME##_##N##_##T##_avx512;
+#define DECLARE_PAIRS(NAME, N, T, R)                             \
+    DECLARE(NAME, N, T, R)                                       \
+    extern "C" WideKernel<R> owngPairs##NAME##_##N##_##T##_avx2; \
+    extern "C" WideKernel<R> owngPairs##NAME##_##N##_##T##_avx512;
+#define DECLARE_PAIRS_F(NAME, N, T) DECLARE_PAIRS(NAME, N, T, float)
+#define DECLARE_PAIRS_D(NAME, N, T) DECLARE_PAIRS(NAME, N, T, double)
 #define DECLARE_F(NAME, N, T) DECLARE(NAME, N, T, float)
 #define DECLARE_D(NAME, N, T) DECLARE(NAME, N, T, double)
 #ifndef WIDE_LENGTHS
 #define WIDE_LENGTHS ORVGEN_LENGTHS
 #endif
-WIDE_LENGTHS(DECLARE_F, DFTFwd_CToC, 32fc)
-WIDE_LENGTHS(DECLARE_F, DFTInv_CToC, 32fc)
-WIDE_LENGTHS(DECLARE_F, DFTFwd_RToCCS, 32f)
-WIDE_LENGTHS(DECLARE_F, DFTInv_CCSToR, 32f)
+WIDE_LENGTHS(DECLARE_PAIRS_F, DFTFwd_CToC, 32fc)
+WIDE_LENGTHS(DECLARE_PAIRS_F, DFTInv_CToC, 32fc)
+WIDE_LENGTHS(DECLARE_PAIRS_F, DFTFwd_RToCCS, 32f)
+WIDE_LENGTHS(DECLARE_PAIRS_F, DFTInv_CCSToR, 32f)
 WIDE_LENGTHS(DECLARE_F, Hartley, 32f)
-WIDE_LENGTHS(DECLARE_D, DFTFwd_CToC, 64fc)
-WIDE_LENGTHS(DECLARE_D, DFTInv_CToC, 64fc)
-WIDE_LENGTHS(DECLARE_D, DFTFwd_RToCCS, 64f)
-WIDE_LENGTHS(DECLARE_D, DFTInv_CCSToR, 64f)
+WIDE_LENGTHS(DECLARE_PAIRS_D, DFTFwd_CToC, 64fc)
+WIDE_LENGTHS(DECLARE_PAIRS_D, DFTInv_CToC, 64fc)
+WIDE_LENGTHS(DECLARE_PAIRS_D, DFTFwd_RToCCS, 64f)
+WIDE_LENGTHS(DECLARE_PAIRS_D, DFTInv_CCSToR, 64f)
 WIDE_LENGTHS(DECLARE_D, Hartley, 64f)
 DECLARE_F(DFTInv_PackToR, 7, 32f)
 DECLARE_F(DFTInv_PackToR, 49, 32f)
@@ -60,26 +66,32 @@ struct Subject {
     int n;
     std::int32_t (*single)(const void*, void*, std::int32_t);
     WideKernel<R>*avx2, *avx512;
+    WideKernel<R>*pairsAvx2 = nullptr, *pairsAvx512 = nullptr;
 };
 
-#define SUBJECT(NAME, N, T)                                                                        \
+#define FORMS(FORM, NAME, N, T) \
+    owng##FORM##NAME##_##N##_##T##_avx2, owng##FORM##NAME##_##N##_##T##_avx512
+#define SUBJECT_WITH(NAME, N, T, ...)                                                              \
     {&orvgen::familyOf(#NAME, #T), N,                                                              \
      [](const void* src, void* dst, std::int32_t flag) {                                           \
          return orvg##NAME##_##N##_##T(static_cast<const Orv##T*>(src), static_cast<Orv##T*>(dst), \
                                        flag);                                                      \
      },                                                                                            \
-     owngBatch##NAME##_##N##_##T##_avx2, owngBatch##NAME##_##N##_##T##_avx512},
+     __VA_ARGS__},
+#define SUBJECT(NAME, N, T) SUBJECT_WITH(NAME, N, T, FORMS(Batch, NAME, N, T))
+#define SUBJECT_PAIRS(NAME, N, T) \
+    SUBJECT_WITH(NAME, N, T, FORMS(Batch, NAME, N, T), FORMS(Pairs, NAME, N, T))
 
 const std::vector<Subject<float>> kSubjectsF = {
-    WIDE_LENGTHS(SUBJECT, DFTFwd_CToC, 32fc) WIDE_LENGTHS(SUBJECT, DFTInv_CToC, 32fc)
-        WIDE_LENGTHS(SUBJECT, DFTFwd_RToCCS, 32f) WIDE_LENGTHS(SUBJECT, DFTInv_CCSToR, 32f)
-            WIDE_LENGTHS(SUBJECT, Hartley, 32f) SUBJECT(DFTInv_PackToR, 7, 32f)
-                SUBJECT(DFTInv_PackToR, 49, 32f)};
+    WIDE_LENGTHS(SUBJECT_PAIRS, DFTFwd_CToC, 32fc) WIDE_LENGTHS(SUBJECT_PAIRS, DFTInv_CToC, 32fc)
+        WIDE_LENGTHS(SUBJECT_PAIRS, DFTFwd_RToCCS, 32f)
+            WIDE_LENGTHS(SUBJECT_PAIRS, DFTInv_CCSToR, 32f) WIDE_LENGTHS(SUBJECT, Hartley, 32f)
+                SUBJECT(DFTInv_PackToR, 7, 32f) SUBJECT(DFTInv_PackToR, 49, 32f)};
 const std::vector<Subject<double>> kSubjectsD = {
-    WIDE_LENGTHS(SUBJECT, DFTFwd_CToC, 64fc) WIDE_LENGTHS(SUBJECT, DFTInv_CToC, 64fc)
-        WIDE_LENGTHS(SUBJECT, DFTFwd_RToCCS, 64f) WIDE_LENGTHS(SUBJECT, DFTInv_CCSToR, 64f)
-            WIDE_LENGTHS(SUBJECT, Hartley, 64f) SUBJECT(DFTInv_PackToR, 7, 64f)
-                SUBJECT(DFTInv_PackToR, 49, 64f)};
+    WIDE_LENGTHS(SUBJECT_PAIRS, DFTFwd_CToC, 64fc) WIDE_LENGTHS(SUBJECT_PAIRS, DFTInv_CToC, 64fc)
+        WIDE_LENGTHS(SUBJECT_PAIRS, DFTFwd_RToCCS, 64f)
+            WIDE_LENGTHS(SUBJECT_PAIRS, DFTInv_CCSToR, 64f) WIDE_LENGTHS(SUBJECT, Hartley, 64f)
+                SUBJECT(DFTInv_PackToR, 7, 64f) SUBJECT(DFTInv_PackToR, 49, 64f)};
 
 constexpr int kMostSlots = 66;
 constexpr int kMostNumbers = 2 * kMostSlots;
@@ -150,13 +162,38 @@ unsigned under(unsigned setting, F function) {
     return raised;
 }
 
+// The elements of some transforms, side by side: the parts of pairs apart, or interleaved.
 template <class R>
 struct Memory {
-    alignas(64) R re[kMostSlots * kMostLanes], im[kMostSlots * kMostLanes];
+    alignas(64) R re[2 * kMostSlots * kMostLanes], im[kMostSlots * kMostLanes];
+
+    void fill(int byte) { std::memset(this, byte, sizeof *this); }
+};
+
+struct Form {
+    int lanes;       // of a vector
+    int transforms;  // at once
+    bool isInterleaved;
+
+    template <class R>
+    R& at(Memory<R>& memory, Layout layout, int t, int slot, int part) const {
+        if (isInterleaved && layout != Layout::Real)
+            return memory.re[2 * (slot * transforms + t) + part];
+        return (part ? memory.im : memory.re)[slot * transforms + t];
+    }
+    template <class R>
+    R* second(Memory<R>& memory) const {
+        return isInterleaved ? memory.re + lanes : memory.im;
+    }
+    std::ptrdiff_t step(Layout layout, std::size_t bytes) const {
+        const int numbers = isInterleaved && layout != Layout::Real ? 2 : 1;
+        return static_cast<std::ptrdiff_t>(bytes) * numbers * transforms;
+    }
 };
 
 template <class R>
-void check(const Subject<R>& s, WideKernel<R>* wide, int lanes, int rounds) {
+void check(const Subject<R>& s, WideKernel<R>* wide, const Form& form, int rounds) {
+    const int lanes = form.transforms;
     std::mt19937_64 random(static_cast<std::uint64_t>(s.n) * 977 + sizeof(R));
     const std::int32_t flags[] = {orvScaleNone, orvScaleBySqrtN, -1};
     for (int round = 0; round < rounds; ++round) {
@@ -169,8 +206,8 @@ void check(const Subject<R>& s, WideKernel<R>* wide, int lanes, int rounds) {
                                   : inverse ? orvScaleInvByN
                                             : orvScaleFwdByN;
         static Memory<R> src, dst;
-        std::memset(&src, 0x3d, sizeof src);
-        std::memset(&dst, 0xa5, sizeof dst);
+        src.fill(0x3d);
+        dst.fill(0xa5);
         static R in[kMostLanes][kMostNumbers], out[kMostLanes][kMostNumbers];
         std::memset(in, 0, sizeof in);
         const auto each = [&](Layout layout, auto visit) {
@@ -183,21 +220,26 @@ void check(const Subject<R>& s, WideKernel<R>* wide, int lanes, int rounds) {
         each(s.family->src, [&](int t, int slot, int part, int place) {
             const R value = draw<R>(random, kind);
             in[t][place] = value;
-            (part ? src.im : src.re)[slot * lanes + t] = value;
+            form.at(src, s.family->src, t, slot, part) = value;
         });
         const unsigned expectedFlags = under(mode | flushing | 0x1f80U, [&] {
             for (int t = 0; t < lanes; ++t) s.single(in[t], out[t], flag);
         });
-        const auto step = static_cast<std::ptrdiff_t>(lanes * static_cast<int>(sizeof(R)));
         const bool inPlace = s.family->src == s.family->dst && round % 2;
         Memory<R>& result = inPlace ? src : dst;
         const unsigned flagsRaised = under(mode | flushing | 0x1f80U, [&] {
-            wide(src.re, src.im, step, result.re, result.im, step, scale, 1, 0, 0);
+            wide(src.re, form.second(src), form.step(s.family->src, sizeof(R)), result.re,
+                 form.second(result), form.step(s.family->dst, sizeof(R)), scale, 1, 0, 0);
         });
         int wrong = 0;
         each(s.family->dst, [&](int t, int slot, int part, int place) {
-            if (!sameBits((part ? result.im : result.re)[slot * lanes + t], out[t][place])) ++wrong;
+            if (!sameBits(form.at(result, s.family->dst, t, slot, part), out[t][place])) ++wrong;
         });
+        // Interleaved, the half spectrum is written whole.
+        if (form.isInterleaved && s.family->dst == Layout::Ccs)
+            for (int t = 0; t < lanes; ++t)
+                for (const int slot : {0, s.n % 2 ? 0 : s.n / 2})
+                    if (!sameBits(form.at(result, Layout::Ccs, t, slot, 1), R(0))) ++wrong;
         ASSERT_EQ(wrong, 0) << s.family->name << " " << s.n << " round " << round << " kind "
                             << kind << (inPlace ? " in place" : "");
         ASSERT_EQ(flagsRaised, expectedFlags) << s.family->name << " " << s.n << " round " << round;
@@ -206,16 +248,41 @@ void check(const Subject<R>& s, WideKernel<R>* wide, int lanes, int rounds) {
 
 constexpr int kRounds = 240;
 
+Form apart(int lanes) { return {.lanes = lanes, .transforms = lanes, .isInterleaved = false}; }
+
+// Of a complex element in binary64 a vector holds both parts.
+template <class R>
+Form interleaved(const Subject<R>& s, int lanes) {
+    const bool isWhole = s.family->isComplex() && sizeof(R) == 8;
+    return {.lanes = lanes, .transforms = isWhole ? lanes / 2 : lanes, .isInterleaved = true};
+}
+
 TEST(WideKernels, Avx2HasTheBitsOfTheSingleKernels) {
     if (!__builtin_cpu_supports("avx2")) GTEST_SKIP() << "no AVX2 here";
-    for (const auto& s : kSubjectsF) check(s, s.avx2, 8, kRounds);
-    for (const auto& s : kSubjectsD) check(s, s.avx2, 4, kRounds);
+    for (const auto& s : kSubjectsF) check(s, s.avx2, apart(8), kRounds);
+    for (const auto& s : kSubjectsD) check(s, s.avx2, apart(4), kRounds);
 }
 
 TEST(WideKernels, Avx512HasTheBitsOfTheSingleKernels) {
     if (!__builtin_cpu_supports("avx512f")) GTEST_SKIP() << "no AVX-512 here";
-    for (const auto& s : kSubjectsF) check(s, s.avx512, 16, kRounds);
-    for (const auto& s : kSubjectsD) check(s, s.avx512, 8, kRounds);
+    for (const auto& s : kSubjectsF) check(s, s.avx512, apart(16), kRounds);
+    for (const auto& s : kSubjectsD) check(s, s.avx512, apart(8), kRounds);
+}
+
+TEST(WideKernels, Avx2TakesInterleavedElements) {
+    if (!__builtin_cpu_supports("avx2")) GTEST_SKIP() << "no AVX2 here";
+    for (const auto& s : kSubjectsF)
+        if (s.pairsAvx2) check(s, s.pairsAvx2, interleaved(s, 8), kRounds);
+    for (const auto& s : kSubjectsD)
+        if (s.pairsAvx2) check(s, s.pairsAvx2, interleaved(s, 4), kRounds);
+}
+
+TEST(WideKernels, Avx512TakesInterleavedElements) {
+    if (!__builtin_cpu_supports("avx512f")) GTEST_SKIP() << "no AVX-512 here";
+    for (const auto& s : kSubjectsF)
+        if (s.pairsAvx512) check(s, s.pairsAvx512, interleaved(s, 16), kRounds);
+    for (const auto& s : kSubjectsD)
+        if (s.pairsAvx512) check(s, s.pairsAvx512, interleaved(s, 8), kRounds);
 }
 
 }  // namespace
