@@ -22,4 +22,10 @@ inline std::string whatElseRuns() {
     return text;
 }
 
+// The same, said on stderr before a program measures.
+inline void warnOfWhatElseRuns(const char* program) {
+    if (const std::string busy = whatElseRuns(); !busy.empty())
+        std::fprintf(stderr, "%s: %s\n", program, busy.c_str());
+}
+
 }  // namespace orvgen::bench

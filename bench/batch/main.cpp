@@ -19,6 +19,7 @@
 #include "cycles.h"
 #include "frame/names.h"
 #include "generator/names.h"
+#include "load.h"
 #include "orvgen_batch.h"
 #include "program.h"
 
@@ -302,24 +303,32 @@ void family(const Family<R>& f, const Arguments& a, std::vector<BatchResult>& re
 }
 
 void declare(CLI::App& app, Arguments& a) {
+    std::vector<std::string> layouts;
+    for (const auto& [name, info] : kLayouts) layouts.push_back(name);
     app.add_option(
-           "layout", a.layout,
+           "LAYOUT", a.layout,
            "rows, blocks (of one vector), columns, strided (rows), split-rows or split-columns (real "
            "and imaginary parts apart); none: all, columns and what comes from memory at a few "
            "lengths")
-        ->check(CLI::IsMember(kLayouts));
-    app.add_option("--from", a.place, "cache (16 KB) or memory (64 MB)")
-        ->check(CLI::IsMember({"cache", "memory"}));
-    app.add_option("--lengths", a.lengths, "lengths (2 to 64)")
+        ->type_name("")
+        ->check(oneOf(layouts));
+    app.add_option("--from", a.place, "cache (16 KB, the default) or memory (64 MB)")
+        ->type_name("PLACE")
+        ->check(oneOf({"cache", "memory"}));
+    app.add_option("--lengths", a.lengths, "2 to 64, between them commas (all)")
+        ->type_name("N")
         ->delimiter(',')
-        ->check(CLI::Range(kLengths.first, kLengths.last));
+        ->check(wholeWithin(kLengths.first, kLengths.last));
     app.add_option("--only", a.only,
-                   "transforms by name, family or pattern, as ./dev bench has them");
-    app.add_option("--limit", a.planSeconds, "seconds of FFTW's planning of each length (1)")
-        ->check(CLI::PositiveNumber);
-    app.add_option("--samples", a.samples, "samples of each method (20)")
-        ->check(CLI::PositiveNumber);
-    app.add_option("--out", a.folder, "where the tables and the plot are written");
+                   "transforms by name, family or pattern, as ./dev bench has them (all)")
+        ->type_name("NAME");
+    app.add_option("--limit", a.planSeconds, "of FFTW's planning of each length (1)")
+        ->type_name("SECONDS")
+        ->check(within(0.001, 1e6));
+    app.add_option("--samples", a.samples, "of each method, 1 and more (20)")
+        ->type_name("N")
+        ->check(wholeWithin(1, 1000000));
+    app.add_option("--out", a.folder, "where the tables and the plot go")->type_name("FOLDER");
 }
 
 void layout(const Arguments& a, std::vector<BatchResult>& results) {
@@ -343,6 +352,8 @@ int run(Arguments& a) {
     const bool isAll = a.layout.empty(), areAllLengths = a.lengths.empty();
     if (areAllLengths)
         for (const int n : kLengths) a.lengths.push_back(n);
+    (void)lengthsOf(*kFamilies32.front().info, a);  // before anything is said
+    warnOfWhatElseRuns("bench_batch");
     Fftw32::limit(a.planSeconds);
     Fftw64::limit(a.planSeconds);
     std::vector<BatchResult> results;
@@ -381,5 +392,11 @@ int main(int argc, char** argv) {
     return runProgram(
         "bench_batch", "Batches beside the loop over single kernels and FFTW's plan_many.", argc,
         argv, [&a](CLI::App& app) { orvgen::bench::declare(app, a); },
-        [&a] { return orvgen::bench::run(a); });
+        [&a] {
+            try {
+                return orvgen::bench::run(a);
+            } catch (const orvgen::generator::UnknownName& e) {
+                throw BadInput(e.what());
+            }
+        });
 }

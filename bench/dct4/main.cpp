@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "cycles.h"
+#include "load.h"
 #include "orvgen.h"
 #include "program.h"
 
@@ -186,11 +187,12 @@ void declare(CLI::App& app, Arguments& a) {
 }
 
 int run(int longest, double limit) {
+    orvgen::bench::warnOfWhatElseRuns("bench_dct4");
     const auto pocket = pocketfftTimes(longest);
     const double rate = cyclesPerNanosecond();
     std::printf(
         "DCT-IV, core cycles of one call, least of 21 samples (%.2f cycles a nanosecond)\n"
-        "FFTW: REDFT11, patient plans, at most %.0f s of planning each\n"
+        "FFTW: REDFT11, patient plans, at most %g s of planning each\n"
         "pocketfft: %s\n\n",
         rate, limit,
         pocket.empty() ? "not there (SciPy is missing)"

@@ -11,6 +11,7 @@ run at the same time, the clock on the wall. FOLDER gets table.csv, lengths.csv 
 
 import argparse
 import csv
+import os
 import statistics
 import sys
 import time
@@ -143,12 +144,16 @@ def plot(path, rows):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser = argparse.ArgumentParser(prog="bench_python", description=__doc__.splitlines()[0])
     parser.add_argument("--lengths", type=int, nargs="+", default=range(2, 65), metavar="N", help="lengths of the plot")
     parser.add_argument("--only-lengths", action="store_true", help="no table of shapes, only the plot")
     parser.add_argument("--quick", action="store_true", help="small arrays and short bursts, to see that all works")
     parser.add_argument("--out", type=Path, default=Path("."), metavar="FOLDER", help="where tables and plot go")
     options = parser.parse_args()
+    load = os.getloadavg()[0]
+    if load >= 0.5 * os.cpu_count():
+        print(f"bench_python: WARNING: the machine is busy (load {load:.1f} on {os.cpu_count()} cores); "
+              "the times are too long", file=sys.stderr)
     options.out.mkdir(parents=True, exist_ok=True)
     turns, seconds, less = (2, 0.001, 100) if options.quick else (9, 0.02, 1)
 

@@ -40,6 +40,18 @@ CLI::Validator wholeWithin(std::int64_t least, std::int64_t most) {
     return limited("a whole number", least, most);
 }
 
+CLI::Validator oneOf(const std::vector<std::string>& words) {
+    const auto check = [=](const std::string& text) -> std::string {
+        std::string list;
+        for (std::size_t i = 0; i < words.size(); ++i) {
+            if (text == words[i]) return "";
+            list += (i == 0 ? "" : i + 1 < words.size() ? ", " : " or ") + words[i];
+        }
+        return "takes " + list;
+    };
+    return CLI::Validator(check, "");
+}
+
 int runProgram(const char* name, const char* description, int argc, char** argv,
                const std::function<void(CLI::App&)>& declare, const std::function<int()>& body) {
     const auto failed = [&](const std::string& what, int status) {

@@ -11,6 +11,8 @@
 #include <cstdint>
 #include <functional>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 // What is wrong with the arguments or with what they name, in one line for the user.
 class BadInput : public std::runtime_error {
@@ -22,6 +24,8 @@ class BadInput : public std::runtime_error {
 CLI::Validator within(double least, double most);
 // The same for whole numbers.
 CLI::Validator wholeWithin(std::int64_t least, std::int64_t most);
+// One of these words.
+CLI::Validator oneOf(const std::vector<std::string>& words);
 
 // Declares and reads the arguments and runs the body. The exit status: the body's; 0 after --help;
 // 2, with one line on stderr, for wrong arguments and bad input; 1, with one line too, for what
