@@ -63,7 +63,8 @@ errs() { grep -q -e "$1" "$copy/err" || problem "not said: $1"; }
 for arguments in nonsense lib ../dev "setup" "setup nonsense" "setup build nonsense" "audit x" "package x" "tidy x" \
     "accuracy x" "digests x" "figures x" "faults nonsense" "faults list x" "format x" "format --check x" "help nonsense" "help test x" \
     "test list x" "which a b" "which nothing" \
-    "fuzz x" "fuzz wht 0" "fuzz wht 1 2" "abi x" "release" "release x" "test a b c" "test nothing" "test -R nothing" "show"; do
+    "fuzz x" "fuzz wht 0" "fuzz wht 1 2" "abi x" "release" "release x" "test a b c" "test nothing" "test -R nothing" "test -L" "test wht -R" "show" \
+    "show --all-plans x"; do
     read -ra words <<<"$arguments"
     gives 2 "${words[@]}"
     logs_not "--build"
@@ -81,6 +82,17 @@ for file in "$tree"/tools/dev/*.sh; do
 done
 gives 0 help test
 grep -q "filter of GoogleTest" "$copy/out" || problem "help test"
+
+# Any command tells its own, and those of programs what these take besides.
+for file in "$tree"/tools/dev/*.sh; do
+    name=$(basename "$file" .sh)
+    [[ $name != lib ]] || continue
+    gives 0 "$name" --help
+    [[ $(head -n 1 "$copy/out") == "./dev $name"* ]] || problem "$name --help"
+    [[ $name == run || $name == bench ]] || logs_not "."
+done
+gives 0 bench --help
+logs "bench --help in $copy/elsewhere"
 
 # Programs run in the caller's folder, with what was built in the tree.
 gives 0 run a.wav out/a.svg

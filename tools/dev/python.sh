@@ -14,7 +14,13 @@ if [[ ${1:-} == shell ]]; then
     exec "$python" "$@"
 fi
 say "testing the package"
-"$python" -m pytest -q "$@"
+status=0
+"$python" -m pytest -q "$@" || status=$?
+case $status in
+    0) ;;
+    4 | 5) misused "python: no tests are called so: $*" ;;
+    *) fail "the package's tests fail" ;;
+esac
 if [[ $# == 0 ]]; then
     # As users install it, but out of this build; what is installed must bring all that it needs.
     say "installing the package into an environment"

@@ -5,6 +5,7 @@
 # its lengths (DFTFwd_CToC_32fc), a DCT-IV's (DCT4_1024_32f), or a pattern ('*Pack_1?_64f').
 # shellcheck shell=bash
 [[ $# -gt 0 ]] || misused "show: which kernel? For instance DFTFwd_CToC_64_32fc"
+[[ $1 != --all-plans ]] || takes 1 "$@"
 made orvgen_kernelgen_program >&2
 if [[ $1 == --all-plans ]]; then
     "$build/bin/kernelgen" plans

@@ -80,6 +80,9 @@ if [[ ${1:-} == list ]]; then
     list_tests
     exit
 fi
+# ctest takes an option without its value for none at all.
+[[ $# == 0 || ! ${!#} =~ ^(-L|-LE|-R|-E|-I|--label-regex|--label-exclude|--tests-regex|--exclude-regex|--tests-information)$ ]] ||
+    misused "test: ${!#} takes a value (./dev help test)"
 chosen=("$@")
 if [[ $# -gt 0 && $1 != -* ]]; then
     takes 2 "$@"
