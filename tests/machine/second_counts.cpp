@@ -21,7 +21,7 @@ static std::ostream& operator<<(std::ostream& out, const LiveCounts& c) {
 namespace {
 
 const MachineCode& secondBuild() {
-    static const MachineCode code(ORVGEN_SECOND_BUILD);
+    static const MachineCode code(secondBuildFile(ORVGEN_SECOND_BUILD));
     return code;
 }
 

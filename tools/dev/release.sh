@@ -22,11 +22,13 @@ clean() { [[ -z $(git status --porcelain) ]] || { git status --short && return 1
 exported() { diff tests/frame/exports.txt "$build/exports.txt" && [[ $(wc -l <tests/frame/exports.txt) == 1193 ]]; }
 packaged() {
     local archive names file
-    rm -f "$build"/orvgen-*.tar.gz
-    ./dev package && archive=$(ls "$build/orvgen-$release"-*.tar.gz) && names=$(tar -tzf "$archive") || return 1
+    ./dev package && archive=$(ls "$build/packages/orvgen-$release"-*.tar.gz) && names=$(tar -tzf "$archive") || return 1
     for file in liborvgenm7.so.6.1 liborvgenbatch.so.1 liborvgenm7.a include/orvgen.h include/orvgen.hpp orvgen.pc \
         man7/orvgen.7 orvgen.cdx.json LICENSE; do
         grep -q "/$file\$" <<<"$names" || { echo "$archive lacks $file" && return 1; }
+    done
+    for file in liborvgenm7-6.1 liborvgenbatch1 liborvgen-dev python3-orvgen orvgen-doc liborvcorexwide-standin; do
+        ls "$build/packages/${file}_${release}"_*.deb >/dev/null || return 1
     done
 }
 build_all() { cmake --preset "$preset" && cmake --build --preset "$preset" -j "$jobs"; }
@@ -42,6 +44,6 @@ point "the licence in every file" tests/style/licences.sh "$root"
 point "the results' digests" tested '^test_digests'
 point "the shape of the libraries" tested '^test_(library|batch_library)'
 point "the manual pages, the bill of materials" tested '^(manual_|bill_)'
-point "the package" packaged
+point "the packages" packaged
 [[ ${#failed[@]} == 0 ]] || fail "not ready: ${failed[*]/%/;}"
 say "orvgen $release is ready; then .ci/run on a bare system, and the tag v$release"

@@ -1,0 +1,52 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# bare.sh PACKAGES: the Debian packages in a bare tree of this system's release. There the tests of debian/tests run, a
+# package of the core library's name takes the stand-in's place, and all are taken away again. Needs a mirror of Debian.
+set -euo pipefail
+packages=$(realpath "$1")
+tree=$(realpath "$(dirname "${BASH_SOURCE[0]}")/../..")
+# shellcheck source=/dev/null
+release=$(. /etc/os-release && echo "$VERSION_CODENAME")
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+chmod a+rx "$folder"
+
+# What the tests read of the source.
+mkdir "$folder/orvgen" "$folder/packages"
+for part in debian README.md examples/small tests/package/consumer; do
+    mkdir -p "$(dirname "$folder/orvgen/$part")"
+    cp -r "$tree/$part" "$folder/orvgen/$part"
+done
+cp "$packages"/*.deb "$folder/packages"
+
+cat >"$folder/inside" <<'INSIDE'
+set -eu
+cd /root
+autopkgtest packages/*.deb orvgen/ -- null
+
+echo "the real core library, and the stand-in's end"
+export DEBIAN_FRONTEND=noninteractive
+install="apt-get -qq -o Dpkg::Use-Pty=0 install -y --no-install-recommends"
+$install ./packages/*.deb >/dev/null
+libraries=/usr/lib/x86_64-linux-gnu
+mkdir -p core/DEBIAN core$libraries
+cp -L $libraries/liborvcorexwide.so.6.1 core$libraries/
+echo >>core$libraries/liborvcorexwide.so.6.1 # another file, which loads all the same
+printf '%s\n' 'Package: liborvcorexwide6.1' 'Version: 6.1' 'Architecture: amd64' 'Maintainer: nobody <nobody@localhost>' \
+    'Description: stands for the core library' >core/DEBIAN/control
+dpkg-deb --root-owner-group -b core core.deb >/dev/null
+$install ./core.deb >/dev/null
+cmp core$libraries/liborvcorexwide.so.6.1 $libraries/liborvcorexwide.so.6.1
+if dpkg-query -W liborvcorexwide-standin 2>/dev/null; then exit 1; fi
+/usr/bin/python3 -c 'import orvgen'
+
+echo "all gone"
+dpkg --purge liborvcorexwide6.1 liborvgenbatch1 liborvgen-dev liborvgenm7-6.1 orvgen-doc python3-orvgen >/dev/null
+left=$(find / -xdev \( -path /root -o -path /proc -o -path /sys -o -path /tmp \) -prune -o \
+    \( -name '*orvgen*' -o -name '*orvcore*' \) -print)
+[ -z "$left" ] || { echo "left behind: $left"; exit 1; }
+INSIDE
+mmdebstrap --quiet --variant=apt --include=autopkgtest --format=null \
+    --customize-hook="copy-in $folder/packages $folder/orvgen $folder/inside /root" \
+    --chrooted-customize-hook="sh /root/inside" "$release"
+echo "installed, tried and removed in a bare tree"
