@@ -32,7 +32,7 @@ ls "$packages"/*
 case ${1:-} in
     --check)
         say "testing the packaged files"
-        tests/package/debian.sh "$packages" "$build/bin"
+        tests/package/debian.sh "$packages" "$build/bin" build/package/orvgen/obj-x86_64-linux-gnu
         say "testing the packages in a bare tree"
         quietly "$build/package-bare.log" tests/package/bare.sh "$packages"
         grep -E '(PASS|FAIL)$|^installed' "$build/package-bare.log"
