@@ -78,10 +78,17 @@ template <class R>
 constexpr R untouched = static_cast<R>(-0x1.a5a5a4p-77);
 
 template <class R>
-R* place(GuardedMemory& memory, const Extent& extent, bool atEnd) {
-    R* begin =
-        reinterpret_cast<R*>(atEnd ? memory.end() - extent.size() * sizeof(R) : memory.data());
-    return begin - extent.first;
+R* place(GuardedMemory& memory, const Extent& extent, Placement placement) {
+    R* const begin = reinterpret_cast<R*>(memory.data());
+    if (placement == Placement::AtBegin) return begin - extent.first;
+    R* const end = reinterpret_cast<R*>(memory.end()) - (placement == Placement::OffByOne ? 1 : 0);
+    return end - extent.size() - extent.first;
+}
+
+// With a number to spare.
+template <class R>
+auto allocate(const Extent& extent) {
+    return std::make_unique<GuardedMemory>((extent.size() + 1) * sizeof(R));
 }
 
 }  // namespace
@@ -100,11 +107,11 @@ Comparison<R>::Comparison(const Family<R>& family, int number, const Layout& lay
     if (layout.inPlace) srcWhole_ = dstWhole_ = Extent::both(srcWhole_, dstWhole_);
     for (int p = 0; p < family.src.planes; ++p) {
         srcImage_[p] = draw<R>(data, srcWhole_.size(), seed + static_cast<unsigned>(p));
-        src_[p] = std::make_unique<GuardedMemory>(srcWhole_.size() * sizeof(R));
+        src_[p] = allocate<R>(srcWhole_);
     }
     for (int p = 0; p < family.dst.planes; ++p) {
         before_[p] = layout.inPlace ? srcImage_[p] : Image(dstWhole_.size(), untouched<R>);
-        dst_[p] = std::make_unique<GuardedMemory>(dstWhole_.size() * sizeof(R));
+        dst_[p] = allocate<R>(dstWhole_);
     }
     runSingles(most);
     std::copy(std::begin(before_), std::end(before_), std::begin(expected_));
@@ -140,7 +147,7 @@ void Comparison<R>::runSingles(int most) {
 }
 
 template <class R>
-std::string Comparison<R>::check(int count, bool atEnd) {
+std::string Comparison<R>::check(int count, Placement placement) {
     std::uint32_t flags = 0;
     for (int t = 0; t < count; ++t) flags |= flags_[static_cast<std::size_t>(t)];
     for (; expectedCount_ < count; ++expectedCount_) {
@@ -159,12 +166,12 @@ std::string Comparison<R>::check(int count, bool atEnd) {
     Place<const R> src{{}, layout_.srcStride, layout_.srcDistance};
     Place<R> dst{{}, layout_.dstStride, layout_.dstDistance};
     for (int p = 0; p < family_.dst.planes; ++p) {
-        dst.plane[p] = place<R>(*dst_[p], dstPart, atEnd);
+        dst.plane[p] = place<R>(*dst_[p], dstPart, placement);
         std::memcpy(dst.plane[p] + dstPart.first, &at(before_[p], dstWhole_, dstPart.first),
                     bytes(dstPart));
     }
     for (int p = 0; p < family_.src.planes; ++p) {
-        R* plane = layout_.inPlace ? dst.plane[p] : place<R>(*src_[p], srcPart, atEnd);
+        R* plane = layout_.inPlace ? dst.plane[p] : place<R>(*src_[p], srcPart, placement);
         if (!layout_.inPlace)
             std::memcpy(plane + srcPart.first, &at(srcImage_[p], srcWhole_, srcPart.first),
                         bytes(srcPart));

@@ -22,6 +22,11 @@ struct Layout {
     bool inPlace = false;
 };
 
+// Where the arrays stand: beginning or ending at a page that nobody may touch, or ending a number
+// before it, so that pairs of numbers are not aligned to pairs.
+enum class Placement { AtBegin, AtEnd, OffByOne };
+constexpr Placement allPlacements[] = {Placement::AtBegin, Placement::AtEnd, Placement::OffByOne};
+
 // What the numbers of a source are drawn from.
 enum class Data {
     Ordinary,  // between -1 and 1
@@ -70,8 +75,8 @@ class Comparison {
                std::int32_t flag, std::uint32_t control, unsigned seed);
 
     // What is wrong with a batch of `count` transforms on the target in use; empty: nothing. Call
-    // with ascending counts. The arrays end, or begin, at a page that nobody may touch.
-    std::string check(int count, bool atEnd);
+    // with counts that do not descend.
+    std::string check(int count, Placement placement);
 
   private:
     using Image = std::vector<R>;

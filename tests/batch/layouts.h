@@ -43,13 +43,14 @@ std::vector<Layout> layoutsOf(const Family<R>& family, int number, int most) {
     return layouts;
 }
 
-// The counts around a block of `lanes` transforms that are tried for a transform of n points.
-inline std::vector<int> countsOf(int lanes, int points) {
+// The counts up to a few more than two blocks of `lanes` transforms, or those around one.
+inline std::vector<int> allCounts(int lanes) {
     std::vector<int> counts;
-    if (points <= 64) {
-        for (int count = 0; count <= 2 * lanes + 3; ++count) counts.push_back(count);
-        return counts;
-    }
+    for (int count = 0; count <= 2 * lanes + 3; ++count) counts.push_back(count);
+    return counts;
+}
+inline std::vector<int> someCounts(int lanes) {
+    std::vector<int> counts;
     for (const int count : {0, 1, lanes - 1, lanes, lanes + 1})
         if (counts.empty() || count > counts.back()) counts.push_back(count);
     return counts;

@@ -15,7 +15,8 @@ std::vector<Case<R>> cases() {
     std::vector<Case<R>> list;
     for (const Family<R>& family : families<R>())
         for (const int number : family.numbers)
-            if (number % 8 == 0 || number == 13) list.emplace_back(family, number);
+            for (const std::ptrdiff_t stride : {1, 2})
+                if (number % 8 == 0 || number == 13) list.emplace_back(family, number, stride);
     return list;
 }
 
