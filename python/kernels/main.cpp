@@ -34,9 +34,9 @@ void writeRow(std::ostream& out, const KernelFamily& family, int length,
     const kernelgen::Kernel kernel = family.kernel(length);
     const generator::Operations o = generator::operationsOf(kernel);
     const kernelgen::KernelFigures f =
-        generator::figuresInHead(contentOf(kernels / (kernel.name + ".s")));
+        generator::figuresInHead(contentOf(kernels / (kernel.name.exported() + ".s")));
     const kernelgen::ErrorBound bound = generator::errorBoundOf(kernel);
-    out << kernel.name << ',' << nameOf(*family.info) << ',' << kernel.length << ','
+    out << kernel.name.exported() << ',' << nameOf(*family.info) << ',' << kernel.length << ','
         << quoted(kernel.method) << ',' << o.additions << ',' << o.multiplications() << ','
         << o.conversions << ',' << f.instructions << ',' << f.frameBytes << ',' << f.spills << ','
         << f.modelCycles << ',' << bound.absolute << '\n';

@@ -151,13 +151,12 @@ const std::vector<Mark>& marks() {
     return list;
 }
 
-std::string marked(std::string assembly, const std::string& name) {
-    const std::string stem = name.substr(std::string("orvg").size());
-    if (assembly.find('&') != std::string::npos) throw std::runtime_error("& in " + name);
-    replaceAll(assembly, stem, "&");
+std::string marked(std::string assembly, const kernelgen::KernelName& name) {
+    if (assembly.find('&') != std::string::npos) throw std::runtime_error("& in " + name.stem);
+    replaceAll(assembly, name.stem, "&");
     for (const Mark& mark : marks())
         if (assembly.find(mark.mark) != std::string::npos)
-            throw std::runtime_error(std::string(mark.mark) + " in the assembly of " + name);
+            throw std::runtime_error(std::string(mark.mark) + " in the assembly of " + name.stem);
     for (const Mark& mark : marks()) replaceAll(assembly, mark.text, mark.mark);
     return assembly;
 }

@@ -31,12 +31,12 @@ Json pageOf(const kernelgen::Kernel& kernel, const FamilyInfo& family, int lengt
             const std::string& tables, const std::string& assembly);
 
 // Assembly repeats itself; short marks stand for what is frequent. The list of (mark, text) is to
-// be undone from its end, and & is the kernel's name without its prefix.
+// be undone from its end, and & is the stem of the kernel's name.
 struct Mark {
     const char* mark;
     const char* text;
 };
 const std::vector<Mark>& marks();
-std::string marked(std::string assembly, const std::string& name);
+std::string marked(std::string assembly, const kernelgen::KernelName& name);
 
 }  // namespace orvgen::site

@@ -38,11 +38,11 @@ void writeAll(const std::filesystem::path& kernels, const std::string& tables,
     for (const KernelFamily& family : generator::allFamilies()) {
         for (const int length : family.info->numbers) {
             const kernelgen::Kernel kernel = family.kernel(length);
-            const std::string assembly = contentOf(kernels / (kernel.name + ".s"));
+            const std::string assembly = contentOf(kernels / (kernel.name.exported() + ".s"));
             rows.push_back(
                 site::rowOf(kernel, static_cast<int>(families.size()), length, assembly));
-            write(folder / "kernels" / (kernel.name + ".js"),
-                  "explorer.kernel(" + site::quoted(kernel.name).text + "," +
+            write(folder / "kernels" / (kernel.name.exported() + ".js"),
+                  "explorer.kernel(" + site::quoted(kernel.name.exported()).text + "," +
                       site::pageOf(kernel, *family.info, length, tables, assembly).text + ");\n");
         }
         families.push_back(site::quoted(nameOf(*family.info)));

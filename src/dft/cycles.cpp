@@ -1,10 +1,26 @@
 // SPDX-License-Identifier: MIT
-// Cycles 12 and 16 (unmixed) and 18.
+// The table of cycles; 12 and 16, which are split, and 18.
 #include "cycles.h"
+
+#include <map>
+#include <stdexcept>
 
 #include "roots.h"
 
 namespace orvgen::dft {
+
+const Cycle& cycleOf(std::size_t length) {
+    static const std::map<std::size_t, Cycle> cycles = {
+        {12, {.forward = forwardCycle12, .inverse = inverseCycle12}},
+        {16, {.forward = forwardCycle16, .inverse = inverseCycle16}},
+        {18, {.forward = forwardCycle18, .inverse = inverseCycle18}},
+        {22, {.forward = forwardCycle22, .inverse = inverseCycle22}},
+        {28, {.forward = forwardCycle28, .inverse = inverseCycle28}},
+        {30, {.forward = forwardCycle30, .inverse = inverseCycle30}}};
+    const auto found = cycles.find(length);
+    if (found == cycles.end()) throw std::logic_error("no cycle of this length");
+    return found->second;
+}
 
 // 12 = 4, 3
 Spectrum forwardCycle12(const Reals& a) {
@@ -76,7 +92,7 @@ Spectrum forwardCycle16(const Reals& a) {
     return A;
 }
 
-SplitCycle inverseCycle16(const Spectrum& D) {
+SplitCycle inverseCycle16(const Spectrum& D, const SineFolds&) {
     const Reals h = hermitian4(D.real(0), D.real(8), D.at(4));
     const Constant K = kernelgen::cosTurn(1, 8);
     const Complex<Value> D2 = D.at(2), D6 = D.at(6);
@@ -142,7 +158,7 @@ Spectrum forwardCycle18(const Reals& a) {
     return A;
 }
 
-Reals inverseCycle18(const Spectrum& D) {
+Reals inverseCycle18(const Spectrum& D, OddPart) {
     const Value cPlus = D.real(0) + D.real(9);
     const Value cMinus = D.real(0) - D.real(9);
     const Complex<Value> wPlus = D.at(12) + D.at(3);

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "embedded_rader.h"
 
-#include <stdexcept>
-
 #include "cycles.h"
 #include "flows/number_theory.h"
 #include "flows/rader_constants.h"
@@ -19,40 +17,6 @@ std::size_t power(std::size_t p, std::size_t exponent) {
 
 std::size_t offsetOf(const plan::LaneRader& plan) { return static_cast<std::size_t>(plan.offset); }
 
-Spectrum forwardCycle(const Reals& a) {
-    switch (a.size()) {
-        case 12:
-            return forwardCycle12(a);
-        case 16:
-            return forwardCycle16(a);
-        case 18:
-            return forwardCycle18(a);
-        case 22:
-            return forwardCycle22(a);
-        case 28:
-            return forwardCycle28(a);
-        case 30:
-            return forwardCycle30(a);
-        default:
-            throw std::logic_error("no cycle of this length");
-    }
-}
-
-Reals inverseCycle(const Spectrum& D, OddPart oddPart) {
-    switch (D.length()) {
-        case 18:
-            return inverseCycle18(D);
-        case 22:
-            return inverseCycle22(D);
-        case 28:
-            return inverseCycle28(D);
-        case 30:
-            return inverseCycle30(D, oddPart);
-        default:
-            throw std::logic_error("no inverse cycle of this length");
-    }
-}
-
 // z[0], and the cycle's spectrum times the constants, of one real lane.
 struct Lane1 {
     Value y0;
@@ -63,7 +27,7 @@ Lane1 product(const plan::LaneRader& plan, const Reals& z) {
     const std::size_t p = z.size(), L = p - 1, m = L / 2;
     Reals a;
     for (std::size_t q = 0; q < L; ++q) a.push_back(z[power(p, L - q)]);
-    const Spectrum A = forwardCycle(a);
+    const Spectrum A = cycleOf(L).forward(a);
 
     const flows::RaderConstants K(static_cast<int>(p), static_cast<long>(power(p, offsetOf(plan))));
     Spectrum D(L);
@@ -79,37 +43,27 @@ Lane1 product(const plan::LaneRader& plan, const Reals& z) {
     return {z[0] + A.real(0), D};
 }
 
-}  // namespace
-
-Vectors laneRader(const plan::LaneRader& plan, Direction direction, const Vectors& z) {
-    const std::size_t p = z.size(), L = p - 1, m = L / 2;
-    const bool forward = direction == Direction::Forward;
-    Reals zRe, zIm;
-    for (const Vector& v : z) {
-        zRe.push_back(v.re);
-        zIm.push_back(v.im);
-    }
-    const Lane1 re = product(plan, zRe);
-    const Lane1 im = product(plan, zIm);
+// X[g^(r+u)] = P[r] + i Q[r] of parts that come back apart.
+Vectors joinedBehind(Cycle::SplitInverse inverse, const plan::LaneRader& plan, bool forward,
+                     const Lane1& re, const Lane1& im) {
+    const std::size_t L = re.D.length(), p = L + 1;
+    const SplitCycle x = inverse(re.D, plan.sineFolds), y = inverse(im.D, plan.sineFolds);
     Vectors X(p);
-    X[0] = {re.y0, im.y0};
-
-    if (L == 12 || L == 16) {
-        const auto split = [&](const Spectrum& D) {
-            return L == 12 ? inverseCycle12(D, plan.sineFolds) : inverseCycle16(D);
-        };
-        const SplitCycle x = split(re.D), y = split(im.D);
-        for (std::size_t r = 0; r < m; ++r) {
-            const Vector P{x.even[r], y.even[r]};
-            const Vector Q{x.odd[r], y.odd[r]};
-            const Vector T = forward ? timesI(Q) : timesMinusI(Q);
-            const std::size_t k = power(p, r + offsetOf(plan));
-            X[k] = P + T;
-            X[p - k] = P - T;
-        }
-        return X;
+    for (std::size_t r = 0; r < L / 2; ++r) {
+        const Vector P{x.even[r], y.even[r]};
+        const Vector Q{x.odd[r], y.odd[r]};
+        const Vector T = forward ? timesI(Q) : timesMinusI(Q);
+        const std::size_t k = power(p, r + offsetOf(plan));
+        X[k] = P + T;
+        X[p - k] = P - T;
     }
+    return X;
+}
 
+// The same of the spectra of the real and of the imaginary parts of P + i Q.
+Vectors joinedBefore(Cycle::WholeInverse inverse, const plan::LaneRader& plan, bool forward,
+                     const Lane1& re, const Lane1& im) {
+    const std::size_t L = re.D.length(), m = L / 2, p = L + 1;
     Spectrum toRe(L), toIm(L);
     for (std::size_t k = 0; k <= m; ++k) {
         const Complex<Value> r = re.D.at(k), i = im.D.at(k);
@@ -123,9 +77,30 @@ Vectors laneRader(const plan::LaneRader& plan, Direction direction, const Vector
         put(toRe, k % 2 == 0 ? r : i, k % 2 == 1 && forward);
         put(toIm, k % 2 == 0 ? i : r, k % 2 == 1 && !forward);
     }
-    const Reals xRe = inverseCycle(toRe, forward ? OddPart::Subtracted : OddPart::Added);
-    const Reals xIm = inverseCycle(toIm, forward ? OddPart::Added : OddPart::Subtracted);
-    for (std::size_t r = 0; r < L; ++r) X[power(p, r)] = {xRe[r], xIm[r]};
+    const Reals xRe = inverse(toRe, forward ? OddPart::Subtracted : OddPart::Added);
+    const Reals xIm = inverse(toIm, forward ? OddPart::Added : OddPart::Subtracted);
+    Vectors X(p);
+    for (std::size_t r = 0; r < L; ++r) X[power(p, r + offsetOf(plan))] = {xRe[r], xIm[r]};
+    return X;
+}
+
+}  // namespace
+
+Vectors laneRader(const plan::LaneRader& plan, Direction direction, const Vectors& z) {
+    const bool forward = direction == Direction::Forward;
+    Reals zRe, zIm;
+    for (const Vector& v : z) {
+        zRe.push_back(v.re);
+        zIm.push_back(v.im);
+    }
+    const Lane1 re = product(plan, zRe);
+    const Lane1 im = product(plan, zIm);
+    const Cycle& cycle = cycleOf(z.size() - 1);
+    const auto* split = std::get_if<Cycle::SplitInverse>(&cycle.inverse);
+    Vectors X =
+        split ? joinedBehind(*split, plan, forward, re, im)
+              : joinedBefore(std::get<Cycle::WholeInverse>(cycle.inverse), plan, forward, re, im);
+    X[0] = {re.y0, im.y0};
     return X;
 }
 

@@ -11,8 +11,9 @@
 //   D[0] = z[0] + K[0] A[0], D[k] = K[k] A[k], D[L/2] = K[L/2] A[L/2]
 //   even frequencies of D give P, odd ones Q, and X[g^(r+u)] = P[r] + i Q[r] (inverse: P - i Q).
 //
-// At 13 and 17 that last step is done after the inverse transforms of the cycle, which then have
-// half the length; at the others before them, where i Q joins the real with the imaginary parts.
+// Where the cycle's inverse transform is split (cycles.h: at 13 and 17), P and Q come back apart
+// and are joined behind it; at the others before it, where i Q joins the real with the imaginary
+// parts.
 #pragma once
 
 #include "lanes.h"

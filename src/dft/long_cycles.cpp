@@ -45,7 +45,7 @@ Spectrum forwardCycle22(const Reals& a) {
 }
 
 // 22 = 2, 11
-Reals inverseCycle22(const Spectrum& D) {
+Reals inverseCycle22(const Spectrum& D, OddPart) {
     Vectors plus, minus;
     for (std::size_t k = 1; k <= 5; ++k) {
         const Complex<Value> even = D.at(withResidues(0, 2, k, 11));
@@ -87,7 +87,7 @@ Spectrum forwardCycle28(const Reals& a) {
 }
 
 // 28 = 4, 7. The sums of the last two seven-point blocks run over the pairs backwards.
-Reals inverseCycle28(const Spectrum& D) {
+Reals inverseCycle28(const Spectrum& D, OddPart) {
     const Reals h = hermitian4(D.real(0), D.real(14), D.at(21));
     std::vector<Vectors> U;
     for (std::size_t k7 = 1; k7 <= 3; ++k7) {

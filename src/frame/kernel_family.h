@@ -45,7 +45,7 @@ inline kernelgen::Alignment alignmentOf(const FamilyInfo& family, int number) {
 // A member as the table describes it: what else there is to say of it is the room's.
 inline kernelgen::Kernel kernelOf(const FamilyInfo& family, int number, std::string method,
                                   kernelgen::Graph flow) {
-    return {.name = memberName(family, number),
+    return {.name = kernelName(family, number),
             .length = family.points(number),
             .method = std::move(method),
             .scale = scaleRuleOf(family),

@@ -3,24 +3,19 @@
 
 namespace orvgen {
 
-namespace {
-
-std::string stem(const FamilyInfo& family, int number) {
-    return std::string(family.name) + "_" + std::to_string(number) + "_" +
-           std::string(family.element);
-}
-
-}  // namespace
-
 std::string shortName(const FamilyInfo& family) {
     return std::string(family.name) + "_" + std::string(family.element);
 }
 std::string nameOf(const FamilyInfo& family) { return "orvg" + shortName(family); }
+kernelgen::KernelName kernelName(const FamilyInfo& family, int number) {
+    return {std::string(family.name) + "_" + std::to_string(number) + "_" +
+            std::string(family.element)};
+}
 std::string memberName(const FamilyInfo& family, int number) {
-    return "orvg" + stem(family, number);
+    return kernelName(family, number).exported();
 }
 std::string twinName(const FamilyInfo& family, int number) {
-    return "owng" + stem(family, number) + "_unaligned";
+    return kernelName(family, number).twin();
 }
 
 std::vector<Member> membersOf(const FamilyInfo& family) {

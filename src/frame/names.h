@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "frame/families.h"
+#include "kernelgen/kernel_name.h"
 
 namespace orvgen {
 
@@ -16,6 +17,7 @@ std::string shortName(const FamilyInfo& family);
 std::string nameOf(const FamilyInfo& family);
 // orvgDFTFwd_CToC_16_32fc
 std::string memberName(const FamilyInfo& family, int number);
+kernelgen::KernelName kernelName(const FamilyInfo& family, int number);
 // owngDFTFwd_CToC_16_32fc_unaligned
 std::string twinName(const FamilyInfo& family, int number);
 

@@ -74,11 +74,11 @@ kernelgen::Layout batchLayout(orvgen::Layout layout) {
 // The forms of kernels for batches.
 struct Form {
     const char* command;
-    std::string (*name)(const std::string& kernel, const Target& target);
+    std::string (*name)(const KernelName& kernel, const Target& target);
     CompiledKernel (*compile)(const Kernel& kernel, const Target& target, WideOptions options);
 };
 CompiledKernel compileRowsOnly(const Kernel& kernel, const Target& target, WideOptions) {
-    if (!hasRows(kernel)) throw std::runtime_error(kernel.name + " moves parts of vectors");
+    if (!hasRows(kernel)) throw std::runtime_error(kernel.name.exported() + " moves parts of vectors");
     return compileRows(kernel, target);
 }
 constexpr Form kForms[] = {{"batch", batchName, compileBatch},

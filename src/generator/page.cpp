@@ -53,7 +53,7 @@ void printPage(std::ostream& out, const KernelFamily& family, int number,
     const KernelFigures& f = compiled.figures;
     const Lines lines = linesOf(operationsOf(kernel));
     const ErrorBound e = errorBoundOf(kernel);
-    out << kernel.name << "\n"
+    out << kernel.name.exported() << "\n"
         << "  computed as      " << kernel.method << "\n"
         << "  additions        " << lines.additions << "\n"
         << "  multiplications  " << lines.multiplications << "\n"

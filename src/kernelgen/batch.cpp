@@ -187,16 +187,16 @@ CompiledKernel compileWide(const Kernel& kernel, const Target& target, const std
 
 }  // namespace
 
-std::string batchName(const std::string& kernel, const Target& target) {
-    return "owngBatch" + kernel.substr(4) + "_" + target.name;
+std::string batchName(const KernelName& kernel, const Target& target) {
+    return kernel.ofBatch("Batch", target.name);
 }
 
 CompiledKernel compileBatch(const Kernel& kernel, const Target& target, WideOptions options) {
     return compileWide(kernel, target, batchName(kernel.name, target), options);
 }
 
-std::string pairsName(const std::string& kernel, const Target& target) {
-    return "owngPairs" + kernel.substr(4) + "_" + target.name;
+std::string pairsName(const KernelName& kernel, const Target& target) {
+    return kernel.ofBatch("Pairs", target.name);
 }
 
 CompiledKernel compilePairs(const Kernel& kernel, const Target& target, WideOptions options) {

@@ -25,12 +25,12 @@
 namespace orvgen::kernelgen {
 
 // orvgHartley_16_32f on the target avx2 is owngBatchHartley_16_32f_avx2.
-std::string batchName(const std::string& kernel, const Target& target);
+std::string batchName(const KernelName& kernel, const Target& target);
 
 // Which sides are complex is `options`' to say; the flow is the single kernel's own.
 CompiledKernel compileBatch(const Kernel& kernel, const Target& target, WideOptions options);
 
-std::string pairsName(const std::string& kernel, const Target& target);
+std::string pairsName(const KernelName& kernel, const Target& target);
 CompiledKernel compilePairs(const Kernel& kernel, const Target& target, WideOptions options);
 
 }  // namespace orvgen::kernelgen

@@ -105,7 +105,7 @@ class KernelCompiler {
         char bound[64];
         std::snprintf(bound, sizeof bound, "%.0f cycles by the model, port bound %.0f",
                       f.modelCycles, f.portBound);
-        std::string text = "# " + kernel_.name + "\n";
+        std::string text = "# " + kernel_.name.exported() + "\n";
         text += "# Length " + std::to_string(kernel_.length) + ": " + kernel_.method + ".\n";
         if (!kernel_.passes) text += "# " + counts(kernel_.flow) + ".\n";
         text += "# " + std::to_string(f.instructions) + " instructions, frame " +
@@ -132,7 +132,8 @@ class KernelCompiler {
     }
 
     std::string pool(const PoolLayout& layout) const {
-        std::string text = "\t.section\t.rodata\n\t.p2align\t6\n" + poolLabel(kernel_.name) + ":\n";
+        std::string text =
+            "\t.section\t.rodata\n\t.p2align\t6\n" + poolLabel(kernel_.name.exported()) + ":\n";
         text += scale(ScaleKind::None, "scale 1");
         text += scale(ScaleKind::BySqrtN, "scale 1/sqrt(N)");
         text += scale(ScaleKind::ByN, "scale 1/N");

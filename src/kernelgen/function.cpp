@@ -96,7 +96,8 @@ class FunctionPrinter {
         text += "\t.type\t" + name + ", @function\n" + label(name) + "\t.cfi_startproc\n";
         if (variants.front() == Variant::Aligned) {
             text += line("mov\teax, edi") + line("or\teax, esi") + line("test\tal, 15");
-            text += line("jne\t" + (variants.size() > 1 ? local_ + "_unaligned" : twinName(name)));
+            text +=
+                line("jne\t" + (variants.size() > 1 ? local_ + "_unaligned" : kernel_.name.twin()));
         }
         for (std::size_t v = 0; v < variants.size(); ++v) {
             suffix_ = v == 0 ? "" : "_2";
@@ -150,7 +151,7 @@ class FunctionPrinter {
         const std::string body = local_ + "_body" + suffix_;
         std::string text = line("test\trdi, rdi") + line("je\t" + local_ + "_null");
         text += line("test\trsi, rsi") + line("je\t" + local_ + "_null");
-        text += line("lea\t" + pool.reg + ", [rip + " + poolLabel(kernel_.name) +
+        text += line("lea\t" + pool.reg + ", [rip + " + poolLabel(kernel_.name.exported()) +
                      (pool.bias ? " + " + number(pool.bias) : "") + "]");
         const bool forward = kernel_.scale != ScaleRule::InverseByN;
         const bool inverse = kernel_.scale != ScaleRule::ForwardByN;
@@ -349,9 +350,7 @@ bool CompiledBody::hasWideFrame() const {
                         }));
 }
 
-std::string twinName(const std::string& kernel) { return "owng" + kernel.substr(4) + "_unaligned"; }
-
-std::string poolLabel(const std::string& kernel) { return ".L" + kernel + "_pool"; }
+std::string poolLabel(const std::string& function) { return ".L" + function + "_pool"; }
 
 namespace {
 
@@ -366,19 +365,20 @@ std::string secondName(const std::string& function, const std::string& name) {
 std::string printFunctions(const Kernel& kernel, const CompiledBody& body, const Target& target) {
     FunctionPrinter printer(kernel, body, target);
     if (target.unalignedOperands) {
-        std::string text = printer.function(kernel.name, true, {Variant::AnyAlignment});
+        std::string text = printer.function(kernel.name.exported(), true, {Variant::AnyAlignment});
         if (kernel.alignment == Alignment::Twin)
-            text += secondName(kernel.name, twinName(kernel.name));
+            text += secondName(kernel.name.exported(), kernel.name.twin());
         return text;
     }
     switch (kernel.alignment) {
         case Alignment::Any:
-            return printer.function(kernel.name, true, {Variant::AnyAlignment});
+            return printer.function(kernel.name.exported(), true, {Variant::AnyAlignment});
         case Alignment::Twin:
-            return printer.function(kernel.name, true, {Variant::Aligned}) +
-                   printer.function(twinName(kernel.name), false, {Variant::AnyAlignment});
+            return printer.function(kernel.name.exported(), true, {Variant::Aligned}) +
+                   printer.function(kernel.name.twin(), false, {Variant::AnyAlignment});
         case Alignment::TwoBodies:
-            return printer.function(kernel.name, true, {Variant::Aligned, Variant::AnyAlignment});
+            return printer.function(kernel.name.exported(), true,
+                                    {Variant::Aligned, Variant::AnyAlignment});
     }
     return "";
 }

@@ -43,11 +43,8 @@ struct CompiledBody {
     bool hasWideFrame() const;
 };
 
-// The name of a twin: owng for orvg in front, _unaligned behind.
-std::string twinName(const std::string& kernel);
-
-// The label of a kernel's pool.
-std::string poolLabel(const std::string& kernel);
+// The label of the pool that a function reads.
+std::string poolLabel(const std::string& function);
 
 // All functions of the kernel, one or two.
 std::string printFunctions(const Kernel& kernel, const CompiledBody& body, const Target& target);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "graph.h"
+#include "kernel_name.h"
 #include "passes.h"
 
 namespace orvgen::kernelgen {
@@ -26,7 +27,7 @@ enum class Alignment : std::uint8_t {
 };
 
 struct Kernel {
-    std::string name;    // orvgDFTFwd_CToC_16_32fc
+    KernelName name;
     int length = 0;      // N, which the scale is made of
     std::string method;  // one line: how this length is computed ("4 T 4")
     ScaleRule scale = ScaleRule::ForwardByN;

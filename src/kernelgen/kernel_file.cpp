@@ -91,7 +91,7 @@ std::string keyOf(const Kernel& kernel) {
                  registersOnly, passes] = kernel;
     std::ostringstream all;
     all << std::hexfloat << compilerDigest << '\n'
-        << name << '\n'
+        << name.stem << '\n'
         << method << '\n'
         << length << ' ' << static_cast<int>(scale) << ' ' << static_cast<int>(alignment) << ' '
         << halvesOnly << ' ' << readsAllFirst << ' ' << registersOnly << ' ';

@@ -56,8 +56,8 @@ std::string body(const Block& block, const WidePool& pool, const Target& target,
 
 }  // namespace
 
-std::string rowsName(const std::string& kernel, const Target& target) {
-    return "owngRows" + kernel.substr(4) + "_" + target.name;
+std::string rowsName(const KernelName& kernel, const Target& target) {
+    return kernel.ofBatch("Rows", target.name);
 }
 
 bool hasRows(const Kernel& kernel) {

@@ -17,7 +17,7 @@
 namespace orvgen::kernelgen {
 
 // orvgDFTFwd_CToC_16_64fc on the target avx2 is owngRowsDFTFwd_CToC_16_64fc_avx2.
-std::string rowsName(const std::string& kernel, const Target& target);
+std::string rowsName(const KernelName& kernel, const Target& target);
 
 // Whether there is such a kernel: where the single one moves whole vectors of src and dst only.
 bool hasRows(const Kernel& kernel);

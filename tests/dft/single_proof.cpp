@@ -19,8 +19,8 @@ TEST_P(ComplexBinary32Flows, ComputeTheTransform) {
     for (std::size_t d = 0; d < 2; ++d) {
         const auto kernel = families[d].kernel(GetParam());
         EXPECT_LT(test::complexProofError(kernel.flow, directions[d], GetParam()), Real("1e-60"))
-            << kernel.name;
-        EXPECT_TRUE(kernel.flow.deadNodes().empty()) << kernel.name;
+            << kernel.name.exported();
+        EXPECT_TRUE(kernel.flow.deadNodes().empty()) << kernel.name.exported();
     }
 }
 

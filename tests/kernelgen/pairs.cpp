@@ -134,7 +134,7 @@ std::vector<unsigned> zeroLanes(const Code& code) {
 }
 
 TEST(Pairs, IdleLanesHoldZeros) {
-    const Kernel kernel = test::smallRealKernel("s", Arithmetic::Single);
+    const Kernel kernel = test::smallRealKernel({"s"}, Arithmetic::Single);
     const std::vector<Code> forms = pairForms(lower(kernel.flow, {}));
     ASSERT_FALSE(forms.empty());
     int checked = 0;
@@ -152,7 +152,7 @@ TEST(Pairs, IdleLanesHoldZeros) {
 
 TEST(Pairs, ReadNothingElse) {
     for (const Arithmetic arithmetic : {Arithmetic::Single, Arithmetic::Double}) {
-        const Kernel kernel = test::smallRealKernel("s", arithmetic);
+        const Kernel kernel = test::smallRealKernel({"s"}, arithmetic);
         const Code scalar = lower(kernel.flow, {});
         const std::vector<Code> forms = pairForms(scalar);
         ASSERT_FALSE(forms.empty());
@@ -161,7 +161,7 @@ TEST(Pairs, ReadNothingElse) {
 }
 
 TEST(Pairs, SameCodeEveryTime) {
-    const Code scalar = lower(test::smallRealKernel("s", Arithmetic::Double).flow, {});
+    const Code scalar = lower(test::smallRealKernel({"s"}, Arithmetic::Double).flow, {});
     EXPECT_EQ(opcodes(pairForms(scalar).front()), opcodes(pairForms(scalar).front()));
 }
 
@@ -215,7 +215,7 @@ Kernel manySums() {
     std::vector<Value> y;
     for (std::size_t i = 0; i < kSums; ++i) y.push_back(scaled(x[i] + x[i + kSums]));
     for (int i = 0; i < kSums; ++i) g.output(i, y[static_cast<std::size_t>(i)].id());
-    return {.name = "orvgSums_40_64fc",
+    return {.name = {"Sums_40_64fc"},
             .length = kSums,
             .method = "test flow",
             .alignment = Alignment::Twin,

@@ -62,13 +62,14 @@ void compare(const Kernel& kernel, Kernel1<T>* function, std::size_t inputs, std
             std::fesetround(FE_TONEAREST);
             ASSERT_EQ(status, 0);
             ASSERT_EQ(std::memcmp(dst, expected, sizeof dst), 0)
-                << kernel.name << " flag " << flags[f] << " round " << round;
+                << kernel.name.exported() << " flag " << flags[f] << " round " << round;
             // One element further on: the alignment-free body, in place.
             std::memmove(src + 2, src, inputs * sizeof(T));
             std::fesetround(modes[round % 4]);
             function(src + 2, src + 2, flags[f]);
             std::fesetround(FE_TONEAREST);
-            ASSERT_EQ(std::memcmp(src + 2, expected, outputs * sizeof(T)), 0) << kernel.name;
+            ASSERT_EQ(std::memcmp(src + 2, expected, outputs * sizeof(T)), 0)
+                << kernel.name.exported();
         }
     }
 }
@@ -100,43 +101,43 @@ long frameStores(const CompiledKernel& kernel, const std::string& mnemonic) {
 }
 
 TEST(Pipeline, MixedPrecisionScalars) {
-    compare<float>(orvgen::test::smallRealKernel("s", Arithmetic::Single), orvgSmall_5_32f, 4, 6);
+    compare<float>(orvgen::test::smallRealKernel({"s"}, Arithmetic::Single), orvgSmall_5_32f, 4, 6);
 }
 
 TEST(Pipeline, DoubleScalars) {
-    compare<double>(orvgen::test::smallRealKernel("d", Arithmetic::Double), orvgSmall_5_64f, 4, 6);
+    compare<double>(orvgen::test::smallRealKernel({"d"}, Arithmetic::Double), orvgSmall_5_64f, 4,
+                    6);
 }
 
 TEST(Pipeline, FourLanes) {
-    compare<float>(orvgen::test::smallLaneKernel("l"), orvgSmall_8_32fc, 16, 16);
+    compare<float>(orvgen::test::smallLaneKernel({"l"}), orvgSmall_8_32fc, 16, 16);
 }
 
 // Slots of 4, of 8 and of 16 bytes, in one frame where the types are mixed.
 TEST(Pipeline, SpillsWhatTheRegistersDoNotHold) {
-    const Kernel single = orvgen::test::crowdedRealKernel("s", Arithmetic::Single);
+    const Kernel single = orvgen::test::crowdedRealKernel({"s"}, Arithmetic::Single);
     EXPECT_GT(frameStores(compileKernel(single), "movss"), 0);
     EXPECT_GT(frameStores(compileKernel(single), "movsd"), 0);
     compare<float>(single, orvgCrowded_36_32f, 36, 36);
-    const Kernel wide = orvgen::test::crowdedRealKernel("d", Arithmetic::Double);
+    const Kernel wide = orvgen::test::crowdedRealKernel({"d"}, Arithmetic::Double);
     EXPECT_GT(frameStores(compileKernel(wide), "movsd"), 0);
     compare<double>(wide, orvgCrowded_36_64f, 36, 36);
-    const Kernel lanes = orvgen::test::crowdedLaneKernel("orvgl_32fc");
+    const Kernel lanes = orvgen::test::crowdedLaneKernel({"l_32fc"});
     EXPECT_GT(frameStores(compileKernel(lanes), "movaps"), 0);
     compare<float>(lanes, orvgCrowded_40_32fc, 80, 80);
 }
 
 TEST(Pipeline, ReadsWhatAZeroOverwrites) {
-    compare<float>(orvgen::test::zeroFirstKernel("s", Arithmetic::Single), orvgZeroFirst_8_32f, 8,
+    compare<float>(orvgen::test::zeroFirstKernel({"s"}, Arithmetic::Single), orvgZeroFirst_8_32f, 8,
                    8);
-    compare<double>(orvgen::test::zeroFirstKernel("d", Arithmetic::Double), orvgZeroFirst_8_64f, 8,
-                    8);
+    compare<double>(orvgen::test::zeroFirstKernel({"d"}, Arithmetic::Double), orvgZeroFirst_8_64f,
+                    8, 8);
 }
 
 TEST(Pipeline, ReadsAllFirstWhereAnyOverlapIsPromised) {
-    compareOverlapping<float>(orvgen::test::crowdedLaneKernel("orvgl_32fc"), orvgCrowded_40_32fc,
+    compareOverlapping<float>(orvgen::test::crowdedLaneKernel({"l_32fc"}), orvgCrowded_40_32fc, 80);
+    compareOverlapping<float>(orvgen::test::streamingLaneKernel({"l_32fc"}), orvgStreaming_40_32fc,
                               80);
-    compareOverlapping<float>(orvgen::test::streamingLaneKernel("orvgl_32fc"),
-                              orvgStreaming_40_32fc, 80);
 }
 
 // Every kernel, twin and pool begins on a cache line; gate and bodies are as in the library.
@@ -178,7 +179,7 @@ TEST(Pipeline, GateAnswersInOrder) {
 }
 
 TEST(Pipeline, CountsOfTheSmallFlow) {
-    const auto kernel = orvgen::test::smallRealKernel("s", Arithmetic::Single);
+    const auto kernel = orvgen::test::smallRealKernel({"s"}, Arithmetic::Single);
     const Counts c = countOperations(kernel.flow);
     EXPECT_EQ(c.additions, 7);
     EXPECT_EQ(c.signSteps, 1);
@@ -189,7 +190,7 @@ TEST(Pipeline, CountsOfTheSmallFlow) {
 }
 
 TEST(Pipeline, LaneCountsOfEight) {
-    const LaneCounts c = countLanes(orvgen::test::smallLaneKernel("l").flow);
+    const LaneCounts c = countLanes(orvgen::test::smallLaneKernel({"l"}).flow);
     EXPECT_EQ(c.distinctAdditions, 52);
     EXPECT_EQ(c.distinctMultiplications, 4);
     // 16 vector sums over two live lanes; twiddles and the last stage in four lanes
@@ -199,7 +200,7 @@ TEST(Pipeline, LaneCountsOfEight) {
 
 TEST(Pipeline, NumbersFollowTheGraph) {
     using N = Number<Arithmetic::Single>;
-    const auto kernel = orvgen::test::smallRealKernel("s", Arithmetic::Single);
+    const auto kernel = orvgen::test::smallRealKernel({"s"}, Arithmetic::Single);
     std::mt19937_64 random(11);
     std::uniform_real_distribution<float> uniform(-1, 1);
     for (int round = 0; round < 100; ++round) {
@@ -221,7 +222,7 @@ TEST(Pipeline, NumbersFollowTheGraph) {
 
 TEST(Pipeline, SameTextEveryTime) {
     const auto text = [] {
-        return compileKernel(orvgen::test::smallLaneKernel("orvgX_8_32fc")).assembly;
+        return compileKernel(orvgen::test::smallLaneKernel({"X_8_32fc"})).assembly;
     };
     EXPECT_EQ(text(), text());
 }

@@ -10,7 +10,7 @@ using kernelgen::NodeId;
 using kernelgen::Value;
 
 // 8 = 4 T 2: two four-point butterflies in two live lanes, a twiddle vector, a two-point butterfly.
-kernelgen::Kernel smallLaneKernel(const std::string& name) {
+kernelgen::Kernel smallLaneKernel(const kernelgen::KernelName& name) {
     Graph g(kernelgen::Arithmetic::SingleLanes);
     const NodeId zero = g.zero(kernelgen::Type::F32x4);
     const Lane empty{zero, 0};
@@ -83,7 +83,8 @@ std::vector<Value> crowded(const std::vector<Value>& values) {
 
 }  // namespace
 
-kernelgen::Kernel crowdedRealKernel(const std::string& name, kernelgen::Arithmetic arithmetic) {
+kernelgen::Kernel crowdedRealKernel(const kernelgen::KernelName& name,
+                                    kernelgen::Arithmetic arithmetic) {
     Graph g(arithmetic);
     std::vector<Value> x;
     for (int i = 0; i < 2 * kCrowd; ++i) x.emplace_back(g, g.input(i));
@@ -108,7 +109,7 @@ namespace {
 
 // Vectors of two complex elements, and results made of all of them.
 template <class Results>
-kernelgen::Kernel laneKernel(const std::string& name, const Results& results) {
+kernelgen::Kernel laneKernel(const kernelgen::KernelName& name, const Results& results) {
     Graph g(kernelgen::Arithmetic::SingleLanes);
     std::vector<Value> x;
     for (int i = 0; i < kLaneCrowd; ++i) {
@@ -134,13 +135,16 @@ kernelgen::Kernel laneKernel(const std::string& name, const Results& results) {
 
 }  // namespace
 
-kernelgen::Kernel crowdedLaneKernel(const std::string& name) { return laneKernel(name, crowded); }
+kernelgen::Kernel crowdedLaneKernel(const kernelgen::KernelName& name) {
+    return laneKernel(name, crowded);
+}
 
-kernelgen::Kernel streamingLaneKernel(const std::string& name) {
+kernelgen::Kernel streamingLaneKernel(const kernelgen::KernelName& name) {
     return laneKernel(name, [](const std::vector<Value>& sums) { return sums; });
 }
 
-kernelgen::Kernel zeroFirstKernel(const std::string& name, kernelgen::Arithmetic arithmetic) {
+kernelgen::Kernel zeroFirstKernel(const kernelgen::KernelName& name,
+                                  kernelgen::Arithmetic arithmetic) {
     Graph g(arithmetic);
     std::vector<Value> x;
     for (int i = 0; i < 8; ++i) x.emplace_back(g, g.input(i));

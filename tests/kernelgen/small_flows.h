@@ -28,7 +28,7 @@ std::array<V, 5> smallRealFlow(const std::array<V, 4>& x) {
     return {y0, x[0] - ratio(1, 2) * a, -(sinTurn(1, 6) * d), p - r, p + r};
 }
 
-inline kernelgen::Kernel smallRealKernel(const std::string& name,
+inline kernelgen::Kernel smallRealKernel(const kernelgen::KernelName& name,
                                          kernelgen::Arithmetic arithmetic) {
     using kernelgen::Value;
     kernelgen::Graph g(arithmetic);
@@ -44,21 +44,23 @@ inline kernelgen::Kernel smallRealKernel(const std::string& name,
             false, false, std::move(g)};
 }
 
-kernelgen::Kernel smallLaneKernel(const std::string& name);
+kernelgen::Kernel smallLaneKernel(const kernelgen::KernelName& name);
 
 // More values are live at once than there are registers: every output takes all of them, each in
 // another order. Eighteen sums of neighbours and eighteen products, which in Single arithmetic are
 // binary32 and binary64; twenty vectors of four lanes.
 inline constexpr int kCrowd = 18;
 inline constexpr int kLaneCrowd = 20;
-kernelgen::Kernel crowdedRealKernel(const std::string& name, kernelgen::Arithmetic arithmetic);
-kernelgen::Kernel crowdedLaneKernel(const std::string& name);
+kernelgen::Kernel crowdedRealKernel(const kernelgen::KernelName& name,
+                                    kernelgen::Arithmetic arithmetic);
+kernelgen::Kernel crowdedLaneKernel(const kernelgen::KernelName& name);
 // As many vectors, but each result takes two neighbours only and could be stored at once.
-kernelgen::Kernel streamingLaneKernel(const std::string& name);
+kernelgen::Kernel streamingLaneKernel(const kernelgen::KernelName& name);
 
 // A zero goes to element 1 before anything else is stored, and all outputs take input 1: in place
 // it must have been read by then.
-kernelgen::Kernel zeroFirstKernel(const std::string& name, kernelgen::Arithmetic arithmetic);
+kernelgen::Kernel zeroFirstKernel(const kernelgen::KernelName& name,
+                                  kernelgen::Arithmetic arithmetic);
 
 inline constexpr FamilyInfo kSmallFamilies[] = {
     {.name = "Small",
@@ -121,7 +123,7 @@ inline constexpr FamilyInfo kSmallFamilies[] = {
 };
 
 inline kernelgen::Kernel smallKernel(const FamilyInfo& family, int number) {
-    const std::string name = memberName(family, number);
+    const kernelgen::KernelName name = kernelName(family, number);
     const auto arithmetic =
         family.isSingle() ? kernelgen::Arithmetic::Single : kernelgen::Arithmetic::Double;
     if (family.name == "Streaming") return streamingLaneKernel(name);

@@ -32,7 +32,7 @@ TEST(PlanTree, IsThePlanOfEveryKernel) {
             const plan::PlanPtr plan = planOf(*family.info, length);
             EXPECT_EQ(plan->length, length);
             // In front of it Hartley kernels say which way they go.
-            EXPECT_TRUE(kernel.method.ends_with(plan::notation(*plan))) << kernel.name;
+            EXPECT_TRUE(kernel.method.ends_with(plan::notation(*plan))) << kernel.name.exported();
         }
     }
 }
@@ -53,7 +53,7 @@ TEST(ExplorerFlow, HasEveryOperationOfTheKernel) {
     for (const KernelFamily& family : generator::allFamilies()) {
         for (const int length : {3, 5, 7}) {
             const kernelgen::Kernel kernel = family.kernel(length);
-            SCOPED_TRACE(kernel.name);
+            SCOPED_TRACE(kernel.name.exported());
             const std::string flow = flowOf(kernel).text;
             const std::string mark = "\"nodes\":\"";
             std::istringstream nodes(flow.substr(flow.find(mark) + mark.size()));
@@ -84,7 +84,7 @@ TEST(Assembly, ComesBackFromItsMarks) {
         std::vector<Mark> list = marks();
         std::ranges::reverse(list);
         for (const Mark& mark : list) replace(mark.mark, mark.text);
-        replace("&", kernel.name.substr(4));
+        replace("&", kernel.name.stem);
         EXPECT_EQ(text, assembly);
     }
 }
