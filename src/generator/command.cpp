@@ -78,7 +78,8 @@ struct Form {
     CompiledKernel (*compile)(const Kernel& kernel, const Target& target, WideOptions options);
 };
 CompiledKernel compileRowsOnly(const Kernel& kernel, const Target& target, WideOptions) {
-    if (!hasRows(kernel)) throw std::runtime_error(kernel.name.exported() + " moves parts of vectors");
+    if (!hasRows(kernel))
+        throw std::runtime_error(kernel.name.exported() + " moves parts of vectors");
     return compileRows(kernel, target);
 }
 constexpr Form kForms[] = {{"batch", batchName, compileBatch},

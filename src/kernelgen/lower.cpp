@@ -3,6 +3,7 @@
 
 #include <cstring>
 #include <stdexcept>
+#include <utility>
 
 namespace orvgen::kernelgen {
 
@@ -64,98 +65,109 @@ Opcode arithmetic(Op op, Type type) {
     }
 }
 
-}  // namespace
+class NodeLowering {
+  public:
+    explicit NodeLowering(const Graph& graph)
+        : graph_(graph), pool_(code_), registers_(graph.nodes().size(), kNoRegister) {
+        code_.stages = graph.stages();
+        code_.scale.type = graph.elementType();
+    }
 
-Code lowerNodes(const Graph& graph) {
-    Code code;
-    PoolBuilder pool(code);
-    code.stages = graph.stages();
-    code.scale.type = graph.elementType();
-    std::vector<Register> reg(graph.nodes().size(), kNoRegister);
-    const auto of = [&](NodeId id) { return reg[static_cast<std::size_t>(id)]; };
-    for (std::size_t i = 0; i < graph.nodes().size(); ++i) {
-        const Node& n = graph.nodes()[i];
-        Instruction instruction{};
-        instruction.stage = n.stage;
-        const auto inMemory = [&](Address address) {
-            instruction.hasAddress = true;
-            instruction.address = address;
-        };
+    Code run() {
+        for (std::size_t i = 0; i < registers_.size(); ++i) {
+            const Node& n = graph_.nodes()[i];
+            if (standsInMemory(n)) continue;
+            Instruction instruction = n.op == Op::Output ? store(n) : computation(n);
+            instruction.stage = n.stage;
+            if (n.op != Op::Output) instruction.dst = registers_[i] = code_.fresh();
+            code_.instructions.push_back(instruction);
+        }
+        return std::move(code_);
+    }
+
+  private:
+    // The scale, which products by it read.
+    bool standsInMemory(const Node& n) const {
+        return n.op == Op::Scale || (n.op == Op::Widen && graph_.node(n.a).op == Op::Scale);
+    }
+
+    Register of(NodeId id) const { return registers_[static_cast<std::size_t>(id)]; }
+
+    Instruction of(Opcode op, const Node& n) const { return {.op = op, .a = of(n.a)}; }
+    static Instruction inMemory(Instruction instruction, Address address) {
+        instruction.hasAddress = true;
+        instruction.address = address;
+        return instruction;
+    }
+
+    Instruction computation(const Node& n) {
         switch (n.op) {
             case Op::Input:
-                instruction.op = n.type == Type::F32   ? Opcode::LoadSS
-                                 : n.type == Type::F64 ? Opcode::LoadSD
-                                                       : Opcode::Load16Split;
-                inMemory({Base::Src, n.index * bytesOf(n.type)});
-                break;
+                return load(n);
             case Op::Zero:
-                instruction.op = Opcode::Zero;
-                break;
+                return {.op = Opcode::Zero};
             case Op::Add:
-            case Op::Sub:
-                instruction.op = arithmetic(n.op, n.type);
-                instruction.a = of(n.a);
-                instruction.b = of(n.b);
-                break;
+            case Op::Sub: {
+                Instruction sum = of(arithmetic(n.op, n.type), n);
+                sum.b = of(n.b);
+                return sum;
+            }
             case Op::Mul:
-                instruction.op = arithmetic(n.op, n.type);
-                instruction.a = of(n.a);
-                inMemory(pool.entry(graph.constant(n)));
-                break;
-            case Op::Scale:
-                continue;  // stands in memory, see MulScale
+                return inMemory(of(arithmetic(n.op, n.type), n), pool_.entry(graph_.constant(n)));
             case Op::MulScale: {
-                instruction.op = arithmetic(n.op, n.type);
-                instruction.a = of(n.a);
-                const bool widened = n.type != code.scale.type;
-                if (widened) code.scale.widened = true;
-                inMemory({widened ? Base::WidenedScale : Base::Scale, 0});
-                break;
+                const bool widened = n.type != code_.scale.type;
+                if (widened) code_.scale.widened = true;
+                return inMemory(of(arithmetic(n.op, n.type), n),
+                                {widened ? Base::WidenedScale : Base::Scale, 0});
             }
             case Op::Widen:
-                if (graph.node(n.a).op == Op::Scale) continue;
-                instruction.op = Opcode::Widen;
-                instruction.a = of(n.a);
-                break;
+                return of(Opcode::Widen, n);
             case Op::Narrow:
-                instruction.op = Opcode::Narrow;
-                instruction.a = of(n.a);
-                break;
-            case Op::Swap:
-                instruction.op = Opcode::Shufpd;
-                instruction.a = instruction.b = of(n.a);
-                instruction.immediate = 1;
-                break;
+                return of(Opcode::Narrow, n);
+            case Op::Swap: {
+                Instruction swap = of(Opcode::Shufpd, n);
+                swap.b = swap.a;
+                swap.immediate = 1;
+                return swap;
+            }
             case Op::FlipLow:
-            case Op::FlipHigh: {
-                instruction.op = Opcode::XorPS;
-                instruction.a = of(n.a);
-                const bool low = n.op == Op::FlipLow;
-                inMemory(pool.entry(PoolEntry{
-                    Type::F64x2, {low ? -0.0 : 0.0, low ? 0.0 : -0.0}, "sign of one lane"}));
-                break;
-            }
-            case Op::Output: {
-                const bool isZero = graph.node(n.a).op == Op::Zero;
-                if (n.type == Type::F32)
-                    instruction.op = isZero ? Opcode::StoreZero4 : Opcode::StoreSS;
-                else if (n.type == Type::F64)
-                    instruction.op = isZero ? Opcode::StoreZero8 : Opcode::StoreSD;
-                else
-                    instruction.op = Opcode::Store16Split;
-                if (!isZero) instruction.a = of(n.a);
-                inMemory({Base::Dst, n.index * bytesOf(n.type)});
-                code.instructions.push_back(instruction);
-                continue;
-            }
-            case Op::Pack:
-                throw std::logic_error("lanes in a scalar graph");
+                return inMemory(of(Opcode::XorPS, n), sign({-0.0, 0.0}));
+            case Op::FlipHigh:
+                return inMemory(of(Opcode::XorPS, n), sign({0.0, -0.0}));
+            default:
+                throw std::logic_error("not an operation of a graph without lanes");
         }
-        instruction.dst = reg[i] = code.fresh();
-        code.instructions.push_back(instruction);
     }
-    return code;
-}
+
+    Address sign(const std::vector<double>& lanes) {
+        return pool_.entry(PoolEntry{Type::F64x2, lanes, "sign of one lane"});
+    }
+
+    static Instruction load(const Node& n) {
+        const Opcode op = n.type == Type::F32   ? Opcode::LoadSS
+                          : n.type == Type::F64 ? Opcode::LoadSD
+                                                : Opcode::Load16Split;
+        return inMemory({.op = op}, {Base::Src, n.index * bytesOf(n.type)});
+    }
+
+    Instruction store(const Node& n) const {
+        const bool isZero = graph_.node(n.a).op == Op::Zero;
+        Instruction store{.op = Opcode::Store16Split};
+        if (n.type == Type::F32) store.op = isZero ? Opcode::StoreZero4 : Opcode::StoreSS;
+        if (n.type == Type::F64) store.op = isZero ? Opcode::StoreZero8 : Opcode::StoreSD;
+        if (!isZero) store.a = of(n.a);
+        return inMemory(store, {Base::Dst, n.index * bytesOf(n.type)});
+    }
+
+    const Graph& graph_;
+    Code code_;
+    PoolBuilder pool_;
+    std::vector<Register> registers_;  // of the nodes' values
+};
+
+}  // namespace
+
+Code lowerNodes(const Graph& graph) { return NodeLowering(graph).run(); }
 
 Code lower(const Graph& graph, const LoweringOptions& options) {
     return graph.arithmetic() == Arithmetic::SingleLanes ? lowerLanes(graph, options)

@@ -191,83 +191,91 @@ Signed Scalars::laneProduct(Signed x, Signed computed) {
     return laneResult(computed, isZero(x) ? std::optional(x) : std::nullopt);
 }
 
-// What the single kernel's own instructions do in each of their four lanes. Most of it is there
-// already.
-void Scalars::addIdleLanes() {
-    using Vector = std::array<Signed, 4>;
-    needed_ = withOperands(kept_);
-    const Code code = lowerLanes(graph_, {options_.halvesOnly});
-    std::vector<Vector> registers(static_cast<std::size_t>(code.registers));
-    Register scale = kNoRegister;
-    const auto vector = [&](Register r) -> Vector& {
-        return registers[static_cast<std::size_t>(r)];
-    };
-    const auto constantOf = [&](const Instruction& i) -> const PoolEntry& {
-        return code.pool[static_cast<std::size_t>(i.address.offset)];
-    };
+Scalars::Lanes Scalars::loadedLanes(const Instruction& i) {
     const auto element = [&](const Address& address) {
         return std::array<Signed, 2>{input(address.offset / 8, 0, 2, false),
                                      input(address.offset / 8, 1, 2, false)};
     };
-    for (const Instruction& i : code.instructions) {
-        if (isStore(i.op)) continue;
-        stage_ = i.stage;
-        Vector result;
-        const Vector a = i.a == kNoRegister ? Vector{} : vector(i.a);
-        const Vector b = i.b == kNoRegister ? Vector{} : vector(i.b);
+    const auto x = element(i.address);
+    if (i.op == Opcode::LoadHalf) return {x[0], x[1], zero(false), zero(false)};
+    const auto y =
+        element(i.op == Opcode::LoadHalves ? i.high : Address{Base::Src, i.address.offset + 8});
+    return {x[0], x[1], y[0], y[1]};
+}
+
+namespace {
+
+// What a shuffle of four lanes makes of two vectors.
+std::array<Signed, 4> shuffled(const Instruction& i, const std::array<Signed, 4>& a,
+                               const std::array<Signed, 4>& b) {
+    switch (i.op) {
+        case Opcode::Shufps: {
+            const auto lane = [&](int l) {
+                return static_cast<std::size_t>(i.immediate >> 2 * l & 3);
+            };
+            return {a[lane(0)], a[lane(1)], b[lane(2)], b[lane(3)]};
+        }
+        case Opcode::Unpcklps:
+            return {a[0], b[0], a[1], b[1]};
+        case Opcode::Unpckhps:
+            return {a[2], b[2], a[3], b[3]};
+        case Opcode::Movlhps:
+            return {a[0], a[1], b[0], b[1]};
+        case Opcode::Movhlps:
+            return {b[2], b[3], a[2], a[3]};
+        default:
+            throw std::logic_error("not an instruction of a four-lane kernel");
+    }
+}
+
+}  // namespace
+
+// What the single kernel's own instructions do in each of their four lanes. Most of it is there
+// already.
+void Scalars::addIdleLanes() {
+    needed_ = withOperands(kept_);
+    const Code code = lowerLanes(graph_, {options_.halvesOnly});
+    std::vector<Lanes> registers(static_cast<std::size_t>(code.registers));
+    Register scale = kNoRegister;
+    const auto lanesIn = [&](Register r) {
+        return r == kNoRegister ? Lanes{} : registers[static_cast<std::size_t>(r)];
+    };
+    const auto each = [](const auto& result) {
+        return Lanes{result(0), result(1), result(2), result(3)};
+    };
+    const auto valueOf = [&](const Instruction& i) -> Lanes {
+        const Lanes a = lanesIn(i.a), b = lanesIn(i.b);
         switch (i.op) {
             case Opcode::SpreadSS:
                 scale = i.dst;
-                break;
+                return {};
             case Opcode::Zero:
-                result.fill(zero(false));
-                break;
-            case Opcode::LoadHalf: {
-                const auto x = element(i.address);
-                result = {x[0], x[1], zero(false), zero(false)};
-                break;
-            }
+                return each([&](std::size_t) { return zero(false); });
+            case Opcode::LoadHalf:
             case Opcode::Load16:
-            case Opcode::LoadHalves: {
-                const auto x = element(i.address);
-                const auto y = element(
-                    i.op == Opcode::LoadHalves ? i.high : Address{Base::Src, i.address.offset + 8});
-                result = {x[0], x[1], y[0], y[1]};
-                break;
-            }
+            case Opcode::LoadHalves:
+                return loadedLanes(i);
             case Opcode::AddPS:
-                for (std::size_t l = 0; l < 4; ++l) result[l] = laneSum(a[l], b[l]);
-                break;
+                return each([&](std::size_t l) { return laneSum(a[l], b[l]); });
             case Opcode::SubPS:
-                for (std::size_t l = 0; l < 4; ++l) result[l] = laneSum(a[l], -b[l]);
-                break;
+                return each([&](std::size_t l) { return laneSum(a[l], -b[l]); });
             case Opcode::MulPS:
-                for (std::size_t l = 0; l < 4; ++l)
-                    result[l] = laneProduct(a[l], i.b != kNoRegister && i.b == scale
-                                                      ? Signed{scaled(a[l], false), false}
-                                                      : product(a[l], constantOf(i).lanes[l],
-                                                                "in an idle lane", false));
-                break;
-            case Opcode::Shufps:
-                for (std::size_t l = 0; l < 4; ++l)
-                    result[l] = (l < 2 ? a : b)[static_cast<std::size_t>(i.immediate >> 2 * l & 3)];
-                break;
-            case Opcode::Unpcklps:
-                result = {a[0], b[0], a[1], b[1]};
-                break;
-            case Opcode::Unpckhps:
-                result = {a[2], b[2], a[3], b[3]};
-                break;
-            case Opcode::Movlhps:
-                result = {a[0], a[1], b[0], b[1]};
-                break;
-            case Opcode::Movhlps:
-                result = {b[2], b[3], a[2], a[3]};
-                break;
+                if (i.b != kNoRegister && i.b == scale)
+                    return each([&](std::size_t l) {
+                        return laneProduct(a[l], Signed{scaled(a[l], false), false});
+                    });
+                return each([&](std::size_t l) {
+                    const PoolEntry& c = code.pool[static_cast<std::size_t>(i.address.offset)];
+                    return laneProduct(a[l], product(a[l], c.lanes[l], "in an idle lane", false));
+                });
             default:
-                throw std::logic_error("not an instruction of a four-lane kernel");
+                return shuffled(i, a, b);
         }
-        vector(i.dst) = result;
+    };
+    for (const Instruction& i : code.instructions) {
+        if (isStore(i.op)) continue;
+        stage_ = i.stage;
+        registers[static_cast<std::size_t>(i.dst)] = valueOf(i);
     }
 }
 

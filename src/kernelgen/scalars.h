@@ -7,6 +7,7 @@
 // product. Nothing else is simplified.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -74,6 +75,8 @@ class Scalars {
     Signed laneResult(Signed computed, std::optional<Signed> exact);
     Signed laneSum(Signed x, Signed y);
     Signed laneProduct(Signed x, Signed computed);
+    using Lanes = std::array<Signed, 4>;  // of a vector of the single kernel
+    Lanes loadedLanes(const Instruction& i);
     void addIdleLanes();
     std::vector<bool> withOperands(const std::vector<int>& numbers) const;
     void dropUnused();
