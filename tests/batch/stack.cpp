@@ -61,7 +61,7 @@ void expectLittleStack(PaintedStack& stack, std::ptrdiff_t stride, std::size_t& 
 }
 
 #ifndef __SANITIZE_ADDRESS__  // whose frames are larger, and which knows one stack only
-TEST(Stack, IsNotMuch) {
+TEST(Stack, IsTakenByFewBytes) {
     for (const std::uint32_t target : runnableTargets()) {
         ASSERT_EQ(orvgBatchUse(target), orvOk);
         PaintedStack stack;

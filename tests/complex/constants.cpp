@@ -69,7 +69,7 @@ TEST(ComplexConstants, LengthSevenHoldsTheSpectrumOfItsRoots) {
 
 // The real parts of twiddles of denominator 60 stand in vectors of length 60; in length 63 every
 // vector holds one constant in all lanes, as twiddles of its stage of nine are of denominator 9.
-TEST(ComplexConstants, TwiddlesOfSixtyAndNoneOfSixtyThree) {
+TEST(ComplexConstants, HoldTwiddlesOfSixtyAndNoneOfSixtyThree) {
     const auto denominators = [](const std::string& name, int n) {
         int found = 0;
         for (const Four& v : vectorsOf(name)) {

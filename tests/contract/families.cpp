@@ -231,7 +231,7 @@ TEST(Families, NullBesideMisalignedIsSeenByTheTwin) {
     EXPECT_EQ(t.entered, entered);
 }
 
-TEST(Header, NamesAndNumbers) {
+TEST(Header, HasTheNamesAndNumbers) {
     const std::map<std::string, long> statuses = {{"orvOk", orvOk},
                                                   {"orvErrPlan", orvErrPlan},
                                                   {"orvErrSize", orvErrSize},
@@ -266,7 +266,7 @@ TEST(Header, NamesAndNumbers) {
 }
 
 // Field by field as the table orders them, without the header's help.
-TEST(Header, VersionRecord) {
+TEST(Header, DeclaresTheVersionRecord) {
     const auto* at = reinterpret_cast<const unsigned char*>(orvgenGetLibVersion());
     for (const DataRow& row : dataTable("version_record").rows()) {
         const std::string& type = row.text("type");

@@ -61,7 +61,7 @@ void compare(std::size_t srcElements, std::size_t dstElements, Function function
 #define TYPED(...) \
     [](const auto& src, const auto& dst) { return __VA_ARGS__(src, dst, Scale::bySqrtN); }
 
-TEST(Batch, Complex) {
+TEST(Batches, OfComplexDataAreThoseOfTheCInterface) {
     for (const std::size_t n : {2U, 7U, 47U, 48U, 64U}) {
         compare<Orv32fc, Orv32fc>(n, n, SCALED(orvgBatchDFTFwd_CToC_32fc, n), TYPED(batch::fft));
         compare<Orv32fc, Orv32fc>(n, n, SCALED(orvgBatchDFTInv_CToC_32fc, n), TYPED(batch::ifft));
@@ -70,7 +70,7 @@ TEST(Batch, Complex) {
     }
 }
 
-TEST(Batch, Real) {
+TEST(Batches, OfRealDataAreThoseOfTheCInterface) {
     for (const std::size_t n : {2U, 9U, 24U, 63U}) {
         const std::size_t h = n / 2 + 1;
         compare<float, Orv32fc>(n, h, SCALED(orvgBatchDFTFwd_RToCCS_32f, n), TYPED(batch::rfft));
@@ -96,7 +96,7 @@ TEST(Batch, Real) {
     }
 }
 
-TEST(Batch, HartleyAndHadamard) {
+TEST(Batches, OfHartleyAndHadamardAreThoseOfTheCInterface) {
     for (const std::size_t n : {2U, 9U, 24U, 63U}) {
         compare<float, float>(n, n, SCALED(orvgBatchHartley_32f, n), TYPED(batch::hartley));
         compare<double, double>(n, n, SCALED(orvgBatchHartley_64f, n), TYPED(batch::hartley));
@@ -108,7 +108,7 @@ TEST(Batch, HartleyAndHadamard) {
     }
 }
 
-TEST(Batch, Dct4) {
+TEST(Batches, OfTheDct4AreThoseOfTheCInterface) {
     const auto typed = [](const auto& src, const auto& dst) { return batch::dct4(src, dst); };
     for (const std::size_t n : {2U, 8U, 32U}) {
         compare<float, float>(n, n, BATCH(orvgBatchDCT4_32f, n, nullptr, transforms), typed);
@@ -144,7 +144,7 @@ void compareSplit(std::size_t n, Function function, Typed typed) {
     EXPECT_TRUE(sameBytes(yIm, wantedIm));
     EXPECT_EQ(typed(from, batch::Split<R>(yRe, std::span(yIm).first(3), d)), Status::errExtent);
 }
-TEST(Batch, Split) {
+TEST(Batches, OfSplitArraysAreThoseOfTheCInterface) {
     const auto forward = [](const auto& src, const auto& dst) {
         return batch::fft(src, dst, Scale::fwdByN);
     };
@@ -159,7 +159,7 @@ TEST(Batch, Split) {
     }
 }
 
-TEST(Batch, LengthsAndScalesAreRefused) {
+TEST(Batches, RefuseLengthsAndScales) {
     std::vector<float> x(65 * 4), y(65 * 4);
     EXPECT_EQ(batch::hartley(batch::rows(x, 65), batch::rows(y, 65), Scale::none), Status::errSize);
     EXPECT_EQ(batch::hartley(batch::rows(x, 1), batch::rows(y, 1), Scale::none), Status::errSize);
@@ -172,7 +172,7 @@ TEST(Batch, LengthsAndScalesAreRefused) {
               Status::ok);
 }
 
-TEST(Batch, Targets) {
+TEST(Batches, UseTheTargetsThatThereAre) {
     EXPECT_TRUE(batch::available(batch::Target::sse2));
     for (const auto target : {batch::Target::sse2, batch::Target::avx2, batch::Target::avx512})
         EXPECT_EQ(batch::use(target), batch::available(target) ? Status::ok : Status::errFlag);
@@ -180,7 +180,7 @@ TEST(Batch, Targets) {
     EXPECT_EQ(batch::use(batch::Target::best), Status::ok);
 }
 
-TEST(Batch, TheTextsOfStatusesAreTheLibrarys) {
+TEST(Batches, HaveTheLibrarysTextsOfStatuses) {
     for (const Status status : {Status::ok, Status::errPlan, Status::errSize, Status::errNullPtr,
                                 Status::errFlag, static_cast<Status>(-1)})
         EXPECT_STREQ(statusText(status), orvgBatchStatusText(static_cast<OrvStatus>(status)));

@@ -66,7 +66,7 @@ TEST(BatchViews, DoNotOverflow) {
     EXPECT_TRUE(batch::View<const float>(memory, Shape{SIZE_MAX, 5, 0, 0, 0}).valid());
 }
 
-TEST(BatchViews, RowsColumnsAndFrames) {
+TEST(BatchViews, AreRowsColumnsAndFrames) {
     std::vector<double> matrix(6 * 5);
     const auto rows = batch::rows(matrix, 5);
     EXPECT_EQ(rows.shape(), (Shape{5, 6, 1, 5, 0}));

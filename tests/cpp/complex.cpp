@@ -40,7 +40,7 @@ COMPARE(Hartley32, HARTLEY, hartley, Hartley, 32f, float)
 COMPARE(Hartley64, HARTLEY, hartley, Hartley, 64f, double)
 
 // The length as the extent of either array, and in C arrays.
-TEST(FixedLengths, ExtentsOfTheArrays) {
+TEST(FixedLengths, FollowFromTheExtentsOfTheArrays) {
     const std::vector<Orv32fc> in = samples<Orv32fc>(48, 2);
     std::array<std::complex<float>, 47> wanted, out;
     const auto same = [&] {
@@ -64,7 +64,7 @@ TEST(FixedLengths, ExtentsOfTheArrays) {
 }
 
 // Where a kernel reads behind its source, a source of one element more is handed on as it is.
-TEST(FixedLengths, SourcesWithASpareElement) {
+TEST(FixedLengths, TakeSourcesWithASpareElement) {
     const auto compareSpare = [](auto N, auto original) {
         const std::vector<Orv32fc> in = samples<Orv32fc>(N + 1, 2);
         std::vector<Orv32fc> wanted(N), out(N);

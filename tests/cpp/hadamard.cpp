@@ -42,7 +42,7 @@ COMPARE_HADAMARD(Hadamard32, 32f)
 COMPARE_HADAMARD(Hadamard64, 64f)
 
 // The order as the extent of the arrays.
-TEST(FixedLengths, HadamardExtents) {
+TEST(FixedLengths, OfHadamardFollowFromTheExtents) {
     const std::vector<float> x = samples<float>(256, 1);
     std::array<float, 256> y{}, wanted{};
     const WhtBuffer<float> buffer(Order{8});

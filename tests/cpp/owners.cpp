@@ -137,7 +137,7 @@ TYPED_TEST(Owners, BuffersMove) {
     EXPECT_EQ(nine.data(), memory);
 }
 
-TYPED_TEST(Owners, BuffersInMemoryOfTheCallers) {
+TYPED_TEST(Owners, TakeMemoryOfTheCallers) {
     using T = TypeParam;
     const std::size_t bytes = WhtBuffer<T>::bytes(Order{8});
     ASSERT_EQ(bytes, 256 * sizeof(T));

@@ -136,7 +136,7 @@ class Untouched {
     std::vector<E> elements;
 };
 
-TEST(Refusals, Extents) {
+TEST(Refusals, OfExtentsThatDoNotFit) {
     const Vector x(24), shorter(23), longer(25), none;
     Untouched<Complex> y(24);
     for (const Vector* wrong : {&shorter, &longer, &none}) {
@@ -161,7 +161,7 @@ TEST(Refusals, Extents) {
               Status::errExtent);
 }
 
-TEST(Refusals, Lengths) {
+TEST(Refusals, OfLengthsThatThereAreNot) {
     Untouched<Complex> y(65);
     const Vector x(65);
     EXPECT_EQ(fft(x, *y, Scale::none), Status::errSize);
@@ -184,7 +184,7 @@ TEST(Refusals, Lengths) {
               Status::errSize);
 }
 
-TEST(Refusals, ScalesThatAreNone) {
+TEST(Refusals, OfScalesThatAreNone) {
     Untouched<Complex> y(64);
     const Vector x(64);
     for (const int flag : {0, 3, 16, -1}) {
@@ -224,7 +224,7 @@ void readsNothingBehind() {
         EXPECT_TRUE(sameBytes(result, wanted));
     });
 }
-TEST(Refusals, NothingBehindTheSourceIsRead) {
+TEST(Sources, AreNotReadBehindTheirEnd) {
     readsNothingBehind<47>();
     readsNothingBehind<59>();
     for (std::size_t n = 2; n <= 64; ++n)

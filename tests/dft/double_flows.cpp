@@ -73,7 +73,7 @@ std::vector<Elements> reach(const Graph& g) {
     return to;
 }
 
-TEST(DoubleCounts, EveryRow) {
+TEST(DoubleCounts, AreThoseOfTheTable) {
     const DataTable& table = dataTable("complex_f64");
     ASSERT_EQ(table.rows().size(), 63U);
     for (const Direction direction : kDirections) {
@@ -141,7 +141,7 @@ class Primes {
     std::set<std::string> words_;
 };
 
-TEST(DoubleCounts, PrimeLengths) {
+TEST(DoubleCounts, OfPrimeLengthsAreThoseOfTheTable) {
     for (const DataRow& row : dataTable("complex_f64_primes").rows()) {
         const auto p = static_cast<int>(row.integer("length"));
         const Primes found(p);
@@ -220,6 +220,17 @@ TEST(DoubleCounts, AreThoseOfBinary32WhereListed) {
     }
 }
 
+// The table says where a complex transform has just twice the products of the real one.
+TEST(DoubleCounts, AreTwiceTheRealOnesWhereListed) {
+    for (const DataRow& row : dataTable("complex_f64").rows()) {
+        const auto n = static_cast<int>(row.integer("length"));
+        const auto c = kernelgen::countOperations(dft::doubleFlow(Direction::Forward, n));
+        const auto real = kernelgen::countOperations(
+            realdft::forwardGraph(n, realdft::PackedFormat::Ccs, kernelgen::Arithmetic::Double));
+        EXPECT_EQ(c.multiplications() == real.multiplications(), row.flag("twice_real")) << n;
+    }
+}
+
 // A swapped value goes into the two outputs of its pair. Where the table allows it, it may be
 // swapped earlier and reach four.
 TEST(DoubleStages, SwapsStandEarlyAtListedLengthsOnly) {
@@ -237,7 +248,7 @@ TEST(DoubleStages, SwapsStandEarlyAtListedLengthsOnly) {
     }
 }
 
-TEST(DoubleProof, EveryLength) {
+TEST(DoubleProof, AcceptsEveryLength) {
     for (const Direction direction : kDirections)
         for (const int n : kLengths)
             EXPECT_LT(complexProofError(dft::doubleFlow(direction, n), direction, n), 1e-60) << n;
@@ -271,7 +282,7 @@ Samples reversed(const Samples& x) {
 }
 
 // inverse(x) = swap(forward(swap(x))) and inverse(x) = reverse(forward(x)).
-TEST(DoubleRelations, BetweenTheDirections) {
+TEST(DoubleRelations, HoldBetweenTheDirections) {
     CountCheck check("inverse_relations_f64");
     for (const DataRow& row : dataTable("inverse_relations").rows()) {
         const auto n = static_cast<int>(row.integer("length"));
@@ -296,7 +307,7 @@ TEST(DoubleRelations, BetweenTheDirections) {
     EXPECT_EQ(check.report(), "");
 }
 
-TEST(DoubleRelations, RoundTrip) {
+TEST(DoubleRelations, HoldThereAndBack) {
     for (const int n : kLengths) {
         const Samples x = randomSamples(n, 3);
         const Graph forward = dft::doubleFlow(Direction::Forward, n);
@@ -317,7 +328,7 @@ const std::set<int> kOwnBlocks = {10, 11, 17, 19, 22, 23, 29, 33, 34, 35, 37, 38
 
 // Real samples stay in the real lane up to the swaps: the result is the forward real transform,
 // completed to all N bins, and bit for bit where the blocks are the same.
-TEST(DoubleLanes, RealSamples) {
+TEST(DoubleLanes, OfRealSamplesAreTheRealTransform) {
     for (const int n : kLengths) {
         const Graph complex = dft::doubleFlow(Direction::Forward, n);
         const Graph half =
@@ -352,7 +363,7 @@ TEST(DoubleLanes, RealSamples) {
 
 // An infinity or a NaN in a real part reaches imaginary parts through the swaps alone, and y[0]
 // and y[N/2] have none: their imaginary parts are as without it.
-TEST(DoubleLanes, CleanImaginaryPartOfTheFirstElement) {
+TEST(DoubleLanes, KeepTheFirstImaginaryPartClean) {
     for (const int n : kLengths) {
         for (const Direction direction : kDirections) {
             const Graph g = dft::doubleFlow(direction, n);
@@ -377,7 +388,7 @@ TEST(DoubleLanes, CleanImaginaryPartOfTheFirstElement) {
 }
 
 // The direct block of 7: three cosines and three sines, each six times.
-TEST(DoubleLanes, ConstantsOfSeven) {
+TEST(DoubleLanes, TakeOneConstantForBothAtSeven) {
     const Graph g = dft::doubleFlow(Direction::Forward, 7);
     std::map<double, int> uses;
     for (const Node& n : g.nodes())
@@ -387,7 +398,7 @@ TEST(DoubleLanes, ConstantsOfSeven) {
     EXPECT_EQ(uses, expected);
 }
 
-TEST(DoubleFamilies, BodiesAndTwins) {
+TEST(DoubleFamilies, HaveTheBodiesAndTwinsOfTheTable) {
     for (const auto& family : dft::complexDoubleFamilies()) {
         EXPECT_EQ(family.info->numbers.count(), 63U);
         for (const int n : {2, 3, 4, 5, 64}) {

@@ -67,7 +67,7 @@ std::string word(long n) {
     return words.at(static_cast<std::size_t>(n));
 }
 
-TEST(Figures, RoadsOfTheHartleyTransforms) {
+TEST(Figures, OfTheHartleyTransformsAreDocumented) {
     EXPECT_TRUE(says("docs/hartley.md", "Through the forward transform** (" +
                                             ranges(lengthsWhere(hartley::runsForwardFlow)) + ")."))
         << ranges(lengthsWhere(hartley::runsForwardFlow));
@@ -80,7 +80,7 @@ std::string layers(const wht::Cut& cut) {
     return listed(list);
 }
 
-TEST(Figures, PassesAndBuffersOfTheWalshHadamardTransforms) {
+TEST(Figures, OfTheWalshHadamardTransformsAreDocumented) {
     using enum wht::Element;
     int straight = 0;
     for (const int k : kOrders) {
@@ -108,7 +108,7 @@ std::string operations(const char* table, std::string_view size, std::size_t row
     return text;
 }
 
-TEST(Figures, OperationsOfTheDct4Kernels) {
+TEST(Figures, OfTheDct4KernelsAreDocumented) {
     const std::size_t kernels = dataTable("dct4/odd_frequency").rows().size();
     ASSERT_EQ(kernels, 6U);
     for (std::size_t i = 0; i < kernels; ++i) {
@@ -141,13 +141,13 @@ void expectCarries(const std::string& path, const plan::Table& plans, bool howMa
     EXPECT_TRUE(says(path, text)) << path << ": " << text;
 }
 
-TEST(Figures, LengthsThatCarryValuesOnUnrounded) {
+TEST(Figures, OfCarriedValuesAreDocumented) {
     expectCarries("docs/real.md", realdft::forwardPlans(), false);
     for (const auto format : realdft::kPackedFormats)
         expectCarries("docs/real.md", realdft::inversePlans(format), true);
 }
 
-TEST(Figures, LengthsThatReadBehindTheSource) {
+TEST(Figures, OfReadsBehindTheSourceAreDocumented) {
     const std::vector<int> lengths = lengthsWhere(
         [](int n) { return dft::singleLength(n).plan->as<plan::Bluestein>() != nullptr; });
     EXPECT_TRUE(says("include/orvgen.h", "At lengths " + spoken(lengths) +
@@ -172,7 +172,7 @@ constexpr int families() {
 }
 #undef COUNT
 
-TEST(Figures, HowManyFunctionsAndFamiliesThereAre) {
+TEST(Figures, OfFunctionsAndFamiliesAreDocumented) {
     const std::string functions = number(linesOf("tests/frame/exports.txt"));
     EXPECT_TRUE(says("README.md", functions + " functions")) << functions;
     EXPECT_TRUE(says("docs/architecture.md", "all " + functions + " names")) << functions;

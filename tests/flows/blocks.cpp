@@ -90,7 +90,7 @@ TEST(DirectBlocks, EveryOrderOfSumsIsTheInverseTransform) {
 }
 
 // The order is in the graph: the sums of a block name their first product.
-TEST(DirectBlocks, ANodesOrderGoesBeforeTheFlows) {
+TEST(DirectBlocks, TakeANodesOrderBeforeTheFlows) {
     const auto nodes = [](const SumOrder& ofFlow, const plan::Block& choices) {
         Graph graph(Arithmetic::Double);
         std::vector<Value> x;

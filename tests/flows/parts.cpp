@@ -9,7 +9,7 @@
 namespace orvgen::flows {
 namespace {
 
-TEST(NumberTheory, PrimitiveRoots) {
+TEST(NumberTheory, KnowsPrimitiveRoots) {
     // the smallest ones
     const std::pair<long, long> roots[] = {{5, 2},  {7, 3},  {11, 2}, {13, 2}, {17, 3}, {19, 2},
                                            {23, 5}, {29, 2}, {31, 3}, {37, 2}, {41, 6}, {43, 3},
@@ -22,7 +22,7 @@ TEST(NumberTheory, PrimitiveRoots) {
 using Single = kernelgen::Number<kernelgen::Arithmetic::Single>;
 
 // Constants in front of an unformed sum are multiplied out: one rounding instead of two.
-TEST(Expressions, ConstantsAreMultipliedOut) {
+TEST(Expressions, MultiplyTheirConstantsOut) {
     const Constant c = kernelgen::sinTurn(1, 6);
     const Constant c1 = kernelgen::cosTurn(1, 9);
     const Constant c2 = kernelgen::sinTurn(1, 9);
@@ -37,7 +37,7 @@ TEST(Expressions, ConstantsAreMultipliedOut) {
 }
 
 // A doubled term hands its 2 to the constant; formed, it is doubled in its own type.
-TEST(Expressions, DoubledTerms) {
+TEST(Expressions, DoubleTheirTerms) {
     const Single a(0.3125);
     const auto e = Expression<Single>::ofDouble(a);
     EXPECT_EQ(product(kernelgen::sinTurn(1, 6), e).value(), 1.7320508075688772 * 0.3125);

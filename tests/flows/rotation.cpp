@@ -98,7 +98,7 @@ class RotationByAnyAngle : public testing::Test {
 };
 TYPED_TEST_SUITE(RotationByAnyAngle, Elements);
 
-TYPED_TEST(RotationByAnyAngle, ByEachOctant) {
+TYPED_TEST(RotationByAnyAngle, ReachesEachOctant) {
     for (const long den : {8L, 16L, 24L, 64L}) {
         TestFixture::everywhere([&](TypeParam re, TypeParam im) -> std::string {
             for (int k = -8; k < 16; ++k) {
@@ -112,7 +112,7 @@ TYPED_TEST(RotationByAnyAngle, ByEachOctant) {
     }
 }
 
-TYPED_TEST(RotationByAnyAngle, InsideEachQuadrant) {
+TYPED_TEST(RotationByAnyAngle, StaysInsideEachQuadrant) {
     for (const long den : {3L, 5L, 9L, 16L, 45L}) {
         std::vector<double> c, s;
         for (long num = 0; num < den; ++num) {

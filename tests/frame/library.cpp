@@ -120,7 +120,7 @@ TEST(Symbols, OnlyTheAllocatorAndTheFourTrigonometricFunctionsAreImported) {
     }
 }
 
-TEST(Loading, NameAndNeeds) {
+TEST(Loading, GoesByNameAndNeeds) {
     EXPECT_EQ(library().dynamicTexts(DT_SONAME), std::vector<std::string>{"liborvgenm7.so.6.1"});
     auto needed = library().dynamicTexts(DT_NEEDED);
     std::sort(needed.begin(), needed.end());
@@ -136,7 +136,7 @@ TEST(Loading, SearchesItsOwnFolder) {
     EXPECT_TRUE(library().dynamicTexts(DT_RPATH).empty());
 }
 
-TEST(Loading, NoInitialiserAndNoWritableData) {
+TEST(Loading, RunsNoInitialiserAndWritesNoData) {
     const Names sections = sectionNames();
     for (const char* name : {".init", ".fini", ".init_array", ".fini_array", ".preinit_array",
                              ".ctors", ".dtors", ".data", ".bss", ".tdata", ".tbss"}) {
@@ -147,7 +147,7 @@ TEST(Loading, NoInitialiserAndNoWritableData) {
     }
 }
 
-TEST(Loading, WritableSectionsLieInTheReadOnlyAfterRelocationSegment) {
+TEST(Loading, LeavesNothingWritableBehind) {
     std::vector<Elf64_Phdr> relro;
     for (const auto& p : library().segments()) {
         if (p.p_type == PT_GNU_RELRO) relro.push_back(p);
@@ -165,7 +165,7 @@ TEST(Loading, WritableSectionsLieInTheReadOnlyAfterRelocationSegment) {
     EXPECT_GT(seen, 0);
 }
 
-TEST(Loading, EverythingIsBoundAtLoadTime) {
+TEST(Loading, BindsEverything) {
     const auto flags = library().dynamicValues(DT_FLAGS);
     ASSERT_EQ(flags.size(), 1U);
     EXPECT_NE(flags[0] & DF_BIND_NOW, 0U);
@@ -174,7 +174,7 @@ TEST(Loading, EverythingIsBoundAtLoadTime) {
     EXPECT_NE(flags1[0] & DF_1_NOW, 0U);
 }
 
-TEST(Loading, NoTextRelocationAndNoExecutableStack) {
+TEST(Loading, RelocatesNoTextAndWantsNoExecutableStack) {
     EXPECT_TRUE(library().dynamicValues(DT_TEXTREL).empty());
     for (const auto flags : library().dynamicValues(DT_FLAGS)) EXPECT_EQ(flags & DF_TEXTREL, 0U);
     int stacks = 0;
@@ -188,7 +188,7 @@ TEST(Loading, NoTextRelocationAndNoExecutableStack) {
     EXPECT_EQ(stacks, 1);
 }
 
-TEST(Loading, RelocationsAreRelativeButForImports) {
+TEST(Loading, RelocatesRelativelyButForImports) {
     Names exported;
     for (const auto& [name, entry] : library().symbols(SHT_DYNSYM))
         if (entry.st_shndx != SHN_UNDEF) exported.insert(name);

@@ -45,7 +45,7 @@ TYPED_TEST(HartleyBits, SmallLengthsAreTheirWrittenForms) {
 }
 
 // H[k] is the sum of R[k] and -I[k], H[N-k] that of R[k] and I[k], in the type of the data.
-TYPED_TEST(HartleyBits, SumsOfTheForwardTransform) {
+TYPED_TEST(HartleyBits, AreSumsOfTheForwardTransform) {
     using T = TypeParam;
     int lengths = 0;
     for (const int n : kLengths) {
@@ -93,7 +93,7 @@ TYPED_TEST(HartleyBits, ImpulseGivesTheScaleEverywhere) {
     }
 }
 
-TYPED_TEST(HartleyBits, ZerosOfEitherSign) {
+TYPED_TEST(HartleyBits, KeepZerosOfEitherSign) {
     using T = TypeParam;
     for (const int n : kLengths) {
         const std::vector<T> zeros(static_cast<std::size_t>(n), T(0));

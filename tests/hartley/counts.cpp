@@ -20,7 +20,7 @@ using kernelgen::Graph;
 using kernelgen::Node;
 using kernelgen::Op;
 
-TEST(Hartley, CountsOfTheTable) {
+TEST(Hartley, HasTheCountsOfTheTable) {
     for (const Arithmetic arithmetic : {Arithmetic::Single, Arithmetic::Double}) {
         CountCheck check("hartley");
         long rows = 0;
@@ -62,7 +62,7 @@ TEST(Hartley, IsTheTransform) {
     }
 }
 
-TEST(Hartley, RulesOfPrecision) {
+TEST(Hartley, ObeysTheRulesOfPrecision) {
     for (const int n : kLengths) {
         const PrecisionReport r = checkPrecision(hartleyGraph(n, Arithmetic::Single));
         EXPECT_EQ(r.complaints, "") << n;
@@ -71,7 +71,7 @@ TEST(Hartley, RulesOfPrecision) {
     }
 }
 
-TEST(Hartley, WhatMeetsFirst) {
+TEST(Hartley, AddsFirstWhatMeetsFirst) {
     const auto forward = [](int n) {
         return inputSets(realdft::forwardGraph(n, realdft::PackedFormat::Pack, Arithmetic::Single));
     };
@@ -90,7 +90,7 @@ TEST(Hartley, WhatMeetsFirst) {
 
 // At the lengths that run the forward flow the Hartley graph holds the forward graph's operations
 // up to the last layer and no others: each is found by its operands, one for one.
-TEST(Hartley, ForwardFlowWithAnotherLastLayer) {
+TEST(Hartley, IsTheForwardFlowWithAnotherLastLayer) {
     for (const int n : kLengths) {
         if (!hartley::runsForwardFlow(n) || hartley::hasOwnLastLayer(n)) continue;
         const Graph h = hartleyGraph(n, Arithmetic::Double);

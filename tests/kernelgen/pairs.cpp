@@ -160,7 +160,7 @@ TEST(Pairs, ReadNothingElse) {
     }
 }
 
-TEST(Pairs, SameCodeEveryTime) {
+TEST(Pairs, AreTheSameEveryTime) {
     const Code scalar = lower(test::smallRealKernel({"s"}, Arithmetic::Double).flow, {});
     EXPECT_EQ(opcodes(pairForms(scalar).front()), opcodes(pairForms(scalar).front()));
 }

@@ -100,16 +100,16 @@ long frameStores(const CompiledKernel& kernel, const std::string& mnemonic) {
     return count;
 }
 
-TEST(Pipeline, MixedPrecisionScalars) {
+TEST(Pipeline, RunsScalarsOfMixedPrecision) {
     compare<float>(orvgen::test::smallRealKernel({"s"}, Arithmetic::Single), orvgSmall_5_32f, 4, 6);
 }
 
-TEST(Pipeline, DoubleScalars) {
+TEST(Pipeline, RunsDoubleScalars) {
     compare<double>(orvgen::test::smallRealKernel({"d"}, Arithmetic::Double), orvgSmall_5_64f, 4,
                     6);
 }
 
-TEST(Pipeline, FourLanes) {
+TEST(Pipeline, RunsFourLanes) {
     compare<float>(orvgen::test::smallLaneKernel({"l"}), orvgSmall_8_32fc, 16, 16);
 }
 
@@ -141,7 +141,7 @@ TEST(Pipeline, ReadsAllFirstWhereAnyOverlapIsPromised) {
 }
 
 // Every kernel, twin and pool begins on a cache line; gate and bodies are as in the library.
-TEST(Pipeline, MachineCodeHasTheShapeOfKernels) {
+TEST(Pipeline, GivesMachineCodeTheShapeOfKernels) {
     using namespace orvgen::test;
     const MachineCode code(ORVGEN_SMALL_KERNELS);
     for (const orvgen::KernelFamily& family : smallFamilies()) {
@@ -170,7 +170,7 @@ TEST(Pipeline, MachineCodeHasTheShapeOfKernels) {
     }
 }
 
-TEST(Pipeline, GateAnswersInOrder) {
+TEST(Pipeline, LetsTheGateAnswerInOrder) {
     float x[8] = {};
     EXPECT_EQ(orvgSmall_5_32f(nullptr, x, 3), -8);
     EXPECT_EQ(orvgSmall_5_32f(x, nullptr, 8), -8);
@@ -178,7 +178,7 @@ TEST(Pipeline, GateAnswersInOrder) {
     EXPECT_EQ(orvgSmall_8_32fc(nullptr, x + 1, 8), -8);
 }
 
-TEST(Pipeline, CountsOfTheSmallFlow) {
+TEST(Pipeline, CountsTheSmallFlow) {
     const auto kernel = orvgen::test::smallRealKernel({"s"}, Arithmetic::Single);
     const Counts c = countOperations(kernel.flow);
     EXPECT_EQ(c.additions, 7);
@@ -189,7 +189,7 @@ TEST(Pipeline, CountsOfTheSmallFlow) {
     EXPECT_TRUE(kernel.flow.deadNodes().empty());
 }
 
-TEST(Pipeline, LaneCountsOfEight) {
+TEST(Pipeline, CountsTheLanesOfEight) {
     const LaneCounts c = countLanes(orvgen::test::smallLaneKernel({"l"}).flow);
     EXPECT_EQ(c.distinctAdditions, 52);
     EXPECT_EQ(c.distinctMultiplications, 4);
@@ -198,7 +198,7 @@ TEST(Pipeline, LaneCountsOfEight) {
     EXPECT_EQ(c.executedMultiplications, 4 * 4);
 }
 
-TEST(Pipeline, NumbersFollowTheGraph) {
+TEST(Pipeline, RunsNumbersAsTheGraph) {
     using N = Number<Arithmetic::Single>;
     const auto kernel = orvgen::test::smallRealKernel({"s"}, Arithmetic::Single);
     std::mt19937_64 random(11);
@@ -220,7 +220,7 @@ TEST(Pipeline, NumbersFollowTheGraph) {
     }
 }
 
-TEST(Pipeline, SameTextEveryTime) {
+TEST(Pipeline, WritesTheSameTextEveryTime) {
     const auto text = [] {
         return compileKernel(orvgen::test::smallLaneKernel({"X_8_32fc"})).assembly;
     };

@@ -59,11 +59,11 @@ class Lowered {
     }
 };
 
-TEST(Shuffles, NoneForAVectorAsItStands) {
+TEST(Shuffles, AreNoneForAVectorAsItStands) {
     EXPECT_EQ(Lowered::shuffles({Lowered::identity(1)}), 0);
 }
 
-TEST(Shuffles, OneForWhatOneCanMake) {
+TEST(Shuffles, AreOneForWhatOneCanMake) {
     const std::vector<Lanes> one = {
         {{{0, 0}, {0, 1}, {1, 0}, {1, 1}}},  // lower halves
         {{{0, 2}, {0, 3}, {1, 2}, {1, 3}}},  // upper halves
@@ -77,20 +77,20 @@ TEST(Shuffles, OneForWhatOneCanMake) {
 }
 
 // Two intermediates of two vectors each, and one that joins them.
-TEST(Shuffles, ThreeForLanesOfFourVectors) {
+TEST(Shuffles, AreThreeForLanesOfFourVectors) {
     EXPECT_EQ(Lowered::shuffles({{{{0, 0}, {1, 0}, {2, 0}, {3, 0}}}}), 3);
     EXPECT_EQ(Lowered::shuffles({{{{0, 3}, {1, 0}, {2, 2}, {3, 1}}}}), 3);
 }
 
 // Four vectors that transpose four others: four intermediates, each used twice.
-TEST(Shuffles, EightForATranspose) {
+TEST(Shuffles, AreEightForATranspose) {
     std::vector<Lanes> columns;
     for (int l = 0; l < 4; ++l) columns.push_back({{{0, l}, {1, l}, {2, l}, {3, l}}});
     EXPECT_EQ(Lowered::shuffles(columns), 8);
 }
 
 // Half of it: two intermediates of the lower halves, two that join.
-TEST(Shuffles, FourForHalfATranspose) {
+TEST(Shuffles, AreFourForHalfATranspose) {
     std::vector<Lanes> columns;
     for (int l = 0; l < 2; ++l) columns.push_back({{{0, l}, {1, l}, {2, l}, {3, l}}});
     EXPECT_EQ(Lowered::shuffles(columns), 4);

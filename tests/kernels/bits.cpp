@@ -43,7 +43,7 @@ std::string report(const ListedKernel& k) {
     return tester.report();
 }
 
-TEST_P(Bits, OfTheGraph) {
+TEST_P(Bits, AreThoseOfTheGraph) {
     const ListedKernel& k = listedKernels()[GetParam()];
     EXPECT_EQ(k.single ? report<float>(k) : report<double>(k), "");
 }

@@ -61,7 +61,7 @@ KernelFacts factsOf(const ListedKernel& k) {
 
 class Shape : public testing::TestWithParam<std::size_t> {};
 
-TEST_P(Shape, AsPromised) {
+TEST_P(Shape, IsAsPromised) {
     const ListedKernel& k = listedKernels()[GetParam()];
     for (const std::string& complaint : checkKernel(library(), factsOf(k)))
         ADD_FAILURE() << complaint;

@@ -195,7 +195,7 @@ class WrittenLengths : public testing::Test {
 };
 TYPED_TEST_SUITE(WrittenLengths, Elements);
 
-TYPED_TEST(WrittenLengths, RealForward) {
+TYPED_TEST(WrittenLengths, OfRealDataHaveTheBitsOfTheKernels) {
     using T = TypeParam;
     for (const auto& [layout, name] :
          {std::pair{Layout::Ccs, "CCS"}, {Layout::Pack, "Pack"}, {Layout::Perm, "Perm"}})
@@ -205,7 +205,7 @@ TYPED_TEST(WrittenLengths, RealForward) {
                             });
 }
 
-TYPED_TEST(WrittenLengths, RealInverse) {
+TYPED_TEST(WrittenLengths, OfHalfSpectraHaveTheBitsOfTheKernels) {
     using T = TypeParam;
     for (const auto& [layout, name] :
          {std::pair{Layout::Ccs, "CCS"}, {Layout::Pack, "Pack"}, {Layout::Perm, "Perm"}})
@@ -215,9 +215,11 @@ TYPED_TEST(WrittenLengths, RealInverse) {
                             });
 }
 
-TYPED_TEST(WrittenLengths, Hartley) { TestFixture::family("orvgHartley", hartley<TypeParam>); }
+TYPED_TEST(WrittenLengths, OfHartleyHaveTheBitsOfTheKernels) {
+    TestFixture::family("orvgHartley", hartley<TypeParam>);
+}
 
-TEST(WrittenComplex, OfBinary64) {
+TEST(WrittenComplex, OfBinary64HasTheBitsOfTheKernels) {
     for (const bool inverse : {false, true})
         compare<double>(inverse ? "orvgDFTInv_CToC_64fc" : "orvgDFTFwd_CToC_64fc",
                         [inverse](int n, const std::vector<double>& x, Scale<double> scale) {

@@ -103,7 +103,7 @@ std::vector<std::string> bodyText(const Trace& trace) {
     return body;
 }
 
-TEST(ComplexSingle, HalvesOnlyWhereListed) {
+TEST(ComplexSingle, MovesHalvesOnlyWhereListed) {
     forComplexSingle(true, [](const ListedKernel& k) {
         const bool rader = dataTable("complex_f32_rader").find("length", k.length) != nullptr;
         const bool listed = shapeRow(k.length).flag("half_accesses_only");
@@ -220,7 +220,7 @@ TEST(ComplexSingle, FullColumnsAreReadByWholeVectors) {
 }
 
 // binary64 at lengths 3 and 5 only; scalars below length 6, vectors from there on.
-TEST(ComplexSingle, PrecisionAndLanes) {
+TEST(ComplexSingle, IsDoneInBinary32AndFourLanes) {
     forComplexSingle(false, [](const ListedKernel& k) {
         const BodyCounts c(traceOf(k.name));
         const auto arithmetic = [&](Lanes lanes) {

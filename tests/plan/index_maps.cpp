@@ -26,7 +26,7 @@ void expectPermutations(const Map& map) {
 }
 
 // The exponents of the two stages add up to that of the whole transform, modulo N.
-TEST(IndexMaps, GoodThomas) {
+TEST(IndexMaps, OfGoodThomasSplitTheRoots) {
     for (long R = 2; R < 12; ++R)
         for (long M = 2; M < 12; ++M) {
             if (std::gcd(R, M) != 1) continue;
@@ -46,7 +46,7 @@ TEST(IndexMaps, GoodThomas) {
         }
 }
 
-TEST(IndexMaps, CooleyTukey) {
+TEST(IndexMaps, OfCooleyTukeySplitTheRoots) {
     for (long R = 2; R < 9; ++R)
         for (long M = 2; M < 9; ++M) {
             const CooleyTukeyMap map{R, M};

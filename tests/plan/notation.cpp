@@ -15,7 +15,7 @@ std::string printed(Transform transform, const Term& term) {
     return notation(*Table(transform, {{term.length(), term}}).plan(term.length()));
 }
 
-TEST(PlanNotation, Joins) {
+TEST(PlanNotation, TellsJoins) {
     EXPECT_EQ(printed(Complex, block(5)), "5");
     EXPECT_EQ(printed(Complex, goodThomas(4, 3)), "4, 3");
     EXPECT_EQ(printed(Complex, cooleyTukey(goodThomas(5, 3), 3)), "(5, 3) T 3");
@@ -28,7 +28,7 @@ TEST(PlanNotation, Joins) {
               "2 T{conjugate rows} 3");
 }
 
-TEST(PlanNotation, Primes) {
+TEST(PlanNotation, TellsPrimes) {
     EXPECT_EQ(
         printed(
             Real,
@@ -53,7 +53,7 @@ TEST(PlanNotation, Primes) {
               "Bluestein 5(3, 4; 4, 3)");
 }
 
-TEST(PlanNotation, BlocksThatDiffer) {
+TEST(PlanNotation, TellsBlocksThatDiffer) {
     const Term four = cooleyTukey(2, 2), three = block(3, {.unrounded = Unrounded::Head});
     EXPECT_EQ(printed(Real, cooleyTukey(4, factor(4).oddRow(four))), "4 T [4; odd 2 T 2]");
     EXPECT_EQ(printed(Real, goodThomas(3, factor(4).complexRows(four))), "3, [4; complex 2 T 2]");
@@ -72,7 +72,7 @@ TEST(PlanNotation, BlocksThatDiffer) {
     EXPECT_EQ(printed(Odd, cooleyTukey(goodThomas(3, 5), 2)), "(3, 5) T 2");
 }
 
-TEST(PlanNotation, Choices) {
+TEST(PlanNotation, TellsChoices) {
     EXPECT_EQ(printed(Real, renumbered(Renumbered::What::Bins, cooleyTukey(4, 3))),
               "(4 T 3){bins renumbered}");
     EXPECT_EQ(printed(Real, renumbered(Renumbered::What::Samples, block(7))),

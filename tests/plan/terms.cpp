@@ -21,7 +21,7 @@ std::vector<Transform> kinds(const Stage& stage) {
 using enum Transform;
 using Kinds = std::vector<Transform>;
 
-TEST(PlanTerms, NumbersAreRowsOfTheTable) {
+TEST(PlanTerms, TakeNumbersForRowsOfTheTable) {
     const Table table(Real, {{6, goodThomas(3, 2)}, {12, goodThomas(4, 3)}, {7, block(7)}});
     EXPECT_TRUE(table.plan(6)->as<GoodThomas>());
     EXPECT_EQ(table.plan(12)->as<GoodThomas>()->first[0]->length, 4);
@@ -29,7 +29,7 @@ TEST(PlanTerms, NumbersAreRowsOfTheTable) {
     EXPECT_THROW(table.plan(9), std::logic_error);
 }
 
-TEST(PlanTerms, NumbersElsewhereAreBlocks) {
+TEST(PlanTerms, TakeNumbersElsewhereForBlocks) {
     const auto thirteen = [](const Term& even) {
         return rader({.cycle = goodThomas(4, 3), .even = even, .odd = cooleyTukey(2, 3)});
     };
@@ -42,7 +42,7 @@ TEST(PlanTerms, NumbersElsewhereAreBlocks) {
     EXPECT_EQ(node.odd->transform, InverseOdd);
 }
 
-TEST(PlanTerms, ALaterTableStandsOnAnEarlierOne) {
+TEST(PlanTerms, LetALaterTableStandOnAnEarlierOne) {
     const Table first(Real, {{6, goodThomas(3, 2)}, {18, cooleyTukey(3, 6)}});
     const Table second(Real, {{6, goodThomas(2, 3)}}, &first);
     EXPECT_EQ(second.plan(6)->as<GoodThomas>()->first[0]->length, 2);
@@ -51,7 +51,7 @@ TEST(PlanTerms, ALaterTableStandsOnAnEarlierOne) {
     EXPECT_EQ(first.plan(18)->as<CooleyTukey>()->second[0], first.plan(6));
 }
 
-TEST(PlanTerms, StagesHaveTheTransformsOfTheirRows) {
+TEST(PlanTerms, GiveStagesTheTransformsOfTheirRows) {
     const auto goodThomasReal = *only(Real, goodThomas(4, 5))->as<GoodThomas>();
     EXPECT_EQ(kinds(goodThomasReal.first), Kinds(5, Real));
     EXPECT_EQ(kinds(goodThomasReal.second), (Kinds{Real, Complex, Real}));
@@ -77,7 +77,7 @@ TEST(PlanTerms, StagesHaveTheTransformsOfTheirRows) {
     EXPECT_TRUE(complex.first[0]->as<Block>());
 }
 
-TEST(PlanTerms, ComplexRowsRunInLanes) {
+TEST(PlanTerms, RunComplexRowsInLanes) {
     const auto row = [](const Factor& f) {
         const PlanPtr join = only(Real, goodThomas(3, f));
         return join->as<GoodThomas>()->second.at(1);
@@ -88,7 +88,7 @@ TEST(PlanTerms, ComplexRowsRunInLanes) {
     EXPECT_TRUE(row(factor(cooleyTukey(2, 2)).complexRows(4))->as<Lanes>()->re->as<Block>());
 }
 
-TEST(PlanTerms, SingleBlocks) {
+TEST(PlanTerms, CanBeSingleBlocks) {
     const Term three = block(3, {.unrounded = Unrounded::Head});
     const auto join = *only(Real, goodThomas(factor(3).at(1, three), 2))->as<GoodThomas>();
     EXPECT_EQ(join.first.at(0)->as<Block>()->unrounded, Unrounded::None);
@@ -96,7 +96,7 @@ TEST(PlanTerms, SingleBlocks) {
 }
 
 // Whatever names something that is not there is an error, and fails the build of a kernel.
-TEST(PlanTerms, ChoicesThatApplyToNothing) {
+TEST(PlanTerms, RefuseChoicesThatApplyToNothing) {
     const auto refused = [](Transform transform, const Term& term) {
         EXPECT_THROW(only(transform, term), std::logic_error);
     };
@@ -130,7 +130,7 @@ TEST(PlanTerms, ChoicesThatApplyToNothing) {
     refused(Complex, cooleyTukey(2, 5, {.columns = {0, 6, 2, 8, 5}}));
 }
 
-TEST(PlanTerms, WhatIsNoPlan) {
+TEST(PlanTerms, RefuseWhatIsNoPlan) {
     const auto refused = [](Transform transform, const Term& term) {
         EXPECT_THROW(only(transform, term), std::logic_error);
     };
@@ -158,7 +158,7 @@ TEST(PlanTerms, WhatIsNoPlan) {
     refused(Real, cooleyTukey(4, 4));
 }
 
-TEST(PlanTerms, Mirrors) {
+TEST(PlanTerms, HaveMirrors) {
     const PlanPtr plan = only(Complex, cooleyTukey(goodThomas(3, 2), 3, {.columns = {0, 4, 2}}));
     const PlanPtr mirror = mirrored(plan);
     const auto& join = *mirror->as<CooleyTukey>();

@@ -37,7 +37,7 @@ std::string layoutRow(Format format, int n) {
     return row + " |";
 }
 
-TEST(Documentation, PackedFormats) {
+TEST(Documentation, ShowsThePackedFormats) {
     const auto lines = linesOf("real.md");
     ASSERT_FALSE(lines.empty());
     for (const int n : {2, 5, 6})
@@ -57,7 +57,7 @@ void expectCarries(const std::string& page, const plan::Table& plans) {
     EXPECT_TRUE(found) << page << ": " << list;
 }
 
-TEST(Documentation, CarriedValues) {
+TEST(Documentation, ListsTheCarriedValues) {
     expectCarries("real.md", realdft::forwardPlans());
     for (const Format format : realdft::kPackedFormats)
         expectCarries("real.md", realdft::inversePlans(format));

@@ -49,7 +49,7 @@ void expectSame(const std::vector<T>& a, const std::vector<T>& b, const std::str
             << what << " element " << i << ": " << a[i] << " and " << b[i];
 }
 
-TYPED_TEST(ForwardBits, GraphIsTheFlowOnNumbers) {
+TYPED_TEST(ForwardBits, OfTheGraphAreThoseOfTheFlowOnNumbers) {
     for (const int n : kLengths) {
         const Graph g = realdft::forwardGraph(n, Format::Ccs, arithmeticOf<TypeParam>);
         const auto scales = storedScales<TypeParam>(n);
@@ -69,7 +69,7 @@ TYPED_TEST(ForwardBits, GraphIsTheFlowOnNumbers) {
     }
 }
 
-TYPED_TEST(ForwardBits, BaseFormsByHand) {
+TYPED_TEST(ForwardBits, AreThoseOfTheFormsByHand) {
     using Forms = BaseForms<RulesOf<TypeParam>>;
     for (const int n : {2, 3, 4, 5, 6, 7, 8, 11}) {
         const Graph g = realdft::forwardGraph(n, Format::Ccs, arithmeticOf<TypeParam>);
@@ -93,7 +93,7 @@ TYPED_TEST(ForwardBits, BaseFormsByHand) {
 
 // All formats hold the same numbers, each at its place, the zero slots +0.0 in every bit also where
 // the samples are not finite; nothing is written behind the last element.
-TYPED_TEST(ForwardBits, FormatsAgreeAndStayInside) {
+TYPED_TEST(ForwardBits, AgreeInAllFormatsAndStayInside) {
     using T = TypeParam;
     for (const int n : kLengths) {
         for (unsigned seed = 0; seed < 6; ++seed) {
@@ -131,7 +131,7 @@ void expectConstantSpectrum(Format format, int n, T first, const std::vector<T>&
             << n << " " << realdft::formatName(format) << " element " << i;
 }
 
-TYPED_TEST(ForwardBits, AllOnes) {
+TYPED_TEST(ForwardBits, OfOnesAreExact) {
     using T = TypeParam;
     const auto lengths = dataTable("real_forward_all_ones").list("length");
     ASSERT_EQ(lengths.size(), 13U);
@@ -145,7 +145,7 @@ TYPED_TEST(ForwardBits, AllOnes) {
     }
 }
 
-TYPED_TEST(ForwardBits, ZerosOfEitherSign) {
+TYPED_TEST(ForwardBits, KeepZerosOfEitherSign) {
     using T = TypeParam;
     for (const int n : kLengths) {
         for (const Format format : realdft::kPackedFormats) {
@@ -160,7 +160,7 @@ TYPED_TEST(ForwardBits, ZerosOfEitherSign) {
     }
 }
 
-TEST(ForwardExamples, PackedArrays) {
+TEST(ForwardExamples, ShowPackedArrays) {
     for (const DataRow& row : dataTable("packed_examples").rows()) {
         const auto n = static_cast<int>(row.integer("length"));
         const std::string& name = row.text("format");
@@ -177,7 +177,7 @@ TEST(ForwardExamples, PackedArrays) {
 }
 
 // Perm and Pack differ from length 4 on where there is a Nyquist bin, and only there.
-TEST(ForwardExamples, PackAndPerm) {
+TEST(ForwardExamples, ShowPackAndPerm) {
     for (const int n : kLengths) {
         const auto x = samples<double>(n, 7);
         const auto pack =
@@ -193,7 +193,7 @@ TEST(ForwardExamples, PackAndPerm) {
 
 // Binary32 kernels scale by the binary32 number nearest to 1/N, also where the product is formed in
 // binary64: with the binary64 quotient other bits come out.
-TEST(ForwardExamples, ScaleIsABinary32Number) {
+TEST(ForwardExamples, TakeABinary32Scale) {
     for (const int n : {3, 5, 7, 11}) {
         const Graph g = realdft::forwardGraph(n, Format::Pack, Arithmetic::Single);
         bool differs = false;

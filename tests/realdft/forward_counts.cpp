@@ -17,7 +17,7 @@ namespace {
 
 using kernelgen::Counts;
 
-TEST(ForwardCounts, EveryRowInEveryFormatAndType) {
+TEST(ForwardCounts, AreThoseOfTheTableInEveryFormatAndType) {
     const DataTable& table = dataTable("real_forward");
     ASSERT_EQ(table.rows().size(), 63U);
     for (const Format format : realdft::kPackedFormats) {
@@ -45,7 +45,7 @@ TEST(ForwardCounts, EveryRowInEveryFormatAndType) {
     }
 }
 
-TEST(ForwardCounts, ClosedSets) {
+TEST(ForwardCounts, AreThoseOfClosedSets) {
     for (const DataRow& row : dataTable("real_forward").rows()) {
         const auto n = static_cast<int>(row.integer("length"));
         for (const Arithmetic arithmetic : {Arithmetic::Single, Arithmetic::Double}) {
@@ -60,7 +60,7 @@ TEST(ForwardCounts, ClosedSets) {
     }
 }
 
-TEST(ForwardCounts, Methods) {
+TEST(ForwardCounts, ComeFromTheMethodsOfTheTable) {
     for (const DataRow& row : dataTable("real_forward").rows()) {
         const auto n = static_cast<int>(row.integer("length"));
         EXPECT_EQ(methodWords(*realdft::forwardPlans().plan(n)), row.text("method"));
@@ -68,7 +68,7 @@ TEST(ForwardCounts, Methods) {
 }
 
 // The layouts come from the table of positions here, not from the product's own description.
-TEST(ForwardProof, EveryLengthAndFormat) {
+TEST(ForwardProof, AcceptsEveryLengthAndFormat) {
     const std::vector<std::string> names = {"ccs", "pack", "perm"};
     for (const int n : kLengths) {
         for (std::size_t f = 0; f < names.size(); ++f) {

@@ -34,7 +34,7 @@ INSTANTIATE_TEST_SUITE_P(Lengths, ForwardStructure,
 
 // Every product by a constant is in binary64; every binary64 sum belongs to the expression of such
 // a product; an expression is rounded once, and what is rounded is an expression.
-TEST_P(ForwardStructure, DoubleExpressions) {
+TEST_P(ForwardStructure, RoundsDoubleExpressionsOnce) {
     const auto& nodes = single.nodes();
     std::vector<bool> isExpression(nodes.size(), false);
     std::vector<int> narrowings(nodes.size(), 0);
@@ -71,7 +71,7 @@ TEST_P(ForwardStructure, DoubleExpressions) {
 }
 
 // No value is both rounded and used in binary64 but at the places that carry on.
-TEST_P(ForwardStructure, OneUseOfAnExpressionBesidesItsRounding) {
+TEST_P(ForwardStructure, UsesAnExpressionOnceBesidesItsRounding) {
     const auto& nodes = single.nodes();
     std::vector<bool> narrowed(nodes.size(), false), continued(nodes.size(), false);
     for (const Node& n : nodes) {
@@ -89,7 +89,7 @@ TEST_P(ForwardStructure, OneUseOfAnExpressionBesidesItsRounding) {
 
 // Exactly one scale product for each stored term, in the type in which the value stands, and then
 // only the sign step and the rounding; the zero slots of CCS take none.
-TEST_P(ForwardStructure, ScaleIsLast) {
+TEST_P(ForwardStructure, TakesTheScaleLast) {
     for (const Graph* g : {&single, &binary64}) {
         int scaled = 0;
         int zeros = 0;
@@ -120,7 +120,7 @@ TEST_P(ForwardStructure, ScaleIsLast) {
 }
 
 // Constants are positive and neither 0 nor 1: signs are additions and subtractions.
-TEST_P(ForwardStructure, PoolConstants) {
+TEST_P(ForwardStructure, HasThePoolConstantsOfTheTable) {
     for (const Graph* g : {&single, &binary64})
         for (const Node& n : g->nodes())
             if (n.op == Op::Mul) {
@@ -168,11 +168,11 @@ std::vector<Operation> withoutConversions(const Graph& g, bool placesToo) {
     return list;
 }
 
-TEST_P(ForwardStructure, Binary64IsBinary32WithoutConversions) {
+TEST_P(ForwardStructure, OfBinary64IsThatOfBinary32WithoutConversions) {
     EXPECT_EQ(withoutConversions(single, true), withoutConversions(binary64, true));
 }
 
-TEST_P(ForwardStructure, FormatsAreOneFlow) {
+TEST_P(ForwardStructure, IsOneFlowForAllFormats) {
     for (const Arithmetic arithmetic : {Arithmetic::Single, Arithmetic::Double}) {
         const auto ccs =
             withoutConversions(realdft::forwardGraph(GetParam(), Format::Ccs, arithmetic), false);
@@ -182,7 +182,7 @@ TEST_P(ForwardStructure, FormatsAreOneFlow) {
     }
 }
 
-TEST(ForwardForms, ScaleTypeOfTheBaseLengths) {
+TEST(ForwardForms, TakeTheScaleInTheTypeOfTheirLength) {
     // all outputs of 3, 5, 7, 11 but the first are scaled in binary64, all of the binary lengths in
     // binary32
     const auto wide = [](int n) {
@@ -197,7 +197,7 @@ TEST(ForwardForms, ScaleTypeOfTheBaseLengths) {
 }
 
 // A rotation by 45 degrees has two products; length 8 has one and nothing else.
-TEST(ForwardForms, EightHasTwoProducts) {
+TEST(ForwardForms, OfEightHaveTwoProducts) {
     const Graph g = realdft::forwardGraph(8, Format::Pack, Arithmetic::Double);
     int products = 0;
     for (const Node& n : g.nodes())
@@ -210,7 +210,7 @@ TEST(ForwardForms, EightHasTwoProducts) {
 
 // The constants of the Rader lengths: 1/L, |W[L/2]| = sqrt(p)/L, and products of modulus
 // 2 sqrt(p)/L for the frequencies between, which stand for two of the cycle each.
-TEST(ForwardForms, RaderConstants) {
+TEST(ForwardForms, HoldRadersConstants) {
     for (const int p : {13, 17, 19, 23, 29, 31, 37, 41, 43, 47, 53, 59, 61}) {
         const flows::RaderConstants k(p, 1);
         const auto m = static_cast<std::size_t>((p - 1) / 2);
@@ -226,7 +226,7 @@ TEST(ForwardForms, RaderConstants) {
 }
 
 // The samples of length 13 meet first in the cosets of the subgroup of order 3.
-TEST(ForwardForms, FirstBlocksOfThirteen) {
+TEST(ForwardForms, OfThirteenBeginWithTheirBlocks) {
     const Graph g = realdft::forwardGraph(13, Format::Pack, Arithmetic::Single);
     std::set<std::set<int>> pairs;
     for (const Node& n : g.nodes())

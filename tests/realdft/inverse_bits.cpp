@@ -86,7 +86,7 @@ TYPED_TEST(InverseBits, SmallLengthsAreTheirWrittenForms) {
                             << n << " " << realdft::formatName(format) << " seed " << seed;
 }
 
-TEST(InverseBits, SevenPointCosineOfOneConstant) {
+TEST(InverseBits, OfSevenPointsTakeOneConstant) {
     // every binary64 block of length 7 stores the same |cos(4 pi/7)|
     int found = 0;
     for (int n = 7; n <= 63; n += 7) {
@@ -154,7 +154,7 @@ TYPED_TEST(InverseBits, ForwardAndBackIsTheIdentity) {
     }
 }
 
-TEST(InverseBits, RoundTripsOfLengths4And6) {
+TEST(InverseBits, ComeBackAtLengths4And6) {
     for (const Format format : kPackedFormats) {
         const auto thereAndBack = [&](const std::vector<float>& x) {
             const auto n = static_cast<int>(x.size());

@@ -28,7 +28,7 @@ std::string lowerName(realdft::PackedFormat format) {
     return name;
 }
 
-TEST(InverseReal, CountsOfTheTable) {
+TEST(InverseReal, HasTheCountsOfTheTable) {
     for (const Arithmetic arithmetic : {Arithmetic::Single, Arithmetic::Double}) {
         for (const auto format : kPackedFormats) {
             CountCheck check("real_inverse");
@@ -65,7 +65,7 @@ TEST(InverseReal, CountsOfTheTable) {
     }
 }
 
-TEST(InverseReal, MethodsOfTheTable) {
+TEST(InverseReal, HasTheMethodsOfTheTable) {
     for (const DataRow& row : dataTable("real_inverse").rows()) {
         const auto n = static_cast<int>(row.integer("length"));
         // The operations of row 11 are those of a Rader block with the cycle 10.
@@ -94,7 +94,7 @@ TEST(InverseReal, IsTheTransformAndReadsItsTermsOnly) {
     }
 }
 
-TEST(InverseReal, RulesOfPrecision) {
+TEST(InverseReal, ObeysTheRulesOfPrecision) {
     for (const int n : kLengths) {
         for (const auto format : kPackedFormats) {
             const PrecisionReport r = checkPrecision(inverseGraph(n, format, Arithmetic::Single));
@@ -108,7 +108,7 @@ TEST(InverseReal, RulesOfPrecision) {
 
 // Where an even factor runs first, R[0] and R[N/2] go into their sum and their difference and into
 // nothing else; behind an odd factor they meet other bins first.
-TEST(InverseReal, FirstAndLastBinMeetFirst) {
+TEST(InverseReal, AddsTheFirstAndTheLastBinFirst) {
     for (const DataRow& row : dataTable("real_inverse").rows()) {
         const auto n = static_cast<int>(row.integer("length"));
         if (n % 2 == 1) continue;
@@ -152,7 +152,7 @@ TEST(InverseReal, DoublesOnlyItsInputs) {
 
 // A term that is not doubled goes into one product, whose constant is doubled instead: the sine of
 // 60 degrees, at 17 and 34 the rotation by 45 degrees.
-TEST(InverseReal, FoldedDoublings) {
+TEST(InverseReal, FoldsDoublings) {
     using kernelgen::Node;
     using kernelgen::Op;
     for (const DataRow& row : dataTable("real_inverse").rows()) {

@@ -230,7 +230,7 @@ class Fuzzer {
     }
 };
 
-TEST(Fuzz, KernelsAndByLengthFunctions) {
+TEST(Fuzz, FindsNothingInKernelsAndByLengthFunctions) {
     ASSERT_FALSE(subjects().empty());
     Fuzzer fuzzer(20100317);
     EXPECT_EQ(fuzzer.familyCount(), 20U);
@@ -251,7 +251,7 @@ TYPED_TEST_SUITE(PlanFuzz, PlanFamilies);
 
 bool isPower(std::int64_t n) { return n > 0 && (n & (n - 1)) == 0; }
 
-TYPED_TEST(PlanFuzz, LengthsOutOfRange) {
+TYPED_TEST(PlanFuzz, RefusesLengthsOutOfRange) {
     using F = TypeParam;
     Chance chance(7);
     const GuardedMemory memory(1 << 18);
@@ -284,7 +284,7 @@ TYPED_TEST(PlanFuzz, LengthsOutOfRange) {
 
 // A plan at any byte, buffers at any byte, any rounding mode: the bits of a plan from the allocator
 // with aligned buffers.
-TYPED_TEST(PlanFuzz, Runs) {
+TYPED_TEST(PlanFuzz, FindsNothingInRuns) {
     using F = TypeParam;
     using Real = typename F::Real;
     Chance chance(11);
@@ -341,7 +341,7 @@ TYPED_TEST(PlanFuzz, Runs) {
 }
 
 // The environment of a run: nothing but inexact from ordinary data, everything else unmasked.
-TYPED_TEST(PlanFuzz, RunsRaiseInexactAlone) {
+TYPED_TEST(PlanFuzz, RaisesInexactAlone) {
     using F = TypeParam;
     using Real = typename F::Real;
     for (std::int32_t length = 2; length <= 4096; length *= 2) {

@@ -74,7 +74,7 @@ TEST(ClosedSets, EvenSetsAreStridesOrCosets) {
                         elementSet({5, 2, 6})}));
 }
 
-TEST(ClosedSets, Lengths) {
+TEST(ClosedSets, AreThereAtTheirLengths) {
     for (const int p : {2, 3, 5, 7, 11, 13, 61}) EXPECT_EQ(firstOfSets(p), 1) << p;
     for (const int n : {4, 6, 9, 49, 63, 64}) EXPECT_EQ(firstOfSets(n), 0) << n;
 }
@@ -111,7 +111,7 @@ TEST(Proof, MatricesBelongTogether) {
     }
 }
 
-TEST(PackedFormat, PlacesOfTheTables) {
+TEST(PackedFormat, HasThePlacesOfTheTables) {
     const PackedFormat ccs("ccs", 6), pack("pack", 6), perm("perm", 6), odd("perm", 5);
     EXPECT_EQ(ccs.size(), 8);
     EXPECT_EQ(pack.size(), 6);

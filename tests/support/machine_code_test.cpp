@@ -98,7 +98,7 @@ TEST(MachineCode, TakesSoundKernels) {
 }
 
 // The same code under rules that it does not meet.
-TEST(MachineCode, RulesAreAsked) {
+TEST(MachineCode, AnswersToItsRules) {
     KernelFacts f = facts("good_vector");
     f.twin = "good_vector_unaligned";
     f.rules.scalar = true;
@@ -145,7 +145,7 @@ TEST(MachineCode, FindsFaultsOfBuffers) {
     EXPECT_NE(join(checkKernel(fixtures(), f)).find("not one block"), std::string::npos);
 }
 
-TEST(MachineCode, Counts) {
+TEST(MachineCode, IsCounted) {
     CallSetup setup;
     const Trace trace = runIntegers(fixtures(), "good_two_bodies", setup);
     const BodyCounts aligned(trace);

@@ -85,7 +85,7 @@ void everyWay(const OrderFunctions<T>& f, std::uint8_t* buffer, std::int32_t fla
     }
 }
 
-TYPED_TEST(WhtAllocator, OneBlockOfTheExactSize) {
+TYPED_TEST(WhtAllocator, IsAskedForOneBlockOfTheExactSize) {
     for (const auto& f : orderFunctions<TypeParam>()) {
         const std::int32_t bytes = tableBytes<TypeParam>(f.order);
         ASSERT_EQ(bytes > 0, f.order >= 8);
@@ -109,7 +109,7 @@ TYPED_TEST(WhtAllocator, OneBlockOfTheExactSize) {
     }
 }
 
-TYPED_TEST(WhtAllocator, NoneWithABuffer) {
+TYPED_TEST(WhtAllocator, IsNotAskedWithABuffer) {
     for (const auto& f : orderFunctions<TypeParam>()) {
         // 16 bytes past a 64-byte boundary: no more than it has to be.
         const AlignedArray<std::uint8_t> buffer(f.bufferBytes(), 16);
@@ -122,7 +122,7 @@ TYPED_TEST(WhtAllocator, NoneWithABuffer) {
     }
 }
 
-TYPED_TEST(WhtAllocator, NoneWhenRefused) {
+TYPED_TEST(WhtAllocator, IsNotAskedWhenRefused) {
     for (const auto& f : orderFunctions<TypeParam>()) {
         for (const std::int32_t flag : {0, 3, 5, 9, 16, -1})
             everyWay<TypeParam>(f, nullptr, flag,
@@ -144,7 +144,7 @@ TYPED_TEST(WhtAllocator, NoneWhenRefused) {
 }
 
 // The unwinding tables of the kernels: seen from the allocator, one frame more than without.
-TYPED_TEST(WhtAllocator, TheStackUnwindsThroughTheKernel) {
+TYPED_TEST(WhtAllocator, IsReachedByUnwindingThroughTheKernel) {
     for (const auto& f : orderFunctions<TypeParam>()) {
         if (f.order < 8) continue;
         for (const std::size_t displacement : {std::size_t{0}, std::size_t{8}}) {
@@ -161,7 +161,7 @@ TYPED_TEST(WhtAllocator, TheStackUnwindsThroughTheKernel) {
 
 // What the allocator returns is not tested: with a null block the kernel faults at the first store
 // to it, which is near address 0. In a child process.
-TYPED_TEST(WhtAllocator, ANullBlockFaults) {
+TYPED_TEST(WhtAllocator, FaultsWithANullBlock) {
     for (const auto& f : orderFunctions<TypeParam>()) {
         if (f.order < 8) continue;
         for (const std::size_t displacement : {std::size_t{0}, std::size_t{8}}) {

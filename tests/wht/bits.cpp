@@ -81,11 +81,11 @@ std::string report(const OrderFunctions<T>& f) {
 
 class WhtBits : public testing::TestWithParam<int> {};
 
-TEST_P(WhtBits, Binary32) {
+TEST_P(WhtBits, OfBinary32AreThoseOfTheReference) {
     EXPECT_EQ(report(orderFunctions<Orv32f>()[static_cast<std::size_t>(GetParam() - 1)]), "");
 }
 
-TEST_P(WhtBits, Binary64) {
+TEST_P(WhtBits, OfBinary64AreThoseOfTheReference) {
     EXPECT_EQ(report(orderFunctions<Orv64f>()[static_cast<std::size_t>(GetParam() - 1)]), "");
 }
 

@@ -26,7 +26,7 @@ struct Definition : testing::Test {
 using Reals = testing::Types<Orv32f, Orv64f>;
 TYPED_TEST_SUITE(Definition, Reals);
 
-TYPED_TEST(Definition, RowsOfOrderThree) {
+TYPED_TEST(Definition, HasTheRowsOfOrderThree) {
     const OrderFunctions<TypeParam>& f = orderFunctions<TypeParam>()[2];
     ASSERT_EQ(f.order, 3);
     const DataTable& table = dataTable("wht_signs");
@@ -148,7 +148,7 @@ TYPED_TEST(Definition, RootScaleOfEvenOrdersIsExact) {
 }
 
 // The unit vector at 0 shows the stored scale in every element.
-TYPED_TEST(Definition, StoredRootScales) {
+TYPED_TEST(Definition, HasTheStoredRootScales) {
     ASSERT_EQ(dataTable("wht_root_scales").rows().size(), 13U);
     for (const auto& f : orderFunctions<TypeParam>()) {
         const std::size_t n = f.points();

@@ -12,7 +12,7 @@ namespace {
 
 class Gates : public testing::TestWithParam<Kernel> {};
 
-TEST_P(Gates, AndBodies) {
+TEST_P(Gates, LeadToTheirBodies) {
     const Kernel& k = GetParam();
     KernelFacts facts;
     facts.name = k.name();

@@ -206,7 +206,7 @@ std::string followSteps(const Kernel& k, const Trace& trace, bool twin) {
 
 class VectorMachine : public Machine {};
 
-TEST_P(VectorMachine, StepsOfThePasses) {
+TEST_P(VectorMachine, TakesTheStepsOfThePasses) {
     const Kernel& k = GetParam();
     for (const std::int32_t flag : {8, 4, 1, 2}) {
         CallSetup setup;
@@ -225,7 +225,7 @@ TEST_P(VectorMachine, StepsOfThePasses) {
 
 // The whole run: N k additions, N multiplications whatever the flag, the shuffles of the transposes
 // and of the scale, and no other arithmetic.
-TEST_P(Machine, Operations) {
+TEST_P(Machine, DoesTheListedOperations) {
     const Kernel& k = GetParam();
     const long n = k.points(), lanes = k.scalar() ? 1 : k.lanes();
     for (const std::string& name : k.functions()) {
@@ -268,7 +268,7 @@ TEST_P(Machine, Operations) {
 }
 
 // Straight-line bodies by the table: scalar or vector, as many vectors of data.
-TEST_P(Machine, StraightBodies) {
+TEST_P(Machine, RunsStraightBodies) {
     const Kernel& k = GetParam();
     if (k.passes()) {
         EXPECT_EQ(k.find("wht_straight"), nullptr);

@@ -25,7 +25,7 @@ std::vector<T> distinctValues(std::size_t n) {
     return x;
 }
 
-TYPED_TEST(Stages, BufferHoldsTheWorkingArray) {
+TYPED_TEST(Stages, LeaveTheWorkingArrayInTheBuffer) {
     using T = TypeParam;
     int orders = 0;
     for (const DataRow& row : dataTable("wht_passes").rows()) {
