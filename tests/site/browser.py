@@ -1,5 +1,8 @@
 # SPDX-License-Identifier: MIT
-"""browser.py SITE: opens the site from disk in Chromium, as a reader does, without a screen."""
+"""browser.py SITE KERNELS: opens the site from disk in Chromium, as a reader does, without a screen.
+
+KERNELS is the folder of the assembly that the site was made of.
+"""
 
 import sys
 import unittest
@@ -12,7 +15,7 @@ from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
 from selenium.webdriver.support.ui import Select, WebDriverWait
 
-SITE = Path(sys.argv.pop(1)).resolve() if len(sys.argv) > 1 else None
+SITE, KERNELS = (Path(sys.argv.pop(1)).resolve() for _ in range(2))
 EXPLORER = "explorer/index.html"
 
 
@@ -132,8 +135,7 @@ class Kernel(Page):
         self.open(f"{EXPLORER}#{name}", name)
         text = self.script(f"return explorer.assembly.textOf(explorer.byName.get('{name}'),"
                            f"explorer.pages.get('{name}').assembly)")
-        kernels = SITE.parent.parent / "kernels"
-        self.assertEqual(text, (kernels / f"{name}.s").read_text())
+        self.assertEqual(text, (KERNELS / f"{name}.s").read_text())
 
     def test_with_passes_has_no_drawing_but_says_so(self):
         self.open(f"{EXPLORER}#orvgWHT_13_64f", "orvgWHT_13_64f")

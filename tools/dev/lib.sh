@@ -59,6 +59,9 @@ configure() {
     quietly "build/$preset-configure.log" cmake --preset "$preset" "$@"
 }
 
+# cached NAME: what the build folder is configured with.
+cached() { sed -n "s/^$1:[A-Z]*=//p" "$build/CMakeCache.txt"; }
+
 # make_targets TARGET...: build, with the builder's own progress; on stderr, as stdout may be a page to keep.
 make_targets() {
     say "building ($build)" >&2

@@ -11,4 +11,4 @@ make_targets orvgen_site
 say "wrote $build/site/index.html"
 [[ $# == 1 ]] || exit 0
 /usr/bin/python3 tests/site/files.py "$build/site" .
-/usr/bin/python3 tests/site/browser.py "$build/site"
+/usr/bin/python3 tests/site/browser.py "$build/site" "$(cached ORVGEN_KERNEL_DIR)"
