@@ -20,7 +20,8 @@ mkdir "$folder/include"
 described "$source/include" "$folder/abi.so"
 if [[ ${3:-} == --write ]]; then
     abidw --no-corpus-path --no-comp-dir-path --no-show-locs --no-elf-needed "$folder/abi.so" |
-        sed "s|$source/||g; s|$folder/||g" >"$kept"
+        sed "s|$source/||g; s|$folder/||g" >"$folder/kept.xml"
+    mv "$folder/kept.xml" "$kept"
     exit
 fi
 abidiff "$kept" "$folder/abi.so" || fail "the binary interface is another one (where it is meant to be: ./dev abi)"
