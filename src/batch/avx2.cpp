@@ -2,8 +2,10 @@
 // The batches in 256-bit vectors. Compiled for processors that have them: nothing of this is called
 // before targets.cpp has asked, and nothing of it is shared with code for other processors, so that
 // all stands in a namespace of its own.
+#include <bit>
 #include <limits>
 
+#include "batch/few.h"
 #include "batch/lanes_avx2.h"
 #include "batch/targets.h"
 #include "frame/families.h"

@@ -47,22 +47,10 @@ void packSlots(R* slots, Layout layout, int n) {
     }
 }
 
-// From how many transforms on what is left pays as a block with idle lanes, against the single
-// kernels one after another: by length, below 8, 16, 32 and from there on. As measured; a block is
-// as much work for one transform as for all, and some 100 cycles besides.
+// From how many transforms on what is left pays as a block with idle lanes.
 template <class R>
-constexpr int worthwhile(Kind kind, int n) {
-    constexpr int lanes = Vectors<R>::lanes;
-    const bool complex = kind == Kind::Forward || kind == Kind::Inverse;
-    struct Row {
-        int from[4];
-    };
-    constexpr bool isSingle = sizeof(R) == 4, isWide = lanes * sizeof(R) == 64;
-    constexpr Row real = isSingle ? (isWide ? Row{16, 13, 7, 5} : Row{8, 7, 5, 4})
-                                  : (isWide ? Row{8, 8, 7, 4} : Row{4, 4, 4, 3});
-    constexpr Row pairs = isSingle ? (isWide ? Row{16, 13, 9, 7} : Row{8, 8, 7, 6})
-                                   : (isWide ? Row{8, 8, 8, 5} : Row{4, 4, 4, 4});
-    return (complex ? pairs : real).from[n < 8 ? 0 : n < 16 ? 1 : n < 32 ? 2 : 3];
+int worthwhile(Kind kind, int n) {
+    return worthwhileIn<R>(kind, n, Vectors<R>::lanes * int{sizeof(R)});
 }
 
 template <class R>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The exported functions: what is refused, and which target does the rest.
 
-#include <initializer_list>
 #include <type_traits>
 
+#include "batch/few.h"
 #include "batch/singles.h"
 #include "batch/targets.h"
 #include "dct4/records.h"
@@ -20,18 +20,17 @@ bool isFlag(std::int32_t flag) {
 
 // The first thing that is wrong, in the order of the single functions; of a batch of nothing the
 // pointers are not looked at.
-OrvStatus check(bool hasLength, std::initializer_list<const void*> pointers, std::int32_t flag,
-                std::size_t count) {
+template <class... Pointers>
+[[gnu::always_inline]] inline OrvStatus check(bool hasLength, std::int32_t flag, std::size_t count,
+                                              Pointers... pointers) {
     if (!hasLength) return orvErrSize;
-    if (count > 0)
-        for (const void* p : pointers)
-            if (p == nullptr) return orvErrNullPtr;
+    if (count > 0 && ((pointers == nullptr) || ...)) return orvErrNullPtr;
     return isFlag(flag) ? orvOk : orvErrFlag;
 }
 
 // The blocks by the current target, and what they leave by the single kernels.
 template <class AnyTask>
-void run(const AnyTask& task) {
+[[gnu::always_inline]] inline void run(const AnyTask& task) {
     // A single transform is never worth a vector of them.
     if (task.count == 1) return runSingles(task, 0);
     std::size_t done = 0;
@@ -112,13 +111,16 @@ inline auto array(Orv64fc* p, std::ptrdiff_t stride, std::ptrdiff_t distance) {
     return pairs<double>(p, stride, distance);
 }
 
+// What a call costs beside its kernels is paid for a few transforms only, often. So the task is put
+// together once, by the exported function itself, without copies.
 template <class R>
-OrvStatus transform(const Meaning& meaning, Single<R>* single, const Array<const R>& src,
-                    const Array<R>& dst, std::int32_t n, std::size_t count, std::int32_t flag) {
-    const OrvStatus status = check(meaning.lengths.has(n),
-                                   {src.re, dst.re, isPairs(meaning.src) ? src.im : src.re,
-                                    isPairs(meaning.dst) ? dst.im : dst.re},
-                                   flag, count);
+[[gnu::always_inline]] inline OrvStatus transform(const Meaning& meaning, Single<R>* single,
+                                                  const Array<const R>& src, const Array<R>& dst,
+                                                  std::int32_t n, std::size_t count,
+                                                  std::int32_t flag) {
+    const OrvStatus status =
+        check(meaning.lengths.has(n), flag, count, src.re, dst.re,
+              isPairs(meaning.src) ? src.im : src.re, isPairs(meaning.dst) ? dst.im : dst.re);
     if (status != orvOk || count == 0) return status;
     run(Task<R>{.kind = meaning.kind,
                 .n = n,
@@ -142,10 +144,31 @@ OrvStatus onReals(const R* src, R* dst, std::int32_t length, std::int32_t flag) 
 }
 
 template <class R>
+[[gnu::always_inline]] inline bool areFew(const Meaning& meaning, std::int32_t n,
+                                          std::size_t count) {
+    return count > 0 && meaning.behindSrc.bytesOf(n) == 0 && areFewRows<R>(meaning.kind, n, count);
+}
+
+// A few contiguous transforms, at least one: the calls that the caller would write, of which the
+// first one tests for all.
+template <auto function, class Element, class S, class D>
+[[gnu::always_inline]] inline OrvStatus fewRows(const S* src, std::ptrdiff_t srcDistance, D* dst,
+                                                std::ptrdiff_t dstDistance, std::int32_t n,
+                                                std::size_t count, std::int32_t flag) {
+    for (;;) {
+        const OrvStatus status = function(reinterpret_cast<const Element*>(src),
+                                          reinterpret_cast<Element*>(dst), n, flag);
+        if (status != orvOk || --count == 0) return status;
+        src += srcDistance;
+        dst += dstDistance;
+    }
+}
+
+template <class R>
 OrvStatus whtTransform(const R* src, std::ptrdiff_t srcStride, std::ptrdiff_t srcDistance, R* dst,
                        std::ptrdiff_t dstStride, std::ptrdiff_t dstDistance, std::int32_t order,
                        std::size_t count, std::int32_t flag) {
-    const OrvStatus status = check(kOrders.has(order), {src, dst}, flag, count);
+    const OrvStatus status = check(kOrders.has(order), flag, count, src, dst);
     if (status != orvOk || count == 0) return status;
     run(WhtTask<R>{order, array(src, srcStride, srcDistance), array(dst, dstStride, dstDistance),
                    count, flag, scaleOf(ScaleRule::BothByN, flag)});
@@ -169,6 +192,9 @@ using namespace orvgen::batch;
                                     D* dst, ptrdiff_t dstStride, ptrdiff_t dstDistance,       \
                                     int32_t len, size_t count, int32_t flag) {                \
         static constexpr Meaning meaning = meaningOf(familyOf(#NAME, #T));                    \
+        if (srcStride == 1 && dstStride == 1 && areFew<REAL_##T>(meaning, len, count))        \
+            return fewRows<orvg##NAME##_##T, Orv##T>(src, srcDistance, dst, dstDistance, len, \
+                                                     count, flag);                            \
         return transform<REAL_##T>(meaning, onReals<orvg##NAME##_##T, REAL_##T, Orv##T>,      \
                                    array(src, srcStride, srcDistance),                        \
                                    array(dst, dstStride, dstDistance), len, count, flag);     \

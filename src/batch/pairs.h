@@ -9,7 +9,7 @@ struct PairsForm {
     static constexpr int vectorBytes = Vectors<R>::lanes * sizeof(R);
 
     BlockKernel<R>* kernel;
-    int width;                // transforms of a block
+    int width, shift;         // transforms of a block, and their binary logarithm
     std::ptrdiff_t src, dst;  // bytes of one element of a block
 };
 
@@ -26,23 +26,23 @@ bool isPairsArray(const Array<R>& a, Layout layout) {
 template <class R>
 PairsForm<R> pairsFormOf(const Task<R>& task) {
     constexpr int lanes = Vectors<R>::lanes, bytes = PairsForm<R>::vectorBytes;
+    constexpr int shift = std::countr_zero(unsigned{lanes});
     const bool src = isPairsArray(task.src, task.srcLayout);
     const bool dst = isPairsArray(task.dst, task.dstLayout);
-    if (!src && !dst) return {kernelOf<R>(task.kind, task.n), lanes, bytes, bytes};
+    if (!src && !dst) return {kernelOf<R>(task.kind, task.n), lanes, shift, bytes, bytes};
     BlockKernel<R>* const kernel = pairsKernelOf<R>(task.kind, task.n);
     // In binary64 one complex element fills 16 bytes, which are the same transform's.
-    if (src && dst && sizeof(R) == 8) return {kernel, lanes / 2, bytes, bytes};
-    return {kernel, lanes, src ? 2 * bytes : bytes, dst ? 2 * bytes : bytes};
+    if (src && dst && sizeof(R) == 8) return {kernel, lanes / 2, shift - 1, bytes, bytes};
+    return {kernel, lanes, shift, src ? 2 * bytes : bytes, dst ? 2 * bytes : bytes};
 }
 
 // Transforms side by side on both sides: whole blocks, all by one call. Returns how many are done.
 template <class R>
-std::size_t runSideBySide(const Task<R>& task) {
+[[gnu::always_inline]] inline std::size_t runSideBySide(const Task<R>& task) {
     if (!isSideBySide(task.src, task.srcLayout) || !isSideBySide(task.dst, task.dstLayout))
         return 0;
     const PairsForm<R> form = pairsFormOf(task);
-    const auto width = static_cast<std::size_t>(form.width);
-    const std::size_t blocks = task.count / width;
+    const std::size_t blocks = task.count >> form.shift;
     if (blocks == 0) return 0;
     constexpr std::ptrdiff_t bytes = sizeof(R);
     const auto second = [](auto* re, auto* im) {
@@ -51,7 +51,7 @@ std::size_t runSideBySide(const Task<R>& task) {
     form.kernel(task.src.re, second(task.src.re, task.src.im), task.src.stride * bytes, task.dst.re,
                 second(task.dst.re, task.dst.im), task.dst.stride * bytes, task.scale, blocks,
                 form.src, form.dst);
-    return blocks * width;
+    return blocks << form.shift;
 }
 
 // Complex elements of `width` transforms from number `first` on, side by side, or back. There are
@@ -117,14 +117,13 @@ class ComplexElements {
           takesDst_(isSideBySide(task.dst, task.dstLayout)) {}
 
     std::size_t run(int worthwhile) {
-        const auto width = static_cast<std::size_t>(form_.width);
         const int fit = kGroupNumbers / (2 * form_.width * task_.n);
         const int most = fit > 1 ? fit : 1;
         std::size_t done = 0;
-        for (std::size_t blocks = task_.count / width; blocks > 0;) {
+        for (std::size_t blocks = task_.count >> form_.shift; blocks > 0;) {
             const int now = blocks < std::size_t(most) ? int(blocks) : most;
             group(static_cast<std::ptrdiff_t>(done), now, form_.width);
-            done += static_cast<std::size_t>(now) * width;
+            done += static_cast<std::size_t>(now) << form_.shift;
             blocks -= static_cast<std::size_t>(now);
         }
         const auto left = static_cast<int>(task_.count - done);
@@ -194,21 +193,33 @@ Task<R> behind(const Task<R>& task, std::size_t done) {
 // The rest of a call, or a call of which no kernel can take anything where it is.
 template <class R>
 std::size_t runThroughScratch(const Task<R>& task) {
-    if (!movesElements(task)) return Blocks<R>(task).run();
+    if (areComplexRows(task) || !movesElements(task)) return Blocks<R>(task).run();
     const int least = sizeof(R) == 8 ? Vectors<R>::lanes / 4 + 1 : worthwhile<R>(task.kind, task.n);
     return ComplexElements<R>(task).run(least);
+}
+
+// What runSideBySide leaves.
+template <class R>
+[[gnu::noinline]] std::size_t runOthers(const Task<R>& task) {
+    const Way way = wayOf(task);
+    if (way == Way::RowByRow) return 0;
+    if (areComplexRows(task))
+        if (const std::size_t done = runComplexRows(task, way)) return done;
+    // A few transforms that the single kernels take.
+    if (task.count < Vectors<R>::lanes && !movesElements(task) &&
+        static_cast<int>(task.count) < worthwhile<R>(task.kind, task.n))
+        return 0;
+    return runThroughScratch(task);
+}
+template <class R>
+[[gnu::noinline]] std::size_t runOthersBehind(const Task<R>& task, std::size_t done) {
+    return done + runThroughScratch(behind(task, done));
 }
 
 // The whole of a call, but for what single kernels do: how many transforms are done.
 template <class R>
 std::size_t runTask(const Task<R>& task) {
-    const Way way = wayOf(task);
-    if (way == Way::RowByRow) return 0;
-    if (areComplexRows(task)) {
-        if (const std::size_t done = runComplexRows(task, way)) return done;
-        return Blocks<R>(task).run();
-    }
     const std::size_t done = runSideBySide(task);
     if (done == task.count) return done;
-    return done + runThroughScratch(done == 0 ? task : behind(task, done));
+    return done == 0 ? runOthers(task) : runOthersBehind(task, done);
 }

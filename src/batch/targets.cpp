@@ -5,16 +5,11 @@
 
 namespace orvgen::batch {
 
+std::uint32_t targetState;
+
 namespace {
 
-// Bit 31 tells that the processor has been asked; the low byte is the set of targets, the next one
-// the chosen target. One word, so that any thread sees a whole choice; whoever asks first writes
-// what anybody else would write.
-std::uint32_t state;
-constexpr std::uint32_t kAsked = 1U << 31;
-constexpr int kChoice = 8;
-
-std::uint32_t load() { return __atomic_load_n(&state, __ATOMIC_RELAXED); }
+std::uint32_t load() { return __atomic_load_n(&targetState, __ATOMIC_RELAXED); }
 
 // Which register files the operating system keeps for its threads.
 std::uint32_t systemStates() {
@@ -46,32 +41,30 @@ std::uint32_t best(std::uint32_t targets) {
     return targets & orvTargetAVX2 ? orvTargetAVX2 : orvTargetSSE2;
 }
 
-// The state, the processor having been asked. A choice that somebody makes meanwhile stays.
-std::uint32_t asked() {
+}  // namespace
+
+// A choice that somebody makes meanwhile stays.
+std::uint32_t askedTargetState() {
     std::uint32_t now = load();
     if (now & kAsked) return now;
     const std::uint32_t targets = askProcessor() & kBuilt;
     const std::uint32_t answer = kAsked | targets | best(targets) << kChoice;
-    return __atomic_compare_exchange_n(&state, &now, answer, false, __ATOMIC_RELAXED,
+    return __atomic_compare_exchange_n(&targetState, &now, answer, false, __ATOMIC_RELAXED,
                                        __ATOMIC_RELAXED)
                ? answer
                : now;
 }
 
-}  // namespace
-
-std::uint32_t currentTarget() { return asked() >> kChoice & 0xff; }
-
 }  // namespace orvgen::batch
 
 using namespace orvgen::batch;
 
-uint32_t orvgBatchTargets(void) { return asked() & 0xff; }
+uint32_t orvgBatchTargets(void) { return askedTargetState() & 0xff; }
 
 OrvStatus orvgBatchUse(uint32_t target) {
-    const std::uint32_t targets = asked() & 0xff;
+    const std::uint32_t targets = askedTargetState() & 0xff;
     if (target == 0) target = best(targets);
     if ((target & (target - 1)) != 0 || (target & targets) == 0) return orvErrFlag;
-    __atomic_store_n(&state, kAsked | targets | target << kChoice, __ATOMIC_RELAXED);
+    __atomic_store_n(&targetState, kAsked | targets | target << kChoice, __ATOMIC_RELAXED);
     return orvOk;
 }

@@ -9,8 +9,22 @@
 
 namespace orvgen::batch {
 
+// Bit 31 tells that the processor has been asked; the low byte is the set of targets, the next one
+// the chosen target. One word, so that any thread sees a whole choice; whoever asks first writes
+// what anybody else would write.
+extern std::uint32_t targetState [[gnu::visibility("hidden")]];
+constexpr std::uint32_t kAsked = 1U << 31;
+constexpr int kChoice = 8;
+
+// Its value, the processor having been asked.
+std::uint32_t askedTargetState();
+
 // The target that the next call is to run on: the one chosen, or the best.
-std::uint32_t currentTarget();
+inline std::uint32_t currentTarget() {
+    std::uint32_t state = __atomic_load_n(&targetState, __ATOMIC_RELAXED);
+    if (__builtin_expect(!(state & kAsked), 0)) state = askedTargetState();
+    return state >> kChoice & 0xff;
+}
 
 // What a target does with a call. The wide ones return how many transforms from the first on they
 // have done; the single kernels do the rest.
