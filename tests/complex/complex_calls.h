@@ -12,7 +12,7 @@
 namespace orvgen::test {
 
 inline std::string complexName(bool inverse, int length, bool single) {
-    return std::string("orvgDFT") + (inverse ? "Inv" : "Fwd") + "_CToC_" + std::to_string(length) +
+    return (inverse ? "orvgDFTInv_CToC_" : "orvgDFTFwd_CToC_") + std::to_string(length) +
            (single ? "_32fc" : "_64fc");
 }
 
