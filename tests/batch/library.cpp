@@ -77,5 +77,13 @@ TEST(BatchLibrary, HasOneMutableWordAndNothingToInitialise) {
     EXPECT_LE(writable, 8U);
 }
 
+TEST(BatchLibrary, IsNotLarge) {
+    std::uint64_t loaded = 0;
+    for (const auto& s : file().sections())
+        if ((s.sh_flags & SHF_ALLOC) != 0) loaded += s.sh_size;
+    EXPECT_GT(loaded, 0U);
+    EXPECT_LT(loaded, std::uint64_t{24} << 20);
+}
+
 }  // namespace
 }  // namespace orvgen::test::batch

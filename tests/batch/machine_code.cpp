@@ -75,7 +75,7 @@ class Reader {
         // Upper halves left full make the caller's 128-bit code slow.
         if (mnemonic == "vzeroupper") full_ = false;
         if (contains(operands, "ymm") || contains(operands, "zmm")) full_ = true;
-        const bool isEntry = name_.starts_with("owngBatch") || contains(name_, "runBlocks");
+        const bool isEntry = name_.starts_with("owng") || contains(name_, "runBlocks");
         if (isEntry && full_ && mnemonic.starts_with("ret")) complain(found.full);
     }
 

@@ -151,6 +151,26 @@ case $name in
         grep -qx 'CMAKE_BUILD_TYPE:STRING=Release' "$folder/build/CMakeCache.txt" || fail "not optimised"
         ! grep -q -- -Werror "$folder/build/build.ninja" || fail "warnings are errors"
         ;;
+    batch_targets)
+        # The batch library with some of its targets: what would be compiled for it, in names that only one target has.
+        plan_batch() {
+            quietly "$cmake" -S "$source" -B "$folder/build" -G Ninja -DORVGEN_TESTS=OFF -DORVGEN_EXAMPLES=OFF \
+                -DORVGEN_WIDE_TARGETS="$1" -DCMAKE_C_COMPILER="$cc" -DCMAKE_CXX_COMPILER="$cxx"
+            ninja -C "$folder/build" -t commands orvgen_batch orvgen_batch_static >"$folder/plan" || fail "$(cat "$folder/plan")"
+            found=
+            for target in avx2 avx512; do
+                ! grep -q "/$target\.cpp" "$folder/plan" || found+="$target "
+                ! grep -qE "owng\w+_$target\b" "$folder/plan" || found+="kernels-$target "
+            done
+            [[ $found == "$2" ]] || fail "targets $1: $found"
+        }
+        plan_batch "AVX2;AVX512" "avx2 kernels-avx2 avx512 kernels-avx512 "
+        plan_batch AVX2 "avx2 kernels-avx2 "
+        plan_batch AVX512 "avx512 kernels-avx512 "
+        plan_batch "" ""
+        ! "$cmake" -B "$folder/build" -DORVGEN_WIDE_TARGETS=avx2 >"$folder/log" 2>&1 || fail "avx2 is accepted"
+        grep -q "ORVGEN_WIDE_TARGETS: avx2 is neither" "$folder/log" || fail "$(cat "$folder/log")"
+        ;;
 
     release)
         # One release everywhere: header, CMake, pkg-config, changelog.
