@@ -7,12 +7,12 @@
 #include "dft/rader.h"
 #include "support/data_table.h"
 
-namespace orvgen {
+namespace orvgen::test {
 namespace {
 
 TEST(RaderConstants, AreThoseOfTheTableAtSeven) {
     const auto B = dft::raderConstants(dft::Direction::Forward, 7);
-    for (const auto& row : test::dataTable("rader7_constants").rows()) {
+    for (const auto& row : dataTable("rader7_constants").rows()) {
         const auto k = static_cast<std::size_t>(row.integer("k"));
         EXPECT_NEAR(B[k].re.asDouble(), row.number("re"), 5.1e-8);
         EXPECT_NEAR(B[k].im.asDouble(), row.number("im"), 5.1e-8);
@@ -20,7 +20,7 @@ TEST(RaderConstants, AreThoseOfTheTableAtSeven) {
 }
 
 TEST(RaderConstants, HaveOneModulusButTheFirst) {
-    for (const long p : test::dataTable("complex_f32_rader").list("length")) {
+    for (const long p : dataTable("complex_f32_rader").list("length")) {
         const auto B = dft::raderConstants(dft::Direction::Forward, static_cast<std::size_t>(p));
         const auto L = static_cast<double>(p - 1);
         ASSERT_EQ(B.size(), static_cast<std::size_t>(p - 1));
@@ -35,4 +35,4 @@ TEST(RaderConstants, HaveOneModulusButTheFirst) {
 }
 
 }  // namespace
-}  // namespace orvgen
+}  // namespace orvgen::test

@@ -12,13 +12,13 @@
 #include "support/count_check.h"
 #include "support/data_table.h"
 
-namespace orvgen {
+namespace orvgen::test {
 namespace {
 
 // Live and executed lanes, with the products by the scale: 2 N, or all lanes of the `stored`
 // elements where whole vectors are stored.
-kernelgen::LaneCounts compareLanes(test::CountCheck& check, const KernelFamily& family,
-                                   const test::DataRow& row, long stored) {
+kernelgen::LaneCounts compareLanes(CountCheck& check, const KernelFamily& family,
+                                   const DataRow& row, long stored) {
     const long n = row.integer("length");
     const auto c = kernelgen::countLanes(family.kernel(static_cast<int>(n)).flow);
     const std::pair<std::string, long> columns[] = {
@@ -41,9 +41,9 @@ std::string stages(const plan::Plan& plan) {
 }
 
 TEST(ComplexBinary32Counts, AreThoseOfTheTableAtCompositeLengths) {
-    test::CountCheck check("complex_f32_composite");
+    CountCheck check("complex_f32_composite");
     for (const auto& family : dft::complexSingleFamilies())
-        for (const auto& row : test::dataTable("complex_f32_composite").rows()) {
+        for (const auto& row : dataTable("complex_f32_composite").rows()) {
             const long n = row.integer("length");
             if (n < 6 || !family.info->numbers.has(static_cast<int>(n))) continue;
             const auto kernel = family.kernel(static_cast<int>(n));
@@ -61,13 +61,13 @@ TEST(ComplexBinary32Counts, AreThoseOfTheTableAtCompositeLengths) {
 }
 
 TEST(ComplexBinary32Counts, AreThoseOfTheTablesAtRaderPrimes) {
-    test::CountCheck check("complex_f32_rader");
-    test::CountCheck distinct("complex_f32_factors");
+    CountCheck check("complex_f32_rader");
+    CountCheck distinct("complex_f32_factors");
     for (const auto& family : dft::complexSingleFamilies())
-        for (const auto& row : test::dataTable("complex_f32_rader").rows()) {
+        for (const auto& row : dataTable("complex_f32_rader").rows()) {
             const auto c = compareLanes(check, family, row, row.integer("length"));
             const long p = row.integer("length");
-            for (const auto& factor : test::dataTable("complex_f32_factors").rows()) {
+            for (const auto& factor : dataTable("complex_f32_factors").rows()) {
                 if (factor.integer("factor") != p) continue;
                 distinct.compare(p, "alone_additions", factor.integer("alone_additions"),
                                  c.distinctAdditions);
@@ -85,9 +85,9 @@ TEST(ComplexBinary32Counts, AreThoseOfTheTablesAtRaderPrimes) {
 // The embedded factors, out of the composite rows that hold them: length 2 p has two of them beside
 // p two-point butterflies.
 TEST(ComplexBinary32Counts, AreThoseOfTheTableInsideCompositeLengths) {
-    test::CountCheck check("complex_f32_factors");
+    CountCheck check("complex_f32_factors");
     const auto forward = dft::complexSingleFamilies()[0];
-    for (const auto& row : test::dataTable("complex_f32_factors").rows()) {
+    for (const auto& row : dataTable("complex_f32_factors").rows()) {
         const int p = static_cast<int>(row.integer("factor"));
         const auto c = kernelgen::countLanes(forward.kernel(2 * p).flow);
         check.compare(p, "embedded_additions", row.integer("embedded_additions"),
@@ -103,9 +103,9 @@ TEST(ComplexBinary32Counts, AreThoseOfTheTableInsideCompositeLengths) {
 }
 
 TEST(ComplexBinary32Counts, ProductsThatMixThePartsAreThoseOfTheTable) {
-    test::CountCheck check("complex_f32_mixed_products");
+    CountCheck check("complex_f32_mixed_products");
     for (const auto& family : dft::complexSingleFamilies())
-        for (const auto& row : test::dataTable("complex_f32_mixed_products").rows()) {
+        for (const auto& row : dataTable("complex_f32_mixed_products").rows()) {
             const long n = row.integer("length");
             const auto c = kernelgen::countLanes(family.kernel(static_cast<int>(n)).flow);
             check.compare(n, "mixed", row.integer("mixed"), c.mixedMultiplications);
@@ -121,7 +121,7 @@ TEST(ComplexBinary32Counts, FactorThirteenHasTheConstantsOfTheTable) {
     for (const auto& node : kernel.flow.nodes())
         if (node.op == kernelgen::Op::Mul)
             ++found[std::abs(static_cast<double>(kernel.flow.constant(node).lane(0).asFloat()))];
-    for (const auto& row : test::dataTable("complex_f32_factor13_constants").rows()) {
+    for (const auto& row : dataTable("complex_f32_factor13_constants").rows()) {
         const std::string text = row.text("magnitude");
         const double magnitude = text == "sin(pi/3)"     ? std::sqrt(0.75)
                                  : text == "1/12"        ? 1.0 / 12
@@ -141,12 +141,12 @@ TEST(ComplexBinary32Counts, FactorThirteenHasTheConstantsOfTheTable) {
 }
 
 TEST(ComplexBinary32Counts, AreThoseOfTheTableAtBluesteinPrimes) {
-    test::CountCheck check("complex_f32_bluestein");
+    CountCheck check("complex_f32_bluestein");
     for (const auto& family : dft::complexSingleFamilies())
-        for (const auto& row : test::dataTable("complex_f32_bluestein").rows())
+        for (const auto& row : dataTable("complex_f32_bluestein").rows())
             compareLanes(check, family, row, row.integer("length") + 1);
     EXPECT_EQ(check.report(), "");
 }
 
 }  // namespace
-}  // namespace orvgen
+}  // namespace orvgen::test

@@ -14,7 +14,7 @@
 #include "support/count_check.h"
 #include "support/data_table.h"
 
-namespace orvgen {
+namespace orvgen::test {
 namespace {
 
 using plan::CooleyTukey;
@@ -63,7 +63,7 @@ std::vector<long> factorsNamed(const std::string& top) {
 // twiddle belongs to one of the coprime factors, also where the stages of one stand inside the
 // other (18, 50 and 54).
 TEST(ComplexBinary32Plans, TheJoinAtTheTopIsThatOfTheTable) {
-    for (const auto& row : test::dataTable("complex_f32_composite").rows()) {
+    for (const auto& row : dataTable("complex_f32_composite").rows()) {
         const long n = row.integer("length");
         const std::string top = row.text("top");
         const Plan& plan = *dft::singleLength(static_cast<int>(n)).plan;
@@ -103,7 +103,7 @@ TEST(ComplexBinary32Plans, TheJoinAtTheTopIsThatOfTheTable) {
 }
 
 TEST(ComplexBinary32Plans, CyclesAreThoseOfTheTable) {
-    for (const auto& row : test::dataTable("complex_f32_rader").rows()) {
+    for (const auto& row : dataTable("complex_f32_rader").rows()) {
         const long p = row.integer("length");
         const auto* rader = dft::singleLength(static_cast<int>(p)).plan->as<plan::ComplexRader>();
         ASSERT_TRUE(rader) << p;
@@ -126,7 +126,7 @@ void collectBlocks(const Plan& plan, int p, std::vector<const Plan*>& found) {
 }
 
 TEST(ComplexBinary32Plans, PrimeFactorsHaveTheFormOfTheTable) {
-    for (const auto& row : test::dataTable("complex_f32_factors").rows()) {
+    for (const auto& row : dataTable("complex_f32_factors").rows()) {
         const auto p = static_cast<int>(row.integer("factor"));
         const std::string form = row.text("form");
         const bool isRader = form.starts_with("rader");
@@ -134,7 +134,7 @@ TEST(ComplexBinary32Plans, PrimeFactorsHaveTheFormOfTheTable) {
                         : p <= 5 ? "butterfly"
                                  : "direct");
         std::vector<const Plan*> blocks;
-        for (const long n : test::dataTable("complex_f32_composite").list("length"))
+        for (const long n : dataTable("complex_f32_composite").list("length"))
             if (n != p) collectBlocks(*dft::singleLength(static_cast<int>(n)).plan, p, blocks);
         EXPECT_FALSE(blocks.empty()) << p;
         for (const Plan* block : blocks) {
@@ -148,9 +148,9 @@ TEST(ComplexBinary32Plans, PrimeFactorsHaveTheFormOfTheTable) {
 // stand inside length 2 p, two of them beside p two-point butterflies.
 TEST(ComplexBinary32Plans, ButterfliesHaveTheCountsOfTheTables) {
     for (const auto& family : dft::complexSingleFamilies()) {
-        test::CountCheck base("complex_f32_base"), composite("complex_f32_composite");
-        test::CountCheck alone("complex_f32_factors");
-        for (const auto& row : test::dataTable("complex_f32_base").rows()) {
+        CountCheck base("complex_f32_base"), composite("complex_f32_composite");
+        CountCheck alone("complex_f32_factors");
+        for (const auto& row : dataTable("complex_f32_base").rows()) {
             const int n = static_cast<int>(row.integer("length"));
             const bool direct = row.text("form") == "direct";
             EXPECT_EQ(direct, n > 5);
@@ -166,16 +166,16 @@ TEST(ComplexBinary32Plans, ButterfliesHaveTheCountsOfTheTables) {
                 EXPECT_EQ(c.scaleProducts, 2 * n);
                 EXPECT_EQ(c.signSteps, 0);
             }
-            const auto compare = [&](test::CountCheck& check, const std::string& prefix,
-                                     const test::DataRow& r) {
+            const auto compare = [&](CountCheck& check, const std::string& prefix,
+                                     const DataRow& r) {
                 check.compare(n, prefix + "additions", r.integer(prefix + "additions"), additions);
                 check.compare(n, prefix + "multiplications", r.integer(prefix + "multiplications"),
                               multiplications);
             };
             compare(base, "", row);
-            const auto* whole = test::dataTable("complex_f32_composite").find("length", n);
+            const auto* whole = dataTable("complex_f32_composite").find("length", n);
             if (whole) compare(composite, "", *whole);
-            const auto* factor = test::dataTable("complex_f32_factors").find("factor", n);
+            const auto* factor = dataTable("complex_f32_factors").find("factor", n);
             if (factor && !direct) compare(alone, "alone_", *factor);
         }
         EXPECT_EQ(base.report(), "");
@@ -185,4 +185,4 @@ TEST(ComplexBinary32Plans, ButterfliesHaveTheCountsOfTheTables) {
 }
 
 }  // namespace
-}  // namespace orvgen
+}  // namespace orvgen::test

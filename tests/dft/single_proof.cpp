@@ -5,7 +5,7 @@
 #include "dft/complex_proof.h"
 #include "dft/families.h"
 
-namespace orvgen {
+namespace orvgen::test {
 namespace {
 
 using flows::Direction;
@@ -18,7 +18,7 @@ TEST_P(ComplexBinary32Flows, ComputeTheTransform) {
     const Direction directions[] = {Direction::Forward, Direction::Inverse};
     for (std::size_t d = 0; d < 2; ++d) {
         const auto kernel = families[d].kernel(GetParam());
-        EXPECT_LT(test::complexProofError(kernel.flow, directions[d], GetParam()), Real("1e-60"))
+        EXPECT_LT(complexProofError(kernel.flow, directions[d], GetParam()), Real("1e-60"))
             << kernel.name.exported();
         EXPECT_TRUE(kernel.flow.deadNodes().empty()) << kernel.name.exported();
     }
@@ -29,4 +29,4 @@ INSTANTIATE_TEST_SUITE_P(Lengths, ComplexBinary32Flows,
                          [](const auto& length) { return std::to_string(length.param); });
 
 }  // namespace
-}  // namespace orvgen
+}  // namespace orvgen::test

@@ -14,11 +14,11 @@
 #include "support/data_table.h"
 #include "support/written_blocks.h"
 
-namespace orvgen {
+namespace orvgen::test {
 namespace {
 
-using namespace test::written;
-using test::written::Numbers;
+using namespace written;
+using written::Numbers;
 
 // The stages of a row: radices, and whether twiddles stand before each but the first.
 struct Stages {
@@ -89,7 +89,7 @@ Numbers transform(const Stages& s, std::size_t first, std::size_t step, const Nu
 TEST(ComplexBinary32Stages, RunInTheOrderOfTheTable) {
     const auto forward = dft::complexSingleFamilies()[0];
     int compared = 0;
-    for (const auto& row : test::dataTable("complex_f32_composite").rows()) {
+    for (const auto& row : dataTable("complex_f32_composite").rows()) {
         const auto n = static_cast<std::size_t>(row.integer("length"));
         const Stages stages = parse(row.text("stages"));
         if (stages.radices.size() < 2 || *std::ranges::max_element(stages.radices) > 11) continue;
@@ -116,4 +116,4 @@ TEST(ComplexBinary32Stages, RunInTheOrderOfTheTable) {
 }
 
 }  // namespace
-}  // namespace orvgen
+}  // namespace orvgen::test

@@ -9,12 +9,17 @@
 #include "kernelgen/number.h"
 #include "plan/table.h"
 
-namespace orvgen::flows {
+namespace orvgen {
 
 using Double = kernelgen::Number<kernelgen::Arithmetic::Double>;
-extern template class Flow<Double>;
+extern template class flows::Flow<Double>;
 
+}  // namespace orvgen
+
+namespace orvgen::test {
 namespace {
+
+using namespace orvgen::flows;
 
 using kernelgen::Arithmetic;
 using kernelgen::Graph;
@@ -145,4 +150,4 @@ TEST(Flow, RunsPlansOfRealCoefficientsOnly) {
 }
 
 }  // namespace
-}  // namespace orvgen::flows
+}  // namespace orvgen::test

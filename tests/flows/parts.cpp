@@ -6,8 +6,10 @@
 #include "flows/number_theory.h"
 #include "kernelgen/number.h"
 
-namespace orvgen::flows {
+namespace orvgen::test {
 namespace {
+
+using namespace orvgen::flows;
 
 TEST(NumberTheory, KnowsPrimitiveRoots) {
     // the smallest ones
@@ -47,4 +49,4 @@ TEST(Expressions, DoubleTheirTerms) {
 }
 
 }  // namespace
-}  // namespace orvgen::flows
+}  // namespace orvgen::test

@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
-namespace orvgen::generator {
+namespace orvgen::test {
 namespace {
+
+using namespace orvgen::generator;
 
 using Names = std::vector<std::string>;
 
@@ -84,4 +86,4 @@ TEST(Names, AreComposed) {
 }
 
 }  // namespace
-}  // namespace orvgen::generator
+}  // namespace orvgen::test

@@ -13,8 +13,10 @@
 #include "generator/head.h"
 #include "generator/registry.h"
 
-namespace orvgen::generator {
+namespace orvgen::test {
 namespace {
+
+using namespace orvgen::generator;
 
 struct Page {
     std::vector<std::string> labels;            // in their order, those of the tables once
@@ -128,4 +130,4 @@ TEST(PlanPage, LeadsToFunctions) {
 }
 
 }  // namespace
-}  // namespace orvgen::generator
+}  // namespace orvgen::test

@@ -7,10 +7,10 @@
 #include "kernelgen/allocate.h"
 #include "written_code.h"
 
-namespace orvgen::kernelgen {
+namespace orvgen::test {
 namespace {
 
-using test::WrittenCode;
+using namespace orvgen::kernelgen;
 
 long countOf(const Allocation& a, Opcode op) {
     return std::ranges::count(a.instructions, op, &MachineInstruction::op);
@@ -165,4 +165,4 @@ TEST(Allocation, ConversionsDoNotWaitForStrangers) {
 }
 
 }  // namespace
-}  // namespace orvgen::kernelgen
+}  // namespace orvgen::test

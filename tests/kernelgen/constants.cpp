@@ -9,10 +9,10 @@
 #include "kernelgen/real.h"
 #include "support/mpfr_number.h"
 
-namespace orvgen::kernelgen {
+namespace orvgen::test {
 namespace {
 
-using test::Mpfr;
+using namespace orvgen::kernelgen;
 
 // The exact value, read from its decimal digits.
 void set(Mpfr& m, const Real& value) {
@@ -75,4 +75,4 @@ TEST(Constants, AreRoundedOnce) {
 }
 
 }  // namespace
-}  // namespace orvgen::kernelgen
+}  // namespace orvgen::test

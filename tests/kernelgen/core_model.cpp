@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
-namespace orvgen::kernelgen {
+namespace orvgen::test {
 namespace {
+
+using namespace orvgen::kernelgen;
 
 using Block = std::vector<MachineInstruction>;
 
@@ -116,4 +118,4 @@ TEST(CoreModel, LatenciesAreThoseOfTheCores) {
 }
 
 }  // namespace
-}  // namespace orvgen::kernelgen
+}  // namespace orvgen::test

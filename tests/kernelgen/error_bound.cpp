@@ -10,8 +10,10 @@
 
 #include "generator/registry.h"
 
-namespace orvgen::kernelgen {
+namespace orvgen::test {
 namespace {
+
+using namespace orvgen::kernelgen;
 
 Graph flow(const std::string& kernel) {
     for (const KernelFamily& family : generator::allFamilies())
@@ -60,4 +62,4 @@ TEST(ErrorBounds, AreThoseOfTheFormulas) {
 }
 
 }  // namespace
-}  // namespace orvgen::kernelgen
+}  // namespace orvgen::test

@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
-namespace orvgen::kernelgen {
+namespace orvgen::test {
 namespace {
+
+using namespace orvgen::kernelgen;
 
 // As many loads of each number as `uses` says.
 std::vector<MachineInstruction> loads(Base base, const std::vector<int>& uses) {
@@ -88,4 +90,4 @@ TEST(Layout, OfThePool) {
 }
 
 }  // namespace
-}  // namespace orvgen::kernelgen
+}  // namespace orvgen::test

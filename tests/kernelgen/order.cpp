@@ -9,10 +9,10 @@
 #include "kernelgen/block.h"
 #include "written_code.h"
 
-namespace orvgen::kernelgen {
+namespace orvgen::test {
 namespace {
 
-using test::WrittenCode;
+using namespace orvgen::kernelgen;
 
 // The most values, loads apart, that are live at once.
 int pressure(const Code& code, const std::vector<int>& order) {
@@ -141,4 +141,4 @@ TEST(Blocks, RespectTheLimitOfTheFrame) {
 }
 
 }  // namespace
-}  // namespace orvgen::kernelgen
+}  // namespace orvgen::test

@@ -12,10 +12,10 @@
 #include "small_flows.h"
 #include "written_code.h"
 
-namespace orvgen::kernelgen {
+namespace orvgen::test {
 namespace {
 
-using test::WrittenCode;
+using namespace orvgen::kernelgen;
 
 std::vector<Opcode> opcodes(const Code& code) {
     std::vector<Opcode> all;
@@ -134,7 +134,7 @@ std::vector<unsigned> zeroLanes(const Code& code) {
 }
 
 TEST(Pairs, IdleLanesHoldZeros) {
-    const Kernel kernel = test::smallRealKernel({"s"}, Arithmetic::Single);
+    const Kernel kernel = smallRealKernel({"s"}, Arithmetic::Single);
     const std::vector<Code> forms = pairForms(lower(kernel.flow, {}));
     ASSERT_FALSE(forms.empty());
     int checked = 0;
@@ -152,7 +152,7 @@ TEST(Pairs, IdleLanesHoldZeros) {
 
 TEST(Pairs, ReadNothingElse) {
     for (const Arithmetic arithmetic : {Arithmetic::Single, Arithmetic::Double}) {
-        const Kernel kernel = test::smallRealKernel({"s"}, arithmetic);
+        const Kernel kernel = smallRealKernel({"s"}, arithmetic);
         const Code scalar = lower(kernel.flow, {});
         const std::vector<Code> forms = pairForms(scalar);
         ASSERT_FALSE(forms.empty());
@@ -161,7 +161,7 @@ TEST(Pairs, ReadNothingElse) {
 }
 
 TEST(Pairs, AreTheSameEveryTime) {
-    const Code scalar = lower(test::smallRealKernel({"s"}, Arithmetic::Double).flow, {});
+    const Code scalar = lower(smallRealKernel({"s"}, Arithmetic::Double).flow, {});
     EXPECT_EQ(opcodes(pairForms(scalar).front()), opcodes(pairForms(scalar).front()));
 }
 
@@ -218,7 +218,7 @@ Kernel manySums() {
     return {.name = {"Sums_40_64fc"},
             .length = kSums,
             .method = "test flow",
-            .alignment = Alignment::Twin,
+            .alignment = kernelgen::Alignment::Twin,
             .readsAllFirst = true,
             .flow = std::move(g)};
 }
@@ -241,4 +241,4 @@ TEST(PairsOfVectors, AreOfOneTargetOnly) {
 }
 
 }  // namespace
-}  // namespace orvgen::kernelgen
+}  // namespace orvgen::test

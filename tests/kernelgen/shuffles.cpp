@@ -7,8 +7,10 @@
 
 #include "kernelgen/lower.h"
 
-namespace orvgen::kernelgen {
+namespace orvgen::test {
 namespace {
+
+using namespace orvgen::kernelgen;
 
 using Lanes = std::array<Lane, 4>;
 
@@ -97,4 +99,4 @@ TEST(Shuffles, AreFourForHalfATranspose) {
 }
 
 }  // namespace
-}  // namespace orvgen::kernelgen
+}  // namespace orvgen::test

@@ -7,8 +7,10 @@
 #include <numeric>
 #include <set>
 
-namespace orvgen::plan {
+namespace orvgen::test {
 namespace {
+
+using namespace orvgen::plan;
 
 // Samples and bins each come once.
 template <class Map>
@@ -64,4 +66,4 @@ TEST(IndexMaps, OfCooleyTukeySplitTheRoots) {
 }
 
 }  // namespace
-}  // namespace orvgen::plan
+}  // namespace orvgen::test

@@ -6,8 +6,10 @@
 
 #include "plan/table.h"
 
-namespace orvgen::plan {
+namespace orvgen::test {
 namespace {
+
+using namespace orvgen::plan;
 
 using enum Transform;
 
@@ -90,4 +92,4 @@ TEST(PlanNotation, TellsChoices) {
 }
 
 }  // namespace
-}  // namespace orvgen::plan
+}  // namespace orvgen::test

@@ -12,8 +12,10 @@
 #include "realdft/plans.h"
 #include "support/plan_tree.h"
 
-namespace orvgen::plan {
+namespace orvgen::test {
 namespace {
+
+using namespace orvgen::plan;
 
 // Reads the notation into terms, without knowing any table.
 class Reader {
@@ -235,7 +237,7 @@ void expectReadBack(const Plan& plan) {
     ASSERT_EQ(term.length(), plan.length) << text;
     const PlanPtr again = Table(plan.transform, {{plan.length, term}}).plan(plan.length);
     EXPECT_EQ(notation(*again), text);
-    EXPECT_TRUE(test::sameTree(*again, plan)) << text;
+    EXPECT_TRUE(sameTree(*again, plan)) << text;
 }
 
 TEST(PlanNotation, SaysAllOfAPlan) {
@@ -250,4 +252,4 @@ TEST(PlanNotation, SaysAllOfAPlan) {
 }
 
 }  // namespace
-}  // namespace orvgen::plan
+}  // namespace orvgen::test

@@ -4,8 +4,10 @@
 
 #include "plan/table.h"
 
-namespace orvgen::plan {
+namespace orvgen::test {
 namespace {
+
+using namespace orvgen::plan;
 
 PlanPtr only(Transform transform, const Term& term) {
     return Table(transform, {{term.length(), term}}).plan(term.length());
@@ -175,4 +177,4 @@ TEST(PlanTerms, HaveMirrors) {
 }
 
 }  // namespace
-}  // namespace orvgen::plan
+}  // namespace orvgen::test

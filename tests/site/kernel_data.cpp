@@ -14,8 +14,10 @@
 #include "plan/notation.h"
 #include "plan_tree.h"
 
-namespace orvgen::site {
+namespace orvgen::test {
 namespace {
+
+using namespace orvgen::site;
 
 std::size_t occurrences(const std::string& text, const std::string& part) {
     std::size_t count = 0;
@@ -99,4 +101,4 @@ TEST(Row, HoldsTheFiguresOfTheHead) {
 }
 
 }  // namespace
-}  // namespace orvgen::site
+}  // namespace orvgen::test

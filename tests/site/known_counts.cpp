@@ -10,8 +10,10 @@
 #include "generator/registry.h"
 #include "kernel_data.h"
 
-namespace orvgen::site {
+namespace orvgen::test {
 namespace {
+
+using namespace orvgen::site;
 
 double count(Kind kind, int N, Claim claim, Counted counted) {
     for (const KnownCount& known : knownCounts(kind, N))
@@ -80,4 +82,4 @@ TEST(KnownCounts, NoKernelTakesLessThanItsBounds) {
 }
 
 }  // namespace
-}  // namespace orvgen::site
+}  // namespace orvgen::test
