@@ -189,7 +189,8 @@ explorer.kernelView = (() => {
 
   async function show(name) {
     const kernel = explorer.byName.get(name);
-    at("kernel-title").textContent = name;
+    // Long names break behind an underscore.
+    at("kernel-title").replaceChildren(...name.split(/(?<=_)/).flatMap((part) => [part, make("wbr")]));
     at("page").replaceChildren(make("p", {}, "Loading …"));
     if (!kernel) {
       at("page").replaceChildren(make("p", {}, `There is no kernel ${name}. `,

@@ -31,7 +31,7 @@ explorer.listView = (() => {
             make("a", {href: `#${kernel.name}`}, kernel.name.slice("orvg".length)));
         }
         const value = kernel[key];
-        return typeof value === "string" ? make("td", {}, value)
+        return typeof value === "string" ? make("td", {title: value}, value)
           : make("td", {class: "number"}, number(value));
       });
       rows.set(kernel, make("tr", {}, cells));

@@ -4,6 +4,8 @@ import re
 import sys
 from pathlib import Path
 
+from pygments.formatters import HtmlFormatter
+
 sys.path.insert(0, str(Path(__file__).parent / "_python"))
 
 project = "orvgen"
@@ -28,4 +30,17 @@ html_copy_source = False
 html_show_sourcelink = False
 html_show_search_summary = False  # it would fetch, which a page opened from disk may not
 pygments_style = "default"
+dark_pygments_style = "github-dark"
 templates_path = ["_templates"]
+
+
+# Sphinx writes a second stylesheet for dark pages only for themes that come with one.
+def write_dark_colours(app, error):
+    if error is None:
+        style = HtmlFormatter(style=dark_pygments_style).get_style_defs(".highlight")
+        (Path(app.outdir) / "_static" / "pygments_dark.css").write_text(style + "\n")
+
+
+def setup(app):
+    app.add_css_file("pygments_dark.css", media="(prefers-color-scheme: dark)")
+    app.connect("build-finished", write_dark_colours)

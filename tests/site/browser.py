@@ -18,6 +18,31 @@ from selenium.webdriver.support.ui import Select, WebDriverWait
 SITE, KERNELS = (Path(sys.argv.pop(1)).resolve() for _ in range(2))
 EXPLORER = "explorer/index.html"
 
+# The colours of text, with an example each, that are less than 4.5 times as bright or as dark as what they stand on.
+FAINT_TEXT = r"""
+const parts = (colour) => (colour.match(/[\d.]+/g) || []).map(Number);
+const linear = (c) => c / 255 <= .04045 ? c / 255 / 12.92 : ((c / 255 + .055) / 1.055) ** 2.4;
+const luminance = ([r, g, b]) => .2126 * linear(r) + .7152 * linear(g) + .0722 * linear(b);
+const under = (element) => {
+  for (; element; element = element.parentElement) {
+    const ground = parts(getComputedStyle(element).backgroundColor);
+    if (ground.length === 3) return luminance(ground);
+  }
+  return 1;
+};
+const faint = new Map();
+const texts = document.createTreeWalker(document.body, NodeFilter.SHOW_TEXT);
+while (texts.nextNode()) {
+  const element = texts.currentNode.parentElement, text = texts.currentNode.textContent.trim();
+  if (!text || element.closest("svg, script, style") || !element.checkVisibility()) continue;
+  const colour = getComputedStyle(element).color;
+  const [low, high] = [luminance(parts(colour)), under(element)].sort((a, b) => a - b);
+  if ((high + .05) / (low + .05) < 4.5)
+    faint.set(`${element.tagName} ${element.className} ${colour}`, text.slice(0, 30));
+}
+return [...faint];
+"""
+
 
 def browser():
     options = Options()
@@ -226,6 +251,15 @@ class Everywhere(Page):
                 self.media("dark")
                 self.open(page)
                 self.assertLess(luminance(), 150)
+
+    # The ratio that makes text legible to weak eyes, in both schemes.
+    def test_has_text_that_stands_out(self):
+        for scheme in ("light", "dark"):
+            for page in (*self.PAGES, "functions/real-forward.html", "docs/python.html", "search.html?q=wht"):
+                with self.subTest(f"{scheme}: {page}"):
+                    self.media(scheme)
+                    self.open(page, page.partition("#")[2])
+                    self.assertEqual(self.script(FAINT_TEXT), [])
 
     def test_names_every_control(self):
         for page in self.PAGES:
