@@ -8,16 +8,20 @@
 
 #include "batch/targets.h"
 
+namespace {
+
+constexpr unsigned rounds = 1000, threadCount = 4, choiceCount = 3;
+constexpr std::uint32_t choices[choiceCount] = {0, orvTargetSSE2, 64};
+constexpr OrvStatus expected[choiceCount] = {orvOk, orvOk, orvErrFlag};
+
+}  // namespace
+
 int main() {
-    constexpr int rounds = 1000;
-    constexpr unsigned threadCount = 4, choiceCount = 3;
-    constexpr std::uint32_t choices[choiceCount] = {0, orvTargetSSE2, 64};
-    constexpr OrvStatus expected[choiceCount] = {orvOk, orvOk, orvErrFlag};
     std::atomic<int> wrong = 0;
     std::vector<std::thread> threads;
     // Nobody has asked the processor before: the first calls meet here.
     for (unsigned t = 0; t < threadCount; ++t)
-        threads.emplace_back([&wrong, &choices, &expected, t] {
+        threads.emplace_back([&wrong, t] {
             for (unsigned i = 0; i < rounds; ++i) {
                 const unsigned which = (t + i) % choiceCount;
                 if (orvgBatchUse(choices[which]) != expected[which]) ++wrong;
