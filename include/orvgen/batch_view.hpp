@@ -63,6 +63,12 @@ constexpr bool distinct(const Shape& shape) noexcept {
     return g != 0 && (d / g >= n || s / g >= count);
 }
 
+// What a span can be made of as it is handed over: no array that is gone once the view is made.
+template <class A>
+concept Lasting = requires {
+    typename orvgen::detail::WrittenSpan<A>;
+};
+
 }  // namespace detail
 
 // The transforms of an array that it does not own; E is any element that the single transforms
@@ -110,7 +116,7 @@ class View {
 
 // The rows of a matrix of `width` columns that fills the array; a rest that is no whole row is left
 // alone.
-template <class A>
+template <detail::Lasting A>
 constexpr auto rows(A&& array, std::size_t width) noexcept {
     const std::span all(array);
     return View<typename decltype(all)::element_type>(
@@ -121,7 +127,7 @@ constexpr auto rows(A&& array, std::size_t width) noexcept {
 }
 
 // The columns of such a matrix.
-template <class A>
+template <detail::Lasting A>
 constexpr auto columns(A&& array, std::size_t width) noexcept {
     const std::span all(array);
     return View<typename decltype(all)::element_type>(
@@ -132,7 +138,7 @@ constexpr auto columns(A&& array, std::size_t width) noexcept {
 }
 
 // Frames of `length` elements that begin `hop` elements apart, as many as the array has.
-template <class A>
+template <detail::Lasting A>
 constexpr auto frames(A&& array, std::size_t length, std::size_t hop) noexcept {
     const std::span all(array);
     return View<typename decltype(all)::element_type>(

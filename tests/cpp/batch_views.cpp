@@ -2,9 +2,12 @@
 // The views of batches: which shapes are valid, found by looking at every element; where they are.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <orvgen_batch.hpp>
 #include <set>
+#include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace orvgen::test {
@@ -21,6 +24,27 @@ std::vector<std::ptrdiff_t> indicesOf(const Shape& shape) {
                               static_cast<std::ptrdiff_t>(t) * shape.distance);
     return indices;
 }
+
+// Of arrays that outlive the view, and of spans.
+template <class A>
+concept HasRows = requires(A&& a) {
+    batch::rows(std::forward<A>(a), 8);
+};
+template <class A>
+concept HasColumns = requires(A&& a) {
+    batch::columns(std::forward<A>(a), 8);
+};
+template <class A>
+concept HasFrames = requires(A&& a) {
+    batch::frames(std::forward<A>(a), 8, 4);
+};
+template <class A>
+constexpr int viewsOf = HasRows<A> + HasColumns<A> + HasFrames<A>;
+static_assert(viewsOf<std::vector<float>&> == 3 && viewsOf<const std::vector<float>&> == 3);
+static_assert(viewsOf<float (&)[64]> == 3 && viewsOf<std::array<float, 64>&> == 3);
+static_assert(viewsOf<std::span<float>> == 3 && viewsOf<std::span<const float, 64>> == 3);
+static_assert(viewsOf<std::vector<float>> == 0 && viewsOf<std::array<float, 64>> == 0);
+static_assert(viewsOf<float*> == 0);
 
 TEST(BatchViews, AreValidWhereEveryElementIsInsideAndDistinct) {
     int inside = 0, outside = 0, repeated = 0;
