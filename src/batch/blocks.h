@@ -68,8 +68,8 @@ std::size_t runComplexRows(const Task<R>& task, Way way) {
     RowsKernel<R>* const kernel = rowsKernelOf<R>(task.kind, task.n);
     const std::size_t blocks = task.count / parts;
     if (kernel == nullptr || blocks == 0) return 0;
-    if (way == Way::LanesAhead) {
-        runRowsAhead(kernel, task, blocks, parts);
+    if (way == Way::Prefetched) {
+        runRowsPrefetched(kernel, task, blocks, parts);
         return blocks * parts;
     }
     constexpr std::ptrdiff_t bytes = sizeof(R);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Rows that no cache holds. Lanes read and write pieces of several rows by turns; the memory, which
 // runs ahead of one row after another by itself, does not see what comes next. So such rows are
-// called for beforehand, or the single kernels take them, one after another. Included by the file
-// of each target, in its namespace, behind layout.h.
+// prefetched, or the single kernels take them, one after another. Included by the file of each
+// target, in its namespace, behind layout.h.
 
 // More bytes than this on both sides together are far: half of what the cache of the third level
 // holds on the machine of the measurements, from where on lanes begin to lose.
@@ -10,7 +10,7 @@ constexpr std::size_t kFarBytes = std::size_t{16} << 20;
 
 enum class Way : std::uint8_t {
     Lanes,       // as in the caches
-    LanesAhead,  // by the kernel for rows, the next rows being called for before each piece
+    Prefetched,  // by the kernel for rows, the next rows being prefetched before each piece
     RowByRow,    // by the single kernels
 };
 
@@ -32,8 +32,8 @@ struct FarRows {
     int shortTo;
     // At these its arithmetic does.
     Lengths heavy;
-    // From this length on the kernel for rows is ahead where its rows are called for.
-    int aheadFrom;
+    // From this length on the kernel for rows is, if its rows are prefetched.
+    int prefetchFrom;
 };
 template <class R>
 constexpr FarRows farRows(bool complex) {
@@ -75,13 +75,13 @@ template <class R>
 Way wayOf(const Task<R>& task) {
     if (!areFarRows(task)) return Way::Lanes;
     const FarRows far = farRows<R>(task.srcLayout == Layout::Complex);
-    if (task.n >= far.aheadFrom && rowsKernelOf<R>(task.kind, task.n) != nullptr)
-        return Way::LanesAhead;
+    if (task.n >= far.prefetchFrom && rowsKernelOf<R>(task.kind, task.n) != nullptr)
+        return Way::Prefetched;
     return task.n <= far.shortTo || far.heavy.has(task.n) ? Way::Lanes : Way::RowByRow;
 }
 
 template <class R>
-void callFor(const R* row, std::ptrdiff_t distance, std::size_t rows, int numbers) {
+void prefetchRows(const R* row, std::ptrdiff_t distance, std::size_t rows, int numbers) {
     constexpr int line = 64 / sizeof(R);
     for (; rows > 0; --rows, row += distance)
         for (int i = 0; i < numbers; i += line) __builtin_prefetch(row + i);
@@ -90,8 +90,8 @@ void callFor(const R* row, std::ptrdiff_t distance, std::size_t rows, int number
 // `blocks` times as many rows as the kernel takes at once, `parts`, in pieces of a few lines of the
 // cache: more of them would wait for each other.
 template <class R>
-void runRowsAhead(RowsKernel<R>* kernel, const Task<R>& task, std::size_t blocks,
-                  std::size_t parts) {
+void runRowsPrefetched(RowsKernel<R>* kernel, const Task<R>& task, std::size_t blocks,
+                       std::size_t parts) {
     constexpr std::size_t pieceBytes = 1024, size = sizeof(R);
     const int numbers = 2 * task.n;
     const std::size_t blockBytes = parts * static_cast<std::size_t>(numbers) * size;
@@ -104,8 +104,8 @@ void runRowsAhead(RowsKernel<R>* kernel, const Task<R>& task, std::size_t blocks
         const R* const nextSrc = src + rows * task.src.distance;
         R* const nextDst = dst + rows * task.dst.distance;
         const std::size_t left = blocks - now, next = left < most ? left : most;
-        callFor(nextSrc, task.src.distance, next * parts, numbers);
-        callFor<R>(nextDst, task.dst.distance, next * parts, numbers);
+        prefetchRows(nextSrc, task.src.distance, next * parts, numbers);
+        prefetchRows<R>(nextDst, task.dst.distance, next * parts, numbers);
         kernel(src, task.src.distance * static_cast<std::ptrdiff_t>(size), dst,
                task.dst.distance * static_cast<std::ptrdiff_t>(size), task.scale, now);
         src = nextSrc;
