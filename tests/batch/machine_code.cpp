@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,24 +23,6 @@ struct Complaints {
 };
 
 bool contains(std::string_view text, std::string_view part) { return text.find(part) != text.npos; }
-
-// Fused multiply-adds and approximations.
-bool isForbidden(std::string_view mnemonic) {
-    for (const char* start :
-         {"vfm", "vfnm", "vrcp", "vrsqrt", "vreduce", "rcp", "rsqrt", "vdpp", "dpp"})
-        if (mnemonic.starts_with(start)) return true;
-    return false;
-}
-
-// Registers and operands that 256-bit code without AVX-512 does not have.
-bool isOfAvx512(const std::string& operands) {
-    for (const char* mark : {"zmm", "{", "%k"})
-        if (contains(operands, mark)) return true;
-    for (std::size_t at = operands.find("mm"); at != operands.npos;
-         at = operands.find("mm", at + 2))
-        if (std::atoi(operands.c_str() + at + 2) > 15) return true;
-    return false;
-}
 
 class Reader {
   public:
@@ -68,9 +49,9 @@ class Reader {
             if (list.size() < 10) list.push_back(name_ + " " + text);
         };
         if (contains(text, "(bad)")) complain(found.unknown);
-        if (isForbidden(mnemonic)) complain(found.forbidden);
+        if (roundsOtherwise(mnemonic)) complain(found.forbidden);
         if (!isAvx2_ && !isAvx512_ && mnemonic.starts_with("v")) complain(found.wide);
-        if (isAvx2_ && isOfAvx512(operands)) complain(found.wide);
+        if (isAvx2_ && areOfAvx512(operands)) complain(found.wide);
 
         // Upper halves left full make the caller's 128-bit code slow.
         if (mnemonic == "vzeroupper") full_ = false;

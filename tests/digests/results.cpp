@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "digests/results.h"
 
-#include <xmmintrin.h>
-
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -11,23 +9,13 @@
 #include <vector>
 
 #include "digests/digest.h"
+#include "support/control_word.h"
 
 namespace orvgen::test {
 namespace {
 
 // Nearest, down, up, to zero; all exceptions masked.
 constexpr unsigned roundingModes[] = {0x1f80, 0x3f80, 0x5f80, 0x7f80};
-
-class ControlWord {
-  public:
-    explicit ControlWord(unsigned word) : old(_mm_getcsr()) { _mm_setcsr(word); }
-    ~ControlWord() { _mm_setcsr(old); }
-    ControlWord(const ControlWord&) = delete;
-    ControlWord& operator=(const ControlWord&) = delete;
-
-  private:
-    unsigned old;
-};
 
 // Where a call finds its buffers: reals behind a 64-byte boundary.
 struct Placement {

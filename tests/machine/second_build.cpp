@@ -4,7 +4,6 @@
 // once where the contract rounds twice; nothing beyond the level; and upper halves are left clear.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,23 +17,6 @@ namespace {
 using Sentences = std::vector<std::string>;
 
 bool contains(std::string_view text, std::string_view part) { return text.find(part) != text.npos; }
-
-// Fused multiply-adds, approximations, and sums within a vector, whose order is the processor's.
-bool isForbidden(std::string_view mnemonic) {
-    for (const char* start : {"vfm", "vfnm", "vrcp", "vrsqrt", "vdpp", "vhadd", "vhsub"})
-        if (mnemonic.starts_with(start)) return true;
-    return false;
-}
-
-// What 256-bit code without AVX-512 does not have.
-bool isOfAvx512(const std::string& operands) {
-    for (const char* mark : {"zmm", "{", "%k"})
-        if (contains(operands, mark)) return true;
-    for (std::size_t at = operands.find("mm"); at != operands.npos;
-         at = operands.find("mm", at + 2))
-        if (std::atoi(operands.c_str() + at + 2) > 15) return true;
-    return false;
-}
 
 // Reads a disassembly line by line and keeps, rule by rule, what breaks it.
 class Reader {
@@ -69,8 +51,8 @@ class Reader {
         vectors += vector;
         if (contains(text, "(bad)")) complain(unknown);
         if (vector && !mnemonic.starts_with("v")) complain(legacy);
-        if (isForbidden(mnemonic)) complain(forbidden);
-        if (isOfAvx512(operands)) complain(beyond);
+        if (roundsOtherwise(mnemonic)) complain(forbidden);
+        if (areOfAvx512(operands)) complain(beyond);
 
         // Straight through, since a gate's early returns stand in front of the body or behind it.
         if (mnemonic == "vzeroupper" || mnemonic == "vzeroall") full_ = false;

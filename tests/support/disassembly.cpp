@@ -2,6 +2,7 @@
 #include "support/disassembly.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <stdexcept>
 
 namespace orvgen::test {
@@ -18,6 +19,22 @@ std::vector<std::string> disassembly(const std::string& file) {
     }
     if (pclose(code) != 0) throw std::runtime_error("objdump failed");
     return lines;
+}
+
+bool roundsOtherwise(std::string_view mnemonic) {
+    for (const char* start : {"vfm", "vfnm", "vrcp", "vrsqrt", "vreduce", "rcp", "rsqrt", "vdpp",
+                              "dpp", "vhadd", "vhsub", "hadd", "hsub"})
+        if (mnemonic.starts_with(start)) return true;
+    return false;
+}
+
+bool areOfAvx512(const std::string& operands) {
+    for (const char* mark : {"zmm", "{", "%k"})
+        if (operands.find(mark) != operands.npos) return true;
+    for (std::size_t at = operands.find("mm"); at != operands.npos;
+         at = operands.find("mm", at + 2))
+        if (std::atoi(operands.c_str() + at + 2) > 15) return true;
+    return false;
 }
 
 }  // namespace orvgen::test

@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <type_traits>
 
+#include "support/control_word.h"
 #include "support/guarded.h"
 
 namespace orvgen::test {
@@ -30,17 +31,6 @@ constexpr Mode modes[] = {{"nearest", 0x1f80},
                           {"up", 0x5f80},
                           {"to zero", 0x7f80},
                           {"flushing denormals", 0x9fc0}};
-
-class ControlWord {
-  public:
-    explicit ControlWord(unsigned word) : old(_mm_getcsr()) { _mm_setcsr(word); }
-    ~ControlWord() { _mm_setcsr(old); }
-    ControlWord(const ControlWord&) = delete;
-    ControlWord& operator=(const ControlWord&) = delete;
-
-  private:
-    unsigned old;
-};
 
 template <class Real>
 using BitsOf = std::conditional_t<sizeof(Real) == 4, std::uint32_t, std::uint64_t>;
