@@ -18,6 +18,8 @@ namespace orvgen::batch::avx512 {
 #include "batch/layout.h"
 #include "batch/far_rows.h"
 #include "batch/blocks.h"
+#include "batch/forms.h"
+#include "batch/tiles.h"
 #include "batch/pairs.h"
 #include "batch/lane_transforms.h"
 // clang-format on

@@ -3,47 +3,20 @@
 // where they are, and complex elements anywhere, which are brought side by side first. Included by
 // the file of each target, in its namespace, behind layout.h.
 
-// What of two arrays a kernel takes at once, and how far apart it finds it.
-template <class R>
-struct PairsForm {
-    static constexpr int vectorBytes = Vectors<R>::lanes * sizeof(R);
-
-    BlockKernel<R>* kernel;
-    int width, shift;         // transforms of a block, and their binary logarithm
-    std::ptrdiff_t src, dst;  // bytes of one element of a block
-};
-
-template <class R>
-bool isSideBySide(const Array<R>& a, Layout layout) {
-    if (layout == Layout::Real) return a.distance == 1;
-    return isPairs(layout) && a.distance == (a.isInterleaved() ? 2 : 1);
-}
-template <class R>
-bool isPairsArray(const Array<R>& a, Layout layout) {
-    return isPairs(layout) && a.isInterleaved();
-}
-
-template <class R>
-PairsForm<R> pairsFormOf(const Task<R>& task) {
-    constexpr int lanes = Vectors<R>::lanes, bytes = PairsForm<R>::vectorBytes;
-    constexpr int shift = std::countr_zero(unsigned{lanes});
-    const bool src = isPairsArray(task.src, task.srcLayout);
-    const bool dst = isPairsArray(task.dst, task.dstLayout);
-    if (!src && !dst) return {kernelOf<R>(task.kind, task.n), lanes, shift, bytes, bytes};
-    BlockKernel<R>* const kernel = pairsKernelOf<R>(task.kind, task.n);
-    // In binary64 one complex element fills 16 bytes, which are the same transform's.
-    if (src && dst && sizeof(R) == 8) return {kernel, lanes / 2, shift - 1, bytes, bytes};
-    return {kernel, lanes, shift, src ? 2 * bytes : bytes, dst ? 2 * bytes : bytes};
-}
-
 // Transforms side by side on both sides: whole blocks, all by one call. Returns how many are done.
 template <class R>
 [[gnu::always_inline]] inline std::size_t runSideBySide(const Task<R>& task) {
     if (!isSideBySide(task.src, task.srcLayout) || !isSideBySide(task.dst, task.dstLayout))
         return 0;
+    // Parts apart on one side only, which the functions for split arrays allow.
+    if (isComplex(task.kind) && task.src.isInterleaved() != task.dst.isInterleaved()) return 0;
     const PairsForm<R> form = pairsFormOf(task);
     const std::size_t blocks = task.count >> form.shift;
     if (blocks == 0) return 0;
+    if (blocks > 1 && isCrowded(task)) {
+        Tiles<R>(task, form).run(blocks);
+        return blocks << form.shift;
+    }
     constexpr std::ptrdiff_t bytes = sizeof(R);
     const auto second = [](auto* re, auto* im) {
         return im == re + 1 ? re + Vectors<R>::lanes : im;
