@@ -90,12 +90,15 @@ TYPED_TEST(BatchContract, PointersComeBeforeTheFlag) {
                             src.plane[p] = nullptr;
                         else
                             dst.plane[p] = nullptr;
-                        EXPECT_EQ(family.batch(src, dst, number, 1, flag), orvErrNullPtr);
+                        // A few may be left to the single functions, more are not.
+                        for (const std::size_t count : {1U, 100U})
+                            EXPECT_EQ(family.batch(src, dst, number, count, flag), orvErrNullPtr);
                     }
             if (!family.scaled) continue;
             for (const std::int32_t flag : badFlags)
-                EXPECT_EQ(family.batch(room->from(100), room->to(100), number, 1, flag),
-                          orvErrFlag);
+                for (const std::size_t count : {1U, 100U})
+                    EXPECT_EQ(family.batch(room->from(100), room->to(100), number, count, flag),
+                              orvErrFlag);
         }
     }
     EXPECT_TRUE(room->isUntouched());
