@@ -48,7 +48,9 @@ left=$(find / -xdev \( -path /root -o -path /proc -o -path /sys -o -path /tmp \)
     \( -name '*orvgen*' -o -name '*orvcore*' \) -print)
 [ -z "$left" ] || { echo "left behind: $left"; exit 1; }
 INSIDE
-mmdebstrap --quiet --variant=apt --include=autopkgtest --format=null \
+# Bare of this one's environment, too, but for the way to the mirror.
+env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LANG=C.UTF-8 ${http_proxy:+http_proxy="$http_proxy"} ${https_proxy:+https_proxy="$https_proxy"} \
+    mmdebstrap --quiet --variant=apt --include=autopkgtest --format=null \
     --customize-hook="copy-in $folder/packages $folder/orvgen $folder/inside /root" \
     --chrooted-customize-hook="sh /root/inside" "$release"
 echo "installed, tried and removed in a bare tree"
