@@ -164,6 +164,15 @@ std::string secondBuild() {
     return runs ? ORVGEN_SECOND_BUILD : "";
 }
 
+PortTable portsOf(const std::string& table) {
+    if (table.empty()) return PortTable::detected();
+    try {
+        return PortTable::read(table);
+    } catch (const std::runtime_error& e) {
+        throw BadInput(std::string("--ports: ") + e.what());
+    }
+}
+
 int run(const Options& options) {
     Effort effort;
     if (options.quick) {
@@ -175,8 +184,7 @@ int run(const Options& options) {
     const Measurement measure(effort);
     if (options.dirtyUppers && !__builtin_cpu_supports("avx"))
         throw std::runtime_error("this processor has no AVX");
-    const PortTable ports =
-        options.ports.empty() ? PortTable::detected() : PortTable::read(options.ports);
+    const PortTable ports = portsOf(options.ports);
     const test::MachineCode code(ORVGEN_LIBRARY_FILE);
 
     Fftw installed;
@@ -207,6 +215,7 @@ int run(const Options& options) {
 
     const Build first(ORVGEN_LIBRARY_FILE, effort.copies, options);
     const std::vector<Subject>& subjects = first.versions.front();
+    makeFolder(options.out);
     // In the build tree it finds no core library, and takes the first one's.
     std::optional<Build> second;
     if (const std::string file = secondBuild(); !file.empty()) {

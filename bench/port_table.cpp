@@ -4,7 +4,9 @@
 #include <cpuid.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
+#include <set>
 #include <sstream>
 #include <stdexcept>
 
@@ -32,13 +34,24 @@ Core thisCore() {
     return core;
 }
 
+// Those that come with the project, in order.
+std::string tables() {
+    std::set<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(ORVGEN_PORT_TABLES))
+        names.insert(entry.path().stem().string());
+    std::string text;
+    for (const std::string& name : names) text += " " + name;
+    return text;
+}
+
 }  // namespace
 
 PortTable PortTable::read(const std::string& name) {
     const std::string known = std::string(ORVGEN_PORT_TABLES) + "/" + name + ".csv";
     const std::string path = std::filesystem::exists(known) ? known : name;
     std::ifstream in(path);
-    if (!in) throw std::runtime_error("no port table " + name);
+    if (!in || std::filesystem::is_directory(path))
+        throw std::runtime_error("no port table " + name + "; there are" + tables());
     PortTable table;
     table.tableName = std::filesystem::path(path).stem().string();
     bool header = true;

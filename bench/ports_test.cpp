@@ -33,7 +33,13 @@ TEST(PortTable, EveryTableNamesEveryClass) {
 }
 
 TEST(PortTable, ThrowsAtWhatItCannotRead) {
-    EXPECT_THROW(PortTable::read("no-such-core"), std::runtime_error);
+    try {
+        PortTable::read("no-such-core");
+        ADD_FAILURE();
+    } catch (const std::runtime_error& e) {
+        EXPECT_STREQ(e.what(), "no port table no-such-core; there are golden-cove zen5");
+    }
+    EXPECT_THROW(PortTable::read("."), std::runtime_error);
     const auto file = std::filesystem::temp_directory_path() / "orvgen-ports-test.csv";
     std::ofstream(file) << "classes,per_cycle\nadd,0\n";
     EXPECT_THROW(PortTable::read(file.string()), std::runtime_error);

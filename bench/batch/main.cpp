@@ -353,6 +353,7 @@ int run(Arguments& a) {
     if (areAllLengths)
         for (const int n : kLengths) a.lengths.push_back(n);
     (void)lengthsOf(*kFamilies32.front().info, a);  // before anything is said
+    makeFolder(a.folder);
     warnOfWhatElseRuns("bench_batch");
     Fftw32::limit(a.planSeconds);
     Fftw64::limit(a.planSeconds);

@@ -154,7 +154,10 @@ def main():
     if load >= 0.5 * os.cpu_count():
         print(f"bench_python: WARNING: the machine is busy (load {load:.1f} on {os.cpu_count()} cores); "
               "the times are too long", file=sys.stderr)
-    options.out.mkdir(parents=True, exist_ok=True)
+    try:
+        options.out.mkdir(parents=True, exist_ok=True)
+    except OSError as error:
+        parser.error(f"--out: {options.out}: cannot be a folder: {error.strerror}")
     turns, seconds, less = (2, 0.001, 100) if options.quick else (9, 0.02, 1)
 
     w = orvgen.which()

@@ -52,6 +52,12 @@ CLI::Validator oneOf(const std::vector<std::string>& words) {
     return CLI::Validator(check, "");
 }
 
+void makeFolder(const std::filesystem::path& folder) {
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error) throw BadInput(folder.string() + ": cannot be a folder: " + error.message());
+}
+
 int runProgram(const char* name, const char* description, int argc, char** argv,
                const std::function<void(CLI::App&)>& declare, const std::function<int()>& body) {
     const auto failed = [&](const std::string& what, int status) {

@@ -9,6 +9,7 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <stdexcept>
 #include <string>
@@ -26,6 +27,10 @@ CLI::Validator within(double least, double most);
 CLI::Validator wholeWithin(std::int64_t least, std::int64_t most);
 // One of these words.
 CLI::Validator oneOf(const std::vector<std::string>& words);
+
+// Makes the folder that results go to, before there are any. Throws BadInput where it cannot be
+// one.
+void makeFolder(const std::filesystem::path& folder);
 
 // Declares and reads the arguments and runs the body. The exit status: the body's; 0 after --help;
 // 2, with one line on stderr, for wrong arguments and bad input; 1, with one line too, for what
