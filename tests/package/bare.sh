@@ -44,7 +44,8 @@ esac
 
 echo "all gone"
 dpkg --purge liborvcorexwide6.1 liborvgenbatch1 liborvgen-dev liborvgenm7-6.1 orvgen-doc python3-orvgen >/dev/null
-left=$(find / -xdev \( -path /root -o -path /proc -o -path /sys -o -path /tmp \) -prune -o \
+# What man has formatted is in its own cache.
+left=$(find / -xdev \( -path /root -o -path /proc -o -path /sys -o -path /tmp -o -path /var/cache/man \) -prune -o \
     \( -name '*orvgen*' -o -name '*orvcore*' \) -print)
 [ -z "$left" ] || { echo "left behind: $left"; exit 1; }
 INSIDE
