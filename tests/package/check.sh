@@ -168,7 +168,7 @@ case $name in
         plan_batch AVX2 "avx2 kernels-avx2 "
         plan_batch AVX512 "avx512 kernels-avx512 "
         plan_batch "" ""
-        ! "$cmake" -B "$folder/build" -DORVGEN_WIDE_TARGETS=avx2 >"$folder/log" 2>&1 || fail "avx2 is accepted"
+        ! "$cmake" -S "$source" -B "$folder/build" -DORVGEN_WIDE_TARGETS=avx2 >"$folder/log" 2>&1 || fail "avx2 is accepted"
         grep -q "ORVGEN_WIDE_TARGETS: avx2 is neither" "$folder/log" || fail "$(cat "$folder/log")"
         ;;
 
