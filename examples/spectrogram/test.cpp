@@ -56,7 +56,7 @@ TEST(Spectrum, ASineBetweenTwoBinsLeaksAsThroughHannsWindow) {
 
 // At both ends of the band, where a sine's two frequencies fall together, too.
 TEST(Spectrum, NoSineOfFullScaleIsLouderThan0Decibels) {
-    for (const double hz : {1.0, 20.0, 0.3 * binHz, rate / 2 - 0.3 * binHz, rate / 2 - 1.0}) {
+    for (const double hz : {1.0, 20.0, 0.3 * binHz, rate / 2.0 - 0.3 * binHz, rate / 2.0 - 1.0}) {
         const Spectrogram s = spectrogramOf({sine(rate, 20000, hz)});
         EXPECT_LE(s.loudest().db, 0.01) << hz;
         EXPECT_GT(s.loudest().db, -1.5) << hz;

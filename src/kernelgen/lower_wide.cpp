@@ -107,7 +107,8 @@ class WideLowering {
             (o.slot < kImaginarySlots ? pair.re : pair.im) = operand(o.value, 0);
             pair.stage = o.stage;
         }
-        for (const auto& [element, pair] : pairs) {
+        for (const auto& [element, values] : pairs) {
+            const Pair& pair = values;
             // The half spectrum's imaginary parts that are always zero.
             const Register im =
                 pair.im != kNoRegister ? pair.im : push(instruction(Opcode::Zero, pair.stage));
