@@ -5,6 +5,7 @@
 #pragma once
 
 #include <array>
+#include <string_view>
 #include <vector>
 
 #include "frame/kernel_family.h"
@@ -62,6 +63,19 @@ kernelgen::Kernel streamingLaneKernel(const kernelgen::KernelName& name);
 kernelgen::Kernel zeroFirstKernel(const kernelgen::KernelName& name,
                                   kernelgen::Arithmetic arithmetic);
 
+// The row of both families of crowded lanes.
+constexpr FamilyInfo crowdedInLanes(std::string_view name) {
+    return {.name = name,
+            .element = "32fc",
+            .src = Layout::Complex,
+            .dst = Layout::Complex,
+            .precision = Precision::Single,
+            .numbers = {.first = 2 * kLaneCrowd, .last = 2 * kLaneCrowd},
+            .scale = ScaleRule::ForwardByN,
+            .alignment = {.twinFrom = 2 * kLaneCrowd},
+            .readsAllFirst = true};
+}
+
 inline constexpr FamilyInfo kSmallFamilies[] = {
     {.name = "Small",
      .element = "32f",
@@ -102,24 +116,8 @@ inline constexpr FamilyInfo kSmallFamilies[] = {
      .scale = ScaleRule::ForwardByN,
      .alignment = {.twinFrom = 8},
      .readsAllFirst = true},
-    {.name = "Crowded",
-     .element = "32fc",
-     .src = Layout::Complex,
-     .dst = Layout::Complex,
-     .precision = Precision::Single,
-     .numbers = {.first = 2 * kLaneCrowd, .last = 2 * kLaneCrowd},
-     .scale = ScaleRule::ForwardByN,
-     .alignment = {.twinFrom = 2 * kLaneCrowd},
-     .readsAllFirst = true},
-    {.name = "Streaming",
-     .element = "32fc",
-     .src = Layout::Complex,
-     .dst = Layout::Complex,
-     .precision = Precision::Single,
-     .numbers = {.first = 2 * kLaneCrowd, .last = 2 * kLaneCrowd},
-     .scale = ScaleRule::ForwardByN,
-     .alignment = {.twinFrom = 2 * kLaneCrowd},
-     .readsAllFirst = true},
+    crowdedInLanes("Crowded"),
+    crowdedInLanes("Streaming"),
 };
 
 inline kernelgen::Kernel smallKernel(const FamilyInfo& family, int number) {

@@ -24,7 +24,7 @@ set -eu
 cd /root
 autopkgtest packages/*.deb orvgen/ -- null
 
-echo "the real core library, and the stand-in's end"
+echo "a core library takes the stand-in's place"
 export DEBIAN_FRONTEND=noninteractive
 install="apt-get -qq -o Dpkg::Use-Pty=0 install -y --no-install-recommends"
 $install ./packages/*.deb >/dev/null
