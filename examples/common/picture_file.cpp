@@ -13,7 +13,7 @@
 #include <memory>
 #include <stdexcept>
 
-#include "program.h"
+#include "bad_input.h"
 
 namespace {
 

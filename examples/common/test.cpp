@@ -8,7 +8,6 @@
 #include "columns.h"
 #include "painter.h"
 #include "picture_file.h"
-#include "program.h"
 #include "recording.h"
 #include "test_files.h"
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "program.h"
+#include "bad_input.h"
 
 Rotation::Rotation(int size) {
     const auto shape = orvgen::rotation::shapeOf(size);

@@ -7,7 +7,7 @@
 #include <numbers>
 
 #include "../common/recording.h"
-#include "program.h"
+#include "bad_input.h"
 
 namespace {
 

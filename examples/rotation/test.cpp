@@ -9,7 +9,7 @@
 #include <numbers>
 #include <random>
 
-#include "program.h"
+#include "bad_input.h"
 #include "recall.h"
 #include "rotation.h"
 

@@ -10,7 +10,7 @@
 #include <numbers>
 
 #include "../common/columns.h"
-#include "program.h"
+#include "bad_input.h"
 #include "resampler.h"
 
 namespace {

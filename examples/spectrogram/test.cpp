@@ -6,8 +6,8 @@
 #include <cmath>
 
 #include "../common/test_files.h"
+#include "bad_input.h"
 #include "picture.h"
-#include "program.h"
 #include "spectrum.h"
 
 namespace {

@@ -11,15 +11,10 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
-// What is wrong with the arguments or with what they name, in one line for the user.
-class BadInput : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
+#include "bad_input.h"
 
 // A number between the limits; CLI::Range would let a NaN pass.
 CLI::Validator within(double least, double most);
