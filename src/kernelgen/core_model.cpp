@@ -5,7 +5,6 @@
 #include <array>
 #include <bit>
 #include <map>
-#include <set>
 
 namespace orvgen::kernelgen {
 
@@ -82,7 +81,7 @@ class Core {
     int dispatch() {
         if (++inCycle_ > model_.width) nextCycle(cycle_ + 1);
         leave();
-        while (waiting_.size() >= model_.scheduler) nextCycle(*waiting_.begin());
+        while (waiting_ >= model_.scheduler) nextCycle(nextIssue());
         return cycle_;
     }
     void nextCycle(int cycle) {
@@ -90,7 +89,20 @@ class Core {
         inCycle_ = 1;
         leave();
     }
-    void leave() { waiting_.erase(waiting_.begin(), waiting_.upper_bound(cycle_)); }
+    // An instruction waits from its dispatch to the cycle in which it issues.
+    void wait(int issue) {
+        if (issue <= left_) return;
+        ++entry(issuing_, issue);
+        ++waiting_;
+    }
+    void leave() {
+        while (left_ < cycle_) waiting_ -= entry(issuing_, ++left_);
+    }
+    int nextIssue() {
+        int cycle = left_ + 1;
+        while (entry(issuing_, cycle) == 0) ++cycle;
+        return cycle;
+    }
 
     template <class T>
     static T& entry(std::vector<T>& units, int cycle) {
@@ -132,7 +144,7 @@ class Core {
         if (w.stores > 0) {
             int c = ready;
             for (int i = 0; i < w.stores; ++i) c = takeSlot(stores_, model_.storePorts, ready);
-            waiting_.insert(c);
+            wait(c);
             if (inFrame) slots_[m.address.offset] = c + model_.forwardLatency;
             finish_ = std::max(finish_, c + 1);
             return;
@@ -149,7 +161,7 @@ class Core {
         const UnitModel& unit = unitOf(model_, w.unit, m.width);
         int issue = ready;
         for (int u = 0; u < w.operations; ++u) issue = takePort(unit.ports, issue);
-        if (w.operations > 0 || w.loads > 0) waiting_.insert(issue);
+        if (w.operations > 0 || w.loads > 0) wait(issue);
         const int done = issue + (w.operations > 0 ? unit.latency : 0);
         if (m.dst >= 0) registers_[static_cast<std::size_t>(m.dst)] = done;
         finish_ = std::max(finish_, done);
@@ -161,7 +173,9 @@ class Core {
     std::map<int, int> slots_;
     std::vector<unsigned> vector_;  // ports taken, by cycle
     std::vector<int> loads_, stores_;
-    std::multiset<int> waiting_;  // cycles in which dispatched instructions issue
+    std::vector<int> issuing_;  // dispatched instructions by the cycle in which they issue
+    int waiting_ = 0;           // those of them that issue after left_
+    int left_ = -1;             // the cycle up to which they have left
     int cycle_ = 0;
     int inCycle_ = 0;
     int finish_ = 0;

@@ -18,8 +18,8 @@ struct Units {
 };
 
 struct CoreModel {
-    int width;              // instructions a cycle
-    std::size_t scheduler;  // instructions that wait for operands
+    int width;      // instructions a cycle
+    int scheduler;  // instructions that wait for operands
     int loadPorts, storePorts;
     int loadLatency, forwardLatency;
     Units units;
