@@ -11,8 +11,10 @@
 #include <random>
 #include <set>
 #include <string>
+#include <type_traits>
 
 #include "batch/families.h"
+#include "support/dct4_functions.h"
 
 namespace orvgen::test::batch {
 namespace {
@@ -165,36 +167,23 @@ TEST(StatusText, TellsStatusesApart) {
 
 // DCT-IV of 64 points and more: through a plan.
 template <class R>
-struct Dct4;
-template <>
-struct Dct4<float> {
-    using Spec = OrvDCT4Spec_32f;
-    static constexpr auto batch = orvgBatchDCT4_32f;
-    static constexpr auto single = orvgDCT4_32f;
-    static constexpr auto getSize = orvgDCT4GetSize_32f;
-    static constexpr auto init = orvgDCT4Init_32f;
-    static constexpr std::int32_t largest = ORVGEN_DCT4_MAX_LENGTH_32f;
-};
-template <>
-struct Dct4<double> {
-    using Spec = OrvDCT4Spec_64f;
-    static constexpr auto batch = orvgBatchDCT4_64f;
-    static constexpr auto single = orvgDCT4_64f;
-    static constexpr auto getSize = orvgDCT4GetSize_64f;
-    static constexpr auto init = orvgDCT4Init_64f;
-    static constexpr std::int32_t largest = ORVGEN_DCT4_MAX_LENGTH_64f;
-};
+constexpr auto batchOf = [] {
+    if constexpr (std::is_same_v<R, float>)
+        return orvgBatchDCT4_32f;
+    else
+        return orvgBatchDCT4_64f;
+}();
 
 template <class R>
 struct Plan {
     explicit Plan(std::int32_t n) {
         std::int32_t size = 0;
-        EXPECT_EQ(Dct4<R>::getSize(n, &size), orvOk);
+        EXPECT_EQ(Dct4Functions<R>::getSize(n, &size), orvOk);
         block.resize(static_cast<std::size_t>(size));
-        EXPECT_EQ(Dct4<R>::init(&spec, n, block.data()), orvOk);
+        EXPECT_EQ(Dct4Functions<R>::init(&spec, n, block.data()), orvOk);
     }
     std::vector<std::uint8_t> block;
-    typename Dct4<R>::Spec* spec = nullptr;
+    typename Dct4Functions<R>::Spec* spec = nullptr;
 };
 
 template <class R>
@@ -213,14 +202,15 @@ TYPED_TEST(Plans, GiveTheBitsOfSingleRuns) {
         std::vector<R> x(count * (size + 3)), y(x.size(), -7), expected(x.size(), -7);
         for (R& value : x) value = uniform(random);
         for (std::size_t t = 0; t < count; ++t)
-            ASSERT_EQ(Dct4<R>::single(&x[t * (size + 3)], &expected[t * (size + 3)], plan.spec),
-                      orvOk);
-        ASSERT_EQ(Dct4<R>::batch(x.data(), 1, gap, y.data(), 1, gap, n, plan.spec, count), orvOk);
+            ASSERT_EQ(
+                Dct4Functions<R>::run(&x[t * (size + 3)], &expected[t * (size + 3)], plan.spec),
+                orvOk);
+        ASSERT_EQ(batchOf<R>(x.data(), 1, gap, y.data(), 1, gap, n, plan.spec, count), orvOk);
         EXPECT_EQ(std::memcmp(y.data(), expected.data(), y.size() * sizeof(R)), 0) << n;
         // Backwards, from the last transform.
         std::fill(y.begin(), y.end(), R{-7});
         const std::size_t last = (count - 1) * (size + 3);
-        ASSERT_EQ(Dct4<R>::batch(&x[last], 1, -gap, &y[last], 1, -gap, n, plan.spec, count), orvOk);
+        ASSERT_EQ(batchOf<R>(&x[last], 1, -gap, &y[last], 1, -gap, n, plan.spec, count), orvOk);
         EXPECT_EQ(std::memcmp(y.data(), expected.data(), y.size() * sizeof(R)), 0) << n;
     }
 }
@@ -230,8 +220,8 @@ TYPED_TEST(Plans, ShortLengthsDoNotLookAtThem) {
     std::array<R, 32> x = {1}, y = {}, z = {};
     Plan<R> other(64);
     for (const std::int32_t n : {2, 4, 8, 16, 32}) {
-        EXPECT_EQ(Dct4<R>::batch(x.data(), 1, 0, y.data(), 1, 0, n, nullptr, 1), orvOk);
-        EXPECT_EQ(Dct4<R>::batch(x.data(), 1, 0, z.data(), 1, 0, n, other.spec, 1), orvOk);
+        EXPECT_EQ(batchOf<R>(x.data(), 1, 0, y.data(), 1, 0, n, nullptr, 1), orvOk);
+        EXPECT_EQ(batchOf<R>(x.data(), 1, 0, z.data(), 1, 0, n, other.spec, 1), orvOk);
         EXPECT_EQ(y, z) << n;
         EXPECT_NE(y[0], 0) << n;
     }
@@ -245,9 +235,9 @@ TYPED_TEST(Plans, RefuseWhatTheyCannotRun) {
     Plan<R> plan(64), other(128);
     const auto run = [&](const R* src, std::ptrdiff_t srcStride, R* dst, std::ptrdiff_t dstStride,
                          std::int32_t n, auto* spec, std::size_t count) {
-        return Dct4<R>::batch(src, srcStride, 64, dst, dstStride, 64, n, spec, count);
+        return batchOf<R>(src, srcStride, 64, dst, dstStride, 64, n, spec, count);
     };
-    for (const std::int32_t n : {0, 1, 3, 33, 63, 65, 96, 129, -64, 2 * Dct4<R>::largest,
+    for (const std::int32_t n : {0, 1, 3, 33, 63, 65, 96, 129, -64, 2 * Dct4Functions<R>::longest,
                                  std::numeric_limits<std::int32_t>::min()}) {
         EXPECT_EQ(run(x.data(), 1, y.data(), 1, n, plan.spec, 1), orvErrSize) << n;
         EXPECT_EQ(run(nullptr, 1, nullptr, 1, n, plan.spec, 0), orvErrSize) << n;

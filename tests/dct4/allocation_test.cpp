@@ -8,7 +8,7 @@
 #include <cstring>
 #include <vector>
 
-#include "dct4/exported.h"
+#include "support/dct4_functions.h"
 
 namespace {
 
@@ -46,7 +46,7 @@ namespace {
 template <class Real>
 class Dct4AllocationTest : public testing::Test {
   protected:
-    using Exported = ExportedOf<Real>;
+    using Exported = Dct4Functions<Real>;
     using Spec = typename Exported::Spec;
     Dct4AllocationTest() { allocator = {}; }
 };

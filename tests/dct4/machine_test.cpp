@@ -118,7 +118,8 @@ TEST(Dct4PackedKernels, HaveTheListedOperationsInOneLoop) {
 TEST(Dct4PackedKernels, ReachTheArraysElementByElement) {
     for (const FamilyCode& family : families) {
         const long lanes = family.suffix == std::string("_32f") ? 4 : 2;
-        const auto singles = [&](const Function& function, bool store) {
+        enum class Way { Loads, Stores };
+        const auto singles = [&](const Function& function, Way way) {
             long count = 0;
             for (const Instruction& instruction : function.instructions) {
                 const Operand* memory = instruction.memory();
@@ -126,24 +127,24 @@ TEST(Dct4PackedKernels, ReachTheArraysElementByElement) {
                     continue;
                 }
                 if (memory->base == 16) continue;  // constants
-                count += store ? instruction.stores() : instruction.loads();
+                count += way == Way::Stores ? instruction.stores() : instruction.loads();
             }
             return count;
         };
         for (const DataRow& row : dataTable("dct4/odd_frequency").rows()) {
             const Function& loop = kernelLoop(family, "oddFrequencyLoop", row.integer("n"));
-            EXPECT_EQ(singles(loop, false), lanes * row.integer("loads"));
-            EXPECT_EQ(singles(loop, true), 0);
+            EXPECT_EQ(singles(loop, Way::Loads), lanes * row.integer("loads"));
+            EXPECT_EQ(singles(loop, Way::Stores), 0);
         }
         for (const DataRow& row : dataTable("dct4/stage_two").rows()) {
             const Function& loop = kernelLoop(family, "stageTwoLoop", row.integer("r"));
-            EXPECT_EQ(singles(loop, false), lanes * row.integer("elements"));
-            EXPECT_EQ(singles(loop, true), lanes * row.integer("elements"));
+            EXPECT_EQ(singles(loop, Way::Loads), lanes * row.integer("elements"));
+            EXPECT_EQ(singles(loop, Way::Stores), lanes * row.integer("elements"));
         }
         for (const DataRow& row : dataTable("dct4/joins").rows()) {
             const Function& loop = kernelLoop(family, "joinLoop", row.integer("r"));
-            EXPECT_EQ(singles(loop, false), 0);
-            EXPECT_EQ(singles(loop, true), 0);
+            EXPECT_EQ(singles(loop, Way::Loads), 0);
+            EXPECT_EQ(singles(loop, Way::Stores), 0);
         }
     }
 }

@@ -14,18 +14,18 @@
 #include <vector>
 
 #include "dct4/elements.h"
-#include "dct4/exported.h"
 #include "dct4/family32f.h"
 #include "dct4/family64f.h"
 #include "dct4/radix.h"
 #include "support/data_table.h"
+#include "support/dct4_functions.h"
 
 namespace orvgen::test::dct4 {
 
 using namespace orvgen::dct4;
 
 using Real = ORVGEN_DCT4_REAL;
-using Exported = ExportedOf<Real>;
+using Exported = Dct4Functions<Real>;
 using Spec = Exported::Spec;
 using Env1 = orvgen::dct4::Env1<Real>;
 using Env2 = orvgen::dct4::Env2<Real>;

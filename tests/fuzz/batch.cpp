@@ -4,19 +4,27 @@
 
 #include <set>
 
+#include "frame/families.h"
 #include "fuzz/memory.h"
 
 namespace orvgen::test::fuzz {
 namespace {
 
-// What families have in common; elements of src and dst may be bins of a CCS spectrum.
 struct Family {
-    bool order, srcBins, dstBins;
-    std::size_t srcElement, dstElement, real;
+    const FamilyInfo* info;
+    std::size_t srcElement, dstElement;  // bytes
     OrvStatus (*single)(const void* src, void* dst, std::int32_t number, std::int32_t flag);
     OrvStatus (*batch)(const void* src, std::ptrdiff_t ss, std::ptrdiff_t sd, void* dst,
                        std::ptrdiff_t ds, std::ptrdiff_t dd, std::int32_t number, std::size_t count,
                        std::int32_t flag);
+
+    std::size_t realBytes() const { return static_cast<std::size_t>(info->realBytes()); }
+    std::size_t srcElements(int number) const {
+        return static_cast<std::size_t>(info->srcReals(number)) * realBytes() / srcElement;
+    }
+    std::size_t dstElements(int number) const {
+        return static_cast<std::size_t>(info->dstReals(number)) * realBytes() / dstElement;
+    }
 };
 
 #define BATCH_CALL(NAME, T, S, D)                                                                  \
@@ -25,30 +33,28 @@ struct Family {
         return orvgBatch##NAME##_##T(static_cast<const S*>(x), ss, sd, static_cast<D*>(y), ds, dd, \
                                      number, count, flag);                                         \
     }
-#define LENGTHS(NAME, T, S, D)                                                                     \
-    {false,                                                                                        \
-     sizeof(S) > sizeof(Orv##T),                                                                   \
-     sizeof(D) > sizeof(Orv##T),                                                                   \
-     sizeof(S),                                                                                    \
-     sizeof(D),                                                                                    \
-     (#T)[0] == '3' ? 4 : 8,                                                                       \
-     [](const void* x, void* y, std::int32_t n, std::int32_t flag) {                               \
-         return orvg##NAME##_##T(static_cast<const Orv##T*>(x), static_cast<Orv##T*>(y), n, flag); \
-     },                                                                                            \
-     BATCH_CALL(NAME, T, S, D)},
-#define ORDERS(T)                                                                            \
-    {true,                                                                                   \
-     false,                                                                                  \
-     false,                                                                                  \
-     sizeof(Orv##T),                                                                         \
-     sizeof(Orv##T),                                                                         \
-     sizeof(Orv##T),                                                                         \
-     [](const void* x, void* y, std::int32_t k, std::int32_t flag) {                         \
-         return orvgWHT_##T(static_cast<const Orv##T*>(x), static_cast<Orv##T*>(y), k, flag, \
-                            nullptr);                                                        \
-     },                                                                                      \
-     BATCH_CALL(WHT, T, Orv##T, Orv##T)},
-const Family families[] = {ORVGEN_BATCH_LENGTH_FAMILIES(LENGTHS) ORDERS(32f) ORDERS(64f)};
+#define LENGTHS(NAME, T, S, D)                                                                  \
+    {.info = &familyOf(#NAME, #T),                                                              \
+     .srcElement = sizeof(S),                                                                   \
+     .dstElement = sizeof(D),                                                                   \
+     .single =                                                                                  \
+         [](const void* x, void* y, std::int32_t n, std::int32_t flag) {                        \
+             return orvg##NAME##_##T(static_cast<const Orv##T*>(x), static_cast<Orv##T*>(y), n, \
+                                     flag);                                                     \
+         },                                                                                     \
+     .batch = BATCH_CALL(NAME, T, S, D)},
+#define ORDERS(NAME, T, LIST)                                                                   \
+    {.info = &familyOf(#NAME, #T),                                                              \
+     .srcElement = sizeof(Orv##T),                                                              \
+     .dstElement = sizeof(Orv##T),                                                              \
+     .single =                                                                                  \
+         [](const void* x, void* y, std::int32_t k, std::int32_t flag) {                        \
+             return orvg##NAME##_##T(static_cast<const Orv##T*>(x), static_cast<Orv##T*>(y), k, \
+                                     flag, nullptr);                                            \
+         },                                                                                     \
+     .batch = BATCH_CALL(NAME, T, Orv##T, Orv##T)},
+const Family families[] = {ORVGEN_BATCH_LENGTH_FAMILIES(LENGTHS) ORVGEN_ORDER_FAMILIES(ORDERS)};
+constexpr int kLongestOrder = 7;  // of those that are run
 
 // Equal bits, but for the payloads of NaN.
 template <class R>
@@ -84,75 +90,106 @@ struct Places {
     }
 };
 
+// What the input asks for.
+struct Call {
+    const Family& family;
+    std::int32_t number, flag = 0;
+    bool noSrc = false, noDst = false;
+    std::size_t count = 0;
+
+    explicit Call(Input& input)
+        : family(families[input.ConsumeIntegralInRange<std::size_t>(0, std::size(families) - 1)]) {
+        static_cast<void>(orvgBatchUse(input.PickValueInArray({0U, 1U, 2U, 4U})));
+        const Numbers& numbers = family.info->numbers;
+        const int last = family.info->byOrder ? kLongestOrder : numbers.last;
+        const bool anyNumber = input.ConsumeIntegralInRange(0, 7) == 0;
+        number = anyNumber ? input.ConsumeIntegral<std::int32_t>()
+                           : input.ConsumeIntegralInRange(numbers.first, last);
+    }
+    void takeRest(Input& input) {
+        flag = anyFlag(input);
+        noSrc = input.ConsumeIntegralInRange(0, 15) == 0;
+        noDst = input.ConsumeIntegralInRange(0, 15) == 0;
+        count = input.ConsumeIntegralInRange<std::size_t>(0, 20);
+    }
+    bool isInRange() const { return family.info->numbers.has(number); }
+    OrvStatus wanted() const {
+        return !isInRange()                    ? orvErrSize
+               : count > 0 && (noSrc || noDst) ? orvErrNullPtr
+               : !isFlag(flag)                 ? orvErrFlag
+                                               : orvOk;
+    }
+};
+
+// One of the arrays: where its elements are, and the bytes from the lowest of them on.
+struct Side {
+    const Places& places;
+    std::size_t element;
+    std::uint8_t* bytes;
+
+    std::size_t size() const { return places.extent * element; }
+    std::uint8_t* origin() const {
+        return bytes + static_cast<std::size_t>(places.origin) * element;
+    }
+    std::uint8_t* at(std::size_t t, std::size_t j) const {
+        return bytes + static_cast<std::size_t>(places.at(t, j)) * element;
+    }
+};
+
+// Each transform as its single function gives it, and nothing between them changed.
+void requireBitsOfSingles(const Call& call, const Side& src, const Side& dst) {
+    const Family& f = call.family;
+    std::vector<std::uint8_t> expected(dst.size(), 0xA5);
+    const Side wanted{dst.places, dst.element, expected.data()};
+    const std::size_t srcElements = f.srcElements(call.number);
+    const std::size_t dstElements = f.dstElements(call.number);
+    std::vector<std::uint8_t> x(srcElements * src.element + 16), y(dstElements * dst.element);
+    for (std::size_t t = 0; t < call.count; ++t) {
+        for (std::size_t j = 0; j < srcElements; ++j)
+            std::memcpy(&x[j * src.element], src.at(t, j), src.element);
+        require(f.single(x.data(), y.data(), call.number, call.flag) == orvOk,
+                "the single function");
+        for (std::size_t j = 0; j < dstElements; ++j)
+            std::memcpy(wanted.at(t, j), &y[j * dst.element], dst.element);
+    }
+    require(f.info->isSingle() ? sameReals<float>(dst.bytes, wanted.bytes, dst.size())
+                               : sameReals<double>(dst.bytes, wanted.bytes, dst.size()),
+            "the bits of the single functions");
+}
+
 void fuzzBatches(Input& input) {
     static Area from(1 << 17), to(1 << 17);
-    const Family& f =
-        families[input.ConsumeIntegralInRange<std::size_t>(0, std::size(families) - 1)];
-    static_cast<void>(orvgBatchUse(input.PickValueInArray({0U, 1U, 2U, 4U})));
-    const bool anyNumber = input.ConsumeIntegralInRange(0, 7) == 0;
-    const auto number = anyNumber ? input.ConsumeIntegral<std::int32_t>()
-                        : f.order ? input.ConsumeIntegralInRange(1, 7)
-                                  : input.ConsumeIntegralInRange(2, 64);
-    const bool inRange = number >= (f.order ? 1 : 2) && number <= (f.order ? 13 : 64);
-    if (inRange && f.order && number > 7) return;
-    const auto flag = anyFlag(input);
-    const bool noSrc = input.ConsumeIntegralInRange(0, 15) == 0;
-    const bool noDst = input.ConsumeIntegralInRange(0, 15) == 0;
-    const auto count = input.ConsumeIntegralInRange<std::size_t>(0, 20);
-    const auto points = !inRange  ? std::size_t{2}
-                        : f.order ? std::size_t{1} << number
-                                  : static_cast<std::size_t>(number);
-    const std::size_t srcElements = f.srcBins ? points / 2 + 1 : points;
-    const std::size_t dstElements = f.dstBins ? points / 2 + 1 : points;
-    const Places s(input, srcElements, count), d(input, dstElements, count);
+    Call call(input);
+    const Family& f = call.family;
+    if (call.isInRange() && f.info->byOrder && call.number > kLongestOrder) return;
+    call.takeRest(input);
+    const int shape = call.isInRange() ? call.number : f.info->numbers.first;
+    const Places s(input, f.srcElements(shape), call.count);
+    const Places d(input, f.dstElements(shape), call.count);
     if (!d.distinct) return;  // undefined
 
-    std::uint8_t* src = from.place(s.extent * f.srcElement,
-                                   f.real * input.ConsumeIntegralInRange<std::size_t>(0, 8));
-    std::uint8_t* dst =
-        to.place(d.extent * f.dstElement, f.real * input.ConsumeIntegralInRange<std::size_t>(0, 8));
-    const auto samples = anyBytes(input, s.extent * f.srcElement);
-    std::memcpy(src, samples.data(), samples.size());
-    const OrvStatus wanted = !inRange                        ? orvErrSize
-                             : count > 0 && (noSrc || noDst) ? orvErrNullPtr
-                             : !isFlag(flag)                 ? orvErrFlag
-                                                             : orvOk;
-    const auto first = [](std::uint8_t* area, const Places& places, std::size_t element) {
-        return area + static_cast<std::size_t>(places.origin) * element;
+    const auto put = [&](Area& area, const Places& places, std::size_t element) {
+        const auto gap = f.realBytes() * input.ConsumeIntegralInRange<std::size_t>(0, 8);
+        return Side{places, element, area.place(places.extent * element, gap)};
     };
-    const OrvStatus status = f.batch(noSrc ? nullptr : first(src, s, f.srcElement), s.stride,
-                                     s.distance, noDst ? nullptr : first(dst, d, f.dstElement),
-                                     d.stride, d.distance, number, count, flag);
-    require(status == wanted, "the status follows from the arguments");
-    require(std::memcmp(src, samples.data(), samples.size()) == 0, "src is read only");
-    if (status != orvOk || count == 0) {
+    const Side src = put(from, s, f.srcElement), dst = put(to, d, f.dstElement);
+    const auto samples = anyBytes(input, src.size());
+    std::memcpy(src.bytes, samples.data(), samples.size());
+    const OrvStatus status = f.batch(call.noSrc ? nullptr : src.origin(), s.stride, s.distance,
+                                     call.noDst ? nullptr : dst.origin(), d.stride, d.distance,
+                                     call.number, call.count, call.flag);
+    require(status == call.wanted(), "the status follows from the arguments");
+    require(std::memcmp(src.bytes, samples.data(), samples.size()) == 0, "src is read only");
+    if (status != orvOk || call.count == 0) {
         require(to.untouched(), "what fails has written nothing");
         return;
     }
     require(to.untouchedAround(), "only dst is written");
-
-    // Each transform as its single function gives it, and nothing between them changed.
-    std::vector<std::uint8_t> between(d.extent * f.dstElement, 0xA5);
-    std::vector<std::uint8_t> x(srcElements * f.srcElement + 16), y(dstElements * f.dstElement);
-    for (std::size_t t = 0; t < count; ++t) {
-        for (std::size_t j = 0; j < srcElements; ++j)
-            std::memcpy(&x[j * f.srcElement],
-                        src + static_cast<std::size_t>(s.at(t, j)) * f.srcElement, f.srcElement);
-        require(f.single(x.data(), y.data(), number, flag) == orvOk, "the single function");
-        for (std::size_t j = 0; j < dstElements; ++j)
-            std::memcpy(&between[static_cast<std::size_t>(d.at(t, j)) * f.dstElement],
-                        &y[j * f.dstElement], f.dstElement);
-    }
-    require(f.real == 4 ? sameReals<float>(dst, between.data(), between.size())
-                        : sameReals<double>(dst, between.data(), between.size()),
-            "the bits of the single functions");
+    requireBitsOfSingles(call, src, dst);
 }
 
 }  // namespace
-}  // namespace orvgen::test::fuzz
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    orvgen::test::fuzz::Input input(data, size);
-    orvgen::test::fuzz::fuzzBatches(input);
-    return 0;
-}
+void fuzz(Input& input) { fuzzBatches(input); }
+
+}  // namespace orvgen::test::fuzz

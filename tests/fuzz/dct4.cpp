@@ -1,47 +1,40 @@
 // SPDX-License-Identifier: MIT
 // The DCT-IV: lengths that are asked for, plans in memory of every alignment, runs.
 #include "fuzz/memory.h"
+#include "support/dct4_functions.h"
 
 namespace orvgen::test::fuzz {
 namespace {
 
-#define FUNCTIONS(NAME, SUFFIX, T, LONGEST, FIRST, DOUBTFUL)                   \
-    struct NAME {                                                              \
-        using Real = T;                                                        \
-        using Spec = OrvDCT4Spec_##SUFFIX;                                     \
-        static constexpr std::int32_t longest = LONGEST, firstPlusOne = FIRST; \
-        static constexpr std::int32_t firstDoubtful = DOUBTFUL;                \
-        static constexpr auto getSize = orvgDCT4GetSize_##SUFFIX;              \
-        static constexpr auto init = orvgDCT4Init_##SUFFIX;                    \
-        static constexpr auto initAlloc = orvgDCT4InitAlloc_##SUFFIX;          \
-        static constexpr auto free = orvgDCT4Free_##SUFFIX;                    \
-        static constexpr auto run = orvgDCT4_##SUFFIX;                         \
-    }
-FUNCTIONS(Single, 32f, float, ORVGEN_DCT4_MAX_LENGTH_32f, 33, 1 << 30);
-FUNCTIONS(Double, 64f, double, ORVGEN_DCT4_MAX_LENGTH_64f, 9, 1 << 29);
+// Of the lengths 2^k + 1 the first that is accepted; the first power whose size does not fit.
+template <class R>
+constexpr std::int32_t firstPlusOne = sizeof(R) == 4 ? 33 : 9;
+template <class R>
+constexpr std::int32_t firstDoubtful = sizeof(R) == 4 ? 1 << 30 : 1 << 29;
 
 bool isPower(std::int64_t n) { return n >= 2 && (n & (n - 1)) == 0; }
 
 // The lengths that the header says are accepted: powers of two, those plus 1, and two whose size
 // does not fit.
-template <class F>
+template <class R>
 bool isAccepted(std::int32_t n) {
-    if (isPower(n)) return n <= F::longest || n >= F::firstDoubtful;
+    constexpr std::int32_t longest = Dct4Functions<R>::longest;
+    if (isPower(n)) return n <= longest || n >= firstDoubtful<R>;
     const std::int64_t power = static_cast<std::int64_t>(n) - 1;
-    return isPower(power) && n >= F::firstPlusOne &&
-           (power <= F::longest || power >= F::firstDoubtful);
+    return isPower(power) && n >= firstPlusOne<R> &&
+           (power <= longest || power >= firstDoubtful<R>);
 }
 
-template <class F>
+template <class R>
 void fuzzPlans(Input& input) {
-    using T = typename F::Real;
+    using F = Dct4Functions<R>;
     static Area from(1 << 15), to(1 << 15), both(1 << 15), memory(1 << 18);
     const bool anyLength = input.ConsumeIntegralInRange(0, 2) == 0;
     const auto n = anyLength ? input.ConsumeIntegral<std::int32_t>()
                              : 1 << input.ConsumeIntegralInRange(1, 11);
     std::int32_t size = -1;
     const OrvStatus asked = F::getSize(n, &size);
-    require(asked == (isAccepted<F>(n) ? orvOk : orvErrSize), "the size query knows the lengths");
+    require(asked == (isAccepted<R>(n) ? orvOk : orvErrSize), "the size query knows the lengths");
     require((asked == orvOk) == (size != -1), "a refused size query leaves the size as it was");
     typename F::Spec* plan = nullptr;
     require(F::init(nullptr, 8, memory.place(4096, 0)) == orvErrNullPtr, "a place for the plan");
@@ -52,9 +45,9 @@ void fuzzPlans(Input& input) {
     }
     if (!isPower(n) || n > 2048) return;  // a run means nothing, or takes too long here
 
-    const auto bytes = static_cast<std::size_t>(n) * sizeof(T);
-    const std::size_t gap = sizeof(T) * input.ConsumeIntegralInRange<std::size_t>(0, 8);
-    const std::size_t dstGap = sizeof(T) * input.ConsumeIntegralInRange<std::size_t>(0, 8);
+    const auto bytes = static_cast<std::size_t>(n) * sizeof(R);
+    const std::size_t gap = sizeof(R) * input.ConsumeIntegralInRange<std::size_t>(0, 8);
+    const std::size_t dstGap = sizeof(R) * input.ConsumeIntegralInRange<std::size_t>(0, 8);
     const std::size_t planGap = input.ConsumeIntegralInRange<std::size_t>(0, 64);
     std::uint8_t* block = memory.place(static_cast<std::size_t>(size), planGap);
     require(F::init(&plan, n, block) == orvOk && plan != nullptr, "a plan in a block");
@@ -62,8 +55,8 @@ void fuzzPlans(Input& input) {
     typename F::Spec* own = nullptr;
     require(F::initAlloc(&own, n) == orvOk && own != nullptr, "a plan in memory of its own");
 
-    auto* src = reinterpret_cast<T*>(from.place(bytes, gap));
-    auto* dst = reinterpret_cast<T*>(to.place(bytes, dstGap));
+    auto* src = reinterpret_cast<R*>(from.place(bytes, gap));
+    auto* dst = reinterpret_cast<R*>(to.place(bytes, dstGap));
     const auto samples = anyBytes(input, bytes);
     std::memcpy(src, samples.data(), bytes);
     require(F::run(nullptr, dst, plan) == orvErrNullPtr, "a source");
@@ -73,7 +66,7 @@ void fuzzPlans(Input& input) {
     require(F::run(src, dst, plan) == orvOk, "a run");
     require(to.untouchedAround() && memory.untouchedAround(), "only dst and the plan are written");
     require(std::memcmp(src, samples.data(), bytes) == 0, "src is read only");
-    auto* place = reinterpret_cast<T*>(both.place(bytes, gap));
+    auto* place = reinterpret_cast<R*>(both.place(bytes, gap));
     std::memcpy(place, src, bytes);
     require(F::run(place, place, own) == orvOk, "in place, by another plan");
     require(both.untouchedAround(), "in place writes only dst");
@@ -82,14 +75,12 @@ void fuzzPlans(Input& input) {
 }
 
 }  // namespace
-}  // namespace orvgen::test::fuzz
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace orvgen::test::fuzz;
-    Input input(data, size);
+void fuzz(Input& input) {
     if (input.ConsumeBool())
-        fuzzPlans<Single>(input);
+        fuzzPlans<float>(input);
     else
-        fuzzPlans<Double>(input);
-    return 0;
+        fuzzPlans<double>(input);
 }
+
+}  // namespace orvgen::test::fuzz

@@ -19,6 +19,9 @@ namespace orvgen::test::fuzz {
 
 using Input = FuzzedDataProvider;
 
+// The target: each has one.
+void fuzz(Input& input);
+
 // Ends the run, so that the input is kept.
 inline void require(bool condition, const char* promise) {
     if (condition) return;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The Walsh-Hadamard transform: as the others, and with its buffer, which may hold anything.
+#include "frame/families.h"
 #include "fuzz/memory.h"
 
 namespace orvgen::test::fuzz {
@@ -9,7 +10,7 @@ template <class T>
 struct Functions {
     OrvStatus (*byOrder)(const T*, T*, std::int32_t, std::int32_t, std::uint8_t*);
     OrvStatus (*bufferSize)(std::int32_t, std::int32_t*);
-    OrvStatus (*byName[13])(const T*, T*, std::int32_t, std::uint8_t*);
+    OrvStatus (*byName[kOrders.count()])(const T*, T*, std::int32_t, std::uint8_t*);
 };
 #define NAMED(NAME, K, T) orvg##NAME##_##K##_##T,
 const Functions<float> single{
@@ -22,12 +23,13 @@ void fuzzOrders(Input& input, const Functions<T>& functions) {
     static Area from(1 << 17), to(1 << 17), both(1 << 17), scratch(1 << 17);
     const bool named = input.ConsumeBool();
     const bool anyOrder = !named && input.ConsumeIntegralInRange(0, 3) == 0;
-    const auto order = anyOrder ? input.ConsumeIntegral<std::int32_t>()
-                                : input.ConsumeIntegralInRange<std::int32_t>(1, 13);
+    const auto order =
+        anyOrder ? input.ConsumeIntegral<std::int32_t>()
+                 : input.ConsumeIntegralInRange<std::int32_t>(kOrders.first, kOrders.last);
     const std::int32_t flag = anyFlag(input);
     const bool noSrc = input.ConsumeIntegralInRange(0, 15) == 0;
     const bool noDst = input.ConsumeIntegralInRange(0, 15) == 0;
-    const bool inRange = order >= 1 && order <= 13;
+    const bool inRange = kOrders.has(order);
     const std::size_t bytes = sizeof(T) << (inRange ? order : 1);
     const std::size_t gap = sizeof(T) * input.ConsumeIntegralInRange<std::size_t>(0, 8);
     const std::size_t dstGap = sizeof(T) * input.ConsumeIntegralInRange<std::size_t>(0, 8);
@@ -45,7 +47,7 @@ void fuzzOrders(Input& input, const Functions<T>& functions) {
     const auto samples = anyBytes(input, bytes);
     std::memcpy(src, samples.data(), bytes);
     const auto run = [&](const T* x, T* y, std::uint8_t* memory) {
-        return named ? functions.byName[order - 1](x, y, flag, memory)
+        return named ? functions.byName[order - kOrders.first](x, y, flag, memory)
                      : functions.byOrder(x, y, order, flag, memory);
     };
     const OrvStatus wanted = !inRange         ? orvErrSize
@@ -71,14 +73,12 @@ void fuzzOrders(Input& input, const Functions<T>& functions) {
 }
 
 }  // namespace
-}  // namespace orvgen::test::fuzz
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace orvgen::test::fuzz;
-    Input input(data, size);
+void fuzz(Input& input) {
     if (input.ConsumeBool())
         fuzzOrders(input, single);
     else
         fuzzOrders(input, twice);
-    return 0;
 }
+
+}  // namespace orvgen::test::fuzz
