@@ -57,25 +57,80 @@ class Buffer {
     std::unique_ptr<void, decltype(&std::free)> memory{nullptr, std::free};
 };
 
-struct Peer {
-    std::string name;
-    std::function<std::optional<Loop>(const Problem&, void*, void*)> plan;
+// The other libraries. A problem is measured once: the packed formats of a length share theirs.
+class Peers {
+  public:
+    explicit Peers(const Options& options) {
+        if (!installed_.loaded()) throw std::runtime_error("FFTW is not installed");
+        notes_.push_back("fftw: " + installed_.version() + " as installed, patient plans");
+        add("fftw", installed_);
+        if (options.sameIsa) {
+            sameIsa_ = builtWithSse2();
+            notes_.push_back("fftw-sse2: " + sameIsa_->version() + " built with SSE2 alone");
+            add("fftw-sse2", *sameIsa_);
+        }
+        peers_.push_back({"kissfft", [](const Problem& p, void*, void*) { return kissPlan(p); }});
+        peers_.push_back({"plain", [](const Problem& p, void*, void*) { return plainLoop(p); }});
+    }
+
+    std::vector<std::string> names() const {
+        std::vector<std::string> names;
+        for (const Peer& p : peers_) names.push_back(p.name);
+        return names;
+    }
+    const std::vector<std::string>& notes() const { return notes_; }
+
+    // By library; those that do not do the problem are missing.
+    const std::map<std::string, Cycles>& times(const Measurement& measure, const Problem& problem,
+                                               const Buffer& src, const Buffer& dst) {
+        const auto [slot, isNew] = known_.try_emplace(keyOf(problem));
+        if (!isNew) return slot->second;
+        for (const Peer& peer : peers_) {
+            const auto loop = peer.plan(problem, src.data(), dst.data());
+            if (!loop) continue;
+            src.fill(problem.wide);
+            slot->second[peer.name] = measure.burst(*loop, src.data(), dst.data(), Pace::free);
+        }
+        return slot->second;
+    }
+
+  private:
+    struct Peer {
+        std::string name;
+        std::function<std::optional<Loop>(const Problem&, void*, void*)> plan;
+    };
+
+    void add(const std::string& name, Fftw& library) {
+        peers_.push_back({name, [&library](const Problem& p, void* src, void* dst) {
+                              return library.plan(p, src, dst);
+                          }});
+    }
+    static std::unique_ptr<Fftw> builtWithSse2() {
+        const std::string folder = std::string(ORVGEN_BENCH_OUT) + "/fftw-sse2";
+        if (std::system((std::string(ORVGEN_BUILD_FFTW) + " '" + folder + "'").c_str()) != 0)
+            throw std::runtime_error("cannot build FFTW with SSE2 alone");
+        auto library = std::make_unique<Fftw>(folder + "/lib");
+        if (!library->loaded()) throw std::runtime_error("no FFTW in " + folder);
+        return library;
+    }
+    static std::string keyOf(const Problem& p) {
+        return std::to_string(static_cast<int>(p.transform)) + (p.inverse ? "i" : "f") +
+               (p.wide ? "d" : "s") + std::to_string(p.length);
+    }
+
+    Fftw installed_;
+    std::unique_ptr<Fftw> sameIsa_;
+    std::vector<Peer> peers_;
+    std::vector<std::string> notes_;
+    std::map<std::string, std::map<std::string, Cycles>> known_;
 };
-
-// Other libraries measured once a problem: the packed formats of a length share theirs.
-using Known = std::map<std::string, std::map<std::string, Cycles>>;
-
-std::string keyOf(const Problem& p) {
-    return std::to_string(static_cast<int>(p.transform)) + (p.inverse ? "i" : "f") +
-           (p.wide ? "d" : "s") + std::to_string(p.length);
-}
 
 Timing timingOf(const Measurement& measure, const std::vector<Subject>& subjects, std::size_t i,
                 const void* src, void* dst, std::size_t bytes) {
     const Subject& s = subjects[i];
     Timing t;
-    t.burst = measure.burst(s.loop, src, dst, false);
-    t.latency = measure.burst(s.loop, src, dst, true);
+    t.burst = measure.burst(s.loop, src, dst, Pace::free);
+    t.latency = measure.burst(s.loop, src, dst, Pace::chained);
     // Before a short burst: neighbours in the list that fit the buffers.
     std::vector<const Loop*> others;
     for (std::size_t k = 1; k < subjects.size() && others.size() < 4; ++k) {
@@ -136,9 +191,9 @@ struct Build {
             versions.push_back(chosen(allSubjects(library), options.names));
             if (!options.dirtyUppers) continue;
             for (Subject& s : versions.back()) {
-                s.loop = [loop = s.loop](const void* src, void* dst, int calls, bool chained) {
+                s.loop = [loop = s.loop](const void* src, void* dst, int calls, Pace pace) {
                     fillUppers();
-                    loop(src, dst, calls, chained);
+                    loop(src, dst, calls, pace);
                     clearUppers();
                 };
             }
@@ -173,45 +228,28 @@ PortTable portsOf(const std::string& table) {
     }
 }
 
+Effort effortOf(const Options& options) {
+    if (!options.quick) return {};
+    return {.samples = 5, .cyclesPerSample = 20000, .briefSamples = 9, .copies = 0};
+}
+
+Heading headingOf(const Options& options, const PortTable& ports, const Peers& peers) {
+    Heading heading{.libraries = peers.names(), .notes = legend(ports.name())};
+    if (const std::string busy = whatElseRuns(); !busy.empty()) heading.notes.push_back(busy);
+    if (options.dirtyUppers) heading.notes.push_back("ours: after AVX code without vzeroupper");
+    heading.notes.insert(heading.notes.end(), peers.notes().begin(), peers.notes().end());
+    return heading;
+}
+
 int run(const Options& options) {
-    Effort effort;
-    if (options.quick) {
-        effort.copies = 0;
-        effort.samples = 5;
-        effort.cyclesPerSample = 20000;
-        effort.briefSamples = 9;
-    }
+    const Effort effort = effortOf(options);
     const Measurement measure(effort);
     if (options.dirtyUppers && !__builtin_cpu_supports("avx"))
         throw std::runtime_error("this processor has no AVX");
     const PortTable ports = portsOf(options.ports);
     const test::MachineCode code(ORVGEN_LIBRARY_FILE);
-
-    Fftw installed;
-    std::unique_ptr<Fftw> same;
-    std::vector<Peer> peers;
-    Heading heading;
-    heading.notes = legend(ports.name());
-    if (const std::string busy = whatElseRuns(); !busy.empty()) heading.notes.push_back(busy);
-    if (options.dirtyUppers) heading.notes.push_back("ours: after AVX code without vzeroupper");
-    if (!installed.loaded()) throw std::runtime_error("FFTW is not installed");
-    heading.notes.push_back("fftw: " + installed.version() + " as installed, patient plans");
-    peers.push_back(
-        {"fftw", [&](const Problem& p, void* s, void* d) { return installed.plan(p, s, d); }});
-    if (options.sameIsa) {
-        const std::string folder = std::string(ORVGEN_BENCH_OUT) + "/fftw-sse2";
-        if (std::system((std::string(ORVGEN_BUILD_FFTW) + " '" + folder + "'").c_str()) != 0) {
-            throw std::runtime_error("cannot build FFTW with SSE2 alone");
-        }
-        same = std::make_unique<Fftw>(folder + "/lib");
-        if (!same->loaded()) throw std::runtime_error("no FFTW in " + folder);
-        heading.notes.push_back("fftw-sse2: " + same->version() + " built with SSE2 alone");
-        peers.push_back(
-            {"fftw-sse2", [&](const Problem& p, void* s, void* d) { return same->plan(p, s, d); }});
-    }
-    peers.push_back({"kissfft", [](const Problem& p, void*, void*) { return kissPlan(p); }});
-    peers.push_back({"plain", [](const Problem& p, void*, void*) { return plainLoop(p); }});
-    for (const Peer& p : peers) heading.libraries.push_back(p.name);
+    Peers peers(options);
+    Heading heading = headingOf(options, ports, peers);
 
     const Build first(ORVGEN_LIBRARY_FILE, effort.copies, options);
     const std::vector<Subject>& subjects = first.versions.front();
@@ -225,7 +263,6 @@ int run(const Options& options) {
     }
     std::fputs(tableHead(heading).c_str(), stdout);
     std::vector<Result> results;
-    Known known;
     for (std::size_t i = 0; i < subjects.size(); ++i) {
         const Subject& s = subjects[i];
         const std::size_t bytes = std::max(s.problem.srcBytes, s.problem.dstBytes) + 64;
@@ -240,16 +277,7 @@ int run(const Options& options) {
         if (second) r.second = timingOf(measure, *second, i, src.data(), dst.data(), bytes);
         const OperationCounts counts = operationsOf(code, s.name);
         if (!counts.empty()) r.bound = ports.bound(counts);
-        const auto [slot, fresh] = known.try_emplace(keyOf(s.problem));
-        if (fresh) {
-            for (const Peer& peer : peers) {
-                const auto loop = peer.plan(s.problem, src.data(), dst.data());
-                if (!loop) continue;
-                src.fill(s.problem.wide);
-                slot->second[peer.name] = measure.burst(*loop, src.data(), dst.data(), false);
-            }
-        }
-        r.others = slot->second;
+        r.others = peers.times(measure, s.problem, src, dst);
         std::fputs(tableRow(heading, r).c_str(), stdout);
         std::fflush(stdout);
         results.push_back(std::move(r));

@@ -15,10 +15,10 @@ Cycles summary(std::vector<double> values) {
 }
 
 // Cycles that `calls` calls take; negative where the clock moved meanwhile.
-double sample(const Loop& loop, const void* src, void* dst, int calls, bool chained, double empty) {
+double sample(const Loop& loop, const void* src, void* dst, int calls, Pace pace, double empty) {
     const double before = ticksPerCycle();
     const std::uint64_t start = ticks();
-    loop(src, dst, calls, chained);
+    loop(src, dst, calls, pace);
     const auto taken = static_cast<double>(ticks() - start) - empty;
     const double after = ticksPerCycle();
     if (std::max(before, after) > 1.01 * std::min(before, after)) return -1;
@@ -27,18 +27,17 @@ double sample(const Loop& loop, const void* src, void* dst, int calls, bool chai
 
 }  // namespace
 
-Cycles Measurement::burst(const Loop& loop, const void* src, void* dst, bool chained) const {
+Cycles Measurement::burst(const Loop& loop, const void* src, void* dst, Pace pace) const {
     const double empty = emptyTicks();
-    loop(src, dst, 30, chained);
+    loop(src, dst, 30, pace);
     double guess = -1;
-    for (int i = 0; i < 10 && guess < 0; ++i)
-        guess = sample(loop, src, dst, 20, chained, empty) / 20;
+    for (int i = 0; i < 10 && guess < 0; ++i) guess = sample(loop, src, dst, 20, pace, empty) / 20;
     const int calls = std::max(effort.callsAtLeast,
                                static_cast<int>(effort.cyclesPerSample / std::max(guess, 10.0)));
     std::vector<double> values;
     for (int i = 0; i < 4 * effort.samples && static_cast<int>(values.size()) < effort.samples;
          ++i) {
-        const double v = sample(loop, src, dst, calls, chained, empty);
+        const double v = sample(loop, src, dst, calls, pace, empty);
         if (v > 0) values.push_back(v / calls);
     }
     return summary(std::move(values));
@@ -50,9 +49,9 @@ Cycles Measurement::brief(const Loop& loop, const void* src, void* dst,
     const double perCycle = ticksPerCycle();
     std::vector<double> values;
     for (int i = 0; i < effort.briefSamples; ++i) {
-        for (const Loop* other : others) (*other)(src, dst, 3, false);
+        for (const Loop* other : others) (*other)(src, dst, 3, Pace::free);
         const std::uint64_t start = ticks();
-        loop(src, dst, effort.briefCalls, false);
+        loop(src, dst, effort.briefCalls, Pace::free);
         const auto taken = static_cast<double>(ticks() - start) - empty;
         values.push_back(std::max(0.0, taken / perCycle / effort.briefCalls));
     }

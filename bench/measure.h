@@ -32,7 +32,7 @@ class Measurement {
   public:
     explicit Measurement(Effort e) : effort(e) {}
 
-    Cycles burst(const Loop& loop, const void* src, void* dst, bool chained) const;
+    Cycles burst(const Loop& loop, const void* src, void* dst, Pace pace) const;
     // `others` run before each short burst.
     Cycles brief(const Loop& loop, const void* src, void* dst,
                  const std::vector<const Loop*>& others) const;

@@ -73,18 +73,17 @@ struct Functions {
         if (!made) return std::nullopt;
         const std::shared_ptr<std::remove_pointer_t<Plan>> kept(made, destroy);
         const auto run = execute;
-        return Loop(
-            [kept, run, bytes = p.dstBytes](const void*, void* out, int calls, bool chained) {
-                Plan raw = kept.get();
-                for (int i = 0; i < calls; ++i) {
-                    run(raw);
-                    // The plan holds its pointers: chain through the plan's address.
-                    if (chained) {
-                        raw = reinterpret_cast<Plan>(reinterpret_cast<char*>(raw) +
-                                                     dependence(out, bytes));
-                    }
+        return Loop([kept, run, bytes = p.dstBytes](const void*, void* out, int calls, Pace pace) {
+            Plan raw = kept.get();
+            for (int i = 0; i < calls; ++i) {
+                run(raw);
+                // The plan holds its pointers: chain through the plan's address.
+                if (pace == Pace::chained) {
+                    raw = reinterpret_cast<Plan>(reinterpret_cast<char*>(raw) +
+                                                 dependence(out, bytes));
                 }
-            });
+            }
+        });
     }
 
     bool whole = false;

@@ -23,20 +23,24 @@ using Code = std::vector<std::uint8_t>;
 
 struct Class {
     const char* name;
-    std::vector<std::uint8_t> prefix;  // before REX
     std::uint8_t opcode;
-    bool selector;  // an immediate byte follows
-    bool memory;    // the other operand lies at rsi
-    int source;     // register of constants
+    int source = 0;                         // register of constants
+    std::vector<std::uint8_t> prefix = {};  // before REX
+    bool selector = false;                  // an immediate byte follows
+    bool memory = false;                    // the other operand lies at rsi
 };
 
 // xmm15 holds floats of 1, xmm14 doubles of 1.
 const Class classes[] = {
-    {"add", {}, 0x58, false, false, 15},    {"multiply", {}, 0x59, false, false, 15},
-    {"shuffle", {}, 0xc6, true, false, 15}, {"unpack", {}, 0x14, false, false, 15},
-    {"logic", {}, 0x57, false, false, 15},  {"convert", {0xf3}, 0x5a, false, false, 15},
-    {"load", {}, 0x28, false, true, 0},     {"store", {}, 0x29, false, true, 0},
-    {"issue", {}, 0x90, false, false, 0},  // no operation
+    {.name = "add", .opcode = 0x58, .source = 15},
+    {.name = "multiply", .opcode = 0x59, .source = 15},
+    {.name = "shuffle", .opcode = 0xc6, .source = 15, .selector = true},
+    {.name = "unpack", .opcode = 0x14, .source = 15},
+    {.name = "logic", .opcode = 0x57, .source = 15},
+    {.name = "convert", .opcode = 0x5a, .source = 15, .prefix = {0xf3}},
+    {.name = "load", .opcode = 0x28, .memory = true},
+    {.name = "store", .opcode = 0x29, .memory = true},
+    {.name = "issue", .opcode = 0x90},  // no operation
 };
 
 const Class& find(const std::string& name) {

@@ -41,12 +41,13 @@ Families familiesOf(const std::vector<Result>& results) {
 // Geometric mean and worst of a family's ratios.
 class Ratios {
   public:
-    explicit Ratios(bool largestIsWorst) : largestIsWorst_(largestIsWorst) {}
+    enum class Worst { least, largest };
+    explicit Ratios(Worst worst) : isLargestWorst_(worst == Worst::largest) {}
 
     void add(double ratio, const Result& result) {
         logs_ += std::log(ratio);
         below_ += ratio < 1;
-        if (count_++ == 0 || (largestIsWorst_ ? ratio > worst_ : ratio < worst_)) {
+        if (count_++ == 0 || (isLargestWorst_ ? ratio > worst_ : ratio < worst_)) {
             worst_ = ratio;
             worstResult_ = &result;
         }
@@ -59,7 +60,7 @@ class Ratios {
     const Result& worstResult() const { return *worstResult_; }
 
   private:
-    bool largestIsWorst_;
+    bool isLargestWorst_;
     double logs_ = 0;
     int count_ = 0, below_ = 0;
     double worst_ = 0;
@@ -74,7 +75,7 @@ bool isOf(const Result& r, const FamilyInfo* family) {
 // Their cycles over ours.
 Ratios toLibrary(const std::vector<Result>& results, const FamilyInfo* family,
                  const std::string& library) {
-    Ratios ratios(false);
+    Ratios ratios(Ratios::Worst::least);
     for (const Result& r : results) {
         const Cycles* c = theirs(r, library);
         if (isOf(r, family) && c) ratios.add(c->least / r.ours.burst.least, r);
@@ -84,7 +85,7 @@ Ratios toLibrary(const std::vector<Result>& results, const FamilyInfo* family,
 
 // Cycles of the first build over those of the second.
 Ratios toSecond(const std::vector<Result>& results, const FamilyInfo* family) {
-    Ratios ratios(false);
+    Ratios ratios(Ratios::Worst::least);
     for (const Result& r : results) {
         if (isOf(r, family) && r.second) ratios.add(r.ours.burst.least / r.second->burst.least, r);
     }
@@ -94,7 +95,7 @@ Ratios toSecond(const std::vector<Result>& results, const FamilyInfo* family) {
 // Their cycles over those of the second build.
 Ratios fromSecond(const std::vector<Result>& results, const FamilyInfo* family,
                   const std::string& library) {
-    Ratios ratios(false);
+    Ratios ratios(Ratios::Worst::least);
     for (const Result& r : results) {
         const Cycles* c = theirs(r, library);
         if (isOf(r, family) && r.second && c) ratios.add(c->least / r.second->burst.least, r);
@@ -104,7 +105,7 @@ Ratios fromSecond(const std::vector<Result>& results, const FamilyInfo* family,
 
 // Our cycles over the bound of our operations.
 Ratios toBound(const std::vector<Result>& results, const FamilyInfo* family) {
-    Ratios ratios(true);
+    Ratios ratios(Ratios::Worst::largest);
     for (const Result& r : results)
         if (r.family == family && r.bound) ratios.add(r.ours.burst.least / *r.bound, r);
     return ratios;

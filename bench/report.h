@@ -24,7 +24,6 @@ struct Result {
 };
 
 struct Heading {
-    std::string core;                    // of the port table
     std::vector<std::string> libraries;  // in the order of the columns
     bool secondBuild = false;            // measured too
     std::vector<std::string> notes;

@@ -24,9 +24,12 @@ struct Problem {
     std::size_t dstBytes = 0;
 };
 
-// A function that runs `calls` transforms from src to dst, one after the other. `chained` calls
-// wait for each other: the address of each call's source is made of the result of the one before.
-using Loop = std::function<void(const void* src, void* dst, int calls, bool chained)>;
+// Chained calls wait for each other: the address of each call's source is made of the result of the
+// one before.
+enum class Pace { free, chained };
+
+// A function that runs `calls` transforms from src to dst, one after the other.
+using Loop = std::function<void(const void* src, void* dst, int calls, Pace pace)>;
 
 struct Subject {
     std::string name;  // of the kernel
@@ -59,9 +62,9 @@ inline std::ptrdiff_t dependence(const void* dst, std::size_t bytes) {
 // The loop over one call, written once for ours and for theirs.
 template <class Call>
 Loop makeLoop(const Problem& problem, Call call) {
-    return [call, bytes = problem.dstBytes](const void* src, void* dst, int calls, bool chained) {
+    return [call, bytes = problem.dstBytes](const void* src, void* dst, int calls, Pace pace) {
         const auto* from = static_cast<const unsigned char*>(src);
-        if (chained) {
+        if (pace == Pace::chained) {
             for (int i = 0; i < calls; ++i) {
                 call(from, dst);
                 from += dependence(dst, bytes);

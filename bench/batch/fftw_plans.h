@@ -8,6 +8,8 @@
 #include <functional>
 #include <utility>
 
+#include "orvgen.h"
+
 namespace orvgen::bench {
 
 using Run = std::function<void()>;
@@ -21,15 +23,19 @@ struct Places {
 };
 
 // FFTW of one element type.
-#define ORVGEN_FFTW(PREFIX, NAME, R)                                                               \
-    struct NAME {                                                                                  \
+template <class R>
+struct Fftw;
+#define ORVGEN_FFTW(PREFIX, R)                                                                     \
+    template <>                                                                                    \
+    struct Fftw<R> {                                                                               \
         using Complex = PREFIX##_complex;                                                          \
         using Plan = PREFIX##_plan;                                                                \
         static Run runOf(Plan plan) {                                                              \
             if (plan == nullptr) return {};                                                        \
             return [plan] { PREFIX##_execute(plan); };                                             \
         }                                                                                          \
-        static Run dft(int n, R* x, R* y, const Places& p, int sign) {                             \
+        template <int sign>                                                                        \
+        static Run dft(int n, R* x, R* y, const Places& p) {                                       \
             return runOf(PREFIX##_plan_many_dft(                                                   \
                 1, &n, int(p.count), reinterpret_cast<Complex*>(x), nullptr, int(p.stride),        \
                 int(p.distance), reinterpret_cast<Complex*>(y), nullptr, int(p.outStride),         \
@@ -53,7 +59,8 @@ struct Places {
                                                 int(p.outDistance), &kind, FFTW_PATIENT));         \
         }                                                                                          \
         /* The plan is forward; backward is the same with the parts exchanged on both sides. */    \
-        static Run split(int n, R* x, R* y, const Places& p, int sign) {                           \
+        template <int sign>                                                                        \
+        static Run split(int n, R* x, R* y, const Places& p) {                                     \
             const PREFIX##_iodim dim = {n, int(p.stride), int(p.outStride)};                       \
             const PREFIX##_iodim many = {int(p.count), int(p.distance), int(p.outDistance)};       \
             R *re = x, *im = x + p.plane, *outRe = y, *outIm = y + p.outPlane;                     \
@@ -63,8 +70,8 @@ struct Places {
         }                                                                                          \
         static void limit(double seconds) { PREFIX##_set_timelimit(seconds); }                     \
     };
-ORVGEN_FFTW(fftwf, Fftw32, float)
-ORVGEN_FFTW(fftw, Fftw64, double)
+ORVGEN_FFTW(fftwf, Orv32f)
+ORVGEN_FFTW(fftw, Orv64f)
 #undef ORVGEN_FFTW
 
 }  // namespace orvgen::bench

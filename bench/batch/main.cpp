@@ -60,6 +60,7 @@ Size sizeOf(const FamilyInfo& family, int n) {
             .dstElements = family.dstReals(n) / dst};
 }
 
+// The functions of one family NAME, and of the transforms of its real type T.
 #define ORVGEN_BATCH(NAME, T, S, D)                                                           \
     [](int n, const auto* src, auto* dst, const Places& p) {                                  \
         (void)orvgBatch##NAME##_##T(reinterpret_cast<const S*>(src), p.stride, p.distance,    \
@@ -77,71 +78,41 @@ Size sizeOf(const FamilyInfo& family, int n) {
         (void)orvg##NAME##_##T(reinterpret_cast<const Orv##T*>(src),             \
                                reinterpret_cast<Orv##T*>(dst), n, orvScaleNone); \
     }
+#define ORVGEN_REAL(NAME, T, S, D, FFTW)                                    \
+    {                                                                       \
+        .info = &familyOf(#NAME, #T), .batch = ORVGEN_BATCH(NAME, T, S, D), \
+        .single = ORVGEN_SINGLE(NAME, T), .fftw = Fftw<Orv##T>::FFTW        \
+    }
+#define ORVGEN_COMPLEX(NAME, T, SIGN)                                                              \
+    {                                                                                              \
+        .info = &familyOf(#NAME, #T "c"), .batch = ORVGEN_BATCH(NAME, T##c, Orv##T##c, Orv##T##c), \
+        .single = ORVGEN_SINGLE(NAME, T##c), .fftw = Fftw<Orv##T>::dft<SIGN>,                      \
+        .splitBatch = ORVGEN_SPLIT_BATCH(NAME, T), .splitFftw = Fftw<Orv##T>::split<SIGN>          \
+    }
+#define ORVGEN_FAMILIES(T)                                             \
+    {                                                                  \
+        ORVGEN_REAL(DFTFwd_RToCCS, T, Orv##T, Orv##T##c, forward),     \
+            ORVGEN_REAL(DFTInv_CCSToR, T, Orv##T##c, Orv##T, inverse), \
+            ORVGEN_REAL(Hartley, T, Orv##T, Orv##T, hartley),          \
+            ORVGEN_COMPLEX(DFTFwd_CToC, T, FFTW_FORWARD),              \
+            ORVGEN_COMPLEX(DFTInv_CToC, T, FFTW_BACKWARD)              \
+    }
 
-const std::vector<Family<float>> kFamilies32 = {
-    {&familyOf("DFTFwd_RToCCS", "32f"), ORVGEN_BATCH(DFTFwd_RToCCS, 32f, Orv32f, Orv32fc),
-     ORVGEN_SINGLE(DFTFwd_RToCCS, 32f), Fftw32::forward},
-    {&familyOf("DFTInv_CCSToR", "32f"), ORVGEN_BATCH(DFTInv_CCSToR, 32f, Orv32fc, Orv32f),
-     ORVGEN_SINGLE(DFTInv_CCSToR, 32f), Fftw32::inverse},
-    {&familyOf("Hartley", "32f"), ORVGEN_BATCH(Hartley, 32f, Orv32f, Orv32f),
-     ORVGEN_SINGLE(Hartley, 32f), Fftw32::hartley},
-    {&familyOf("DFTFwd_CToC", "32fc"), ORVGEN_BATCH(DFTFwd_CToC, 32fc, Orv32fc, Orv32fc),
-     ORVGEN_SINGLE(DFTFwd_CToC, 32fc),
-     [](int n, float* x, float* y, const Places& p) {
-         return Fftw32::dft(n, x, y, p, FFTW_FORWARD);
-     },
-     ORVGEN_SPLIT_BATCH(DFTFwd_CToC, 32f),
-     [](int n, float* x, float* y, const Places& p) {
-         return Fftw32::split(n, x, y, p, FFTW_FORWARD);
-     }},
-    {&familyOf("DFTInv_CToC", "32fc"), ORVGEN_BATCH(DFTInv_CToC, 32fc, Orv32fc, Orv32fc),
-     ORVGEN_SINGLE(DFTInv_CToC, 32fc),
-     [](int n, float* x, float* y, const Places& p) {
-         return Fftw32::dft(n, x, y, p, FFTW_BACKWARD);
-     },
-     ORVGEN_SPLIT_BATCH(DFTInv_CToC, 32f),
-     [](int n, float* x, float* y, const Places& p) {
-         return Fftw32::split(n, x, y, p, FFTW_BACKWARD);
-     }},
-};
-const std::vector<Family<double>> kFamilies64 = {
-    {&familyOf("DFTFwd_RToCCS", "64f"), ORVGEN_BATCH(DFTFwd_RToCCS, 64f, Orv64f, Orv64fc),
-     ORVGEN_SINGLE(DFTFwd_RToCCS, 64f), Fftw64::forward},
-    {&familyOf("DFTInv_CCSToR", "64f"), ORVGEN_BATCH(DFTInv_CCSToR, 64f, Orv64fc, Orv64f),
-     ORVGEN_SINGLE(DFTInv_CCSToR, 64f), Fftw64::inverse},
-    {&familyOf("Hartley", "64f"), ORVGEN_BATCH(Hartley, 64f, Orv64f, Orv64f),
-     ORVGEN_SINGLE(Hartley, 64f), Fftw64::hartley},
-    {&familyOf("DFTFwd_CToC", "64fc"), ORVGEN_BATCH(DFTFwd_CToC, 64fc, Orv64fc, Orv64fc),
-     ORVGEN_SINGLE(DFTFwd_CToC, 64fc),
-     [](int n, double* x, double* y, const Places& p) {
-         return Fftw64::dft(n, x, y, p, FFTW_FORWARD);
-     },
-     ORVGEN_SPLIT_BATCH(DFTFwd_CToC, 64f),
-     [](int n, double* x, double* y, const Places& p) {
-         return Fftw64::split(n, x, y, p, FFTW_FORWARD);
-     }},
-    {&familyOf("DFTInv_CToC", "64fc"), ORVGEN_BATCH(DFTInv_CToC, 64fc, Orv64fc, Orv64fc),
-     ORVGEN_SINGLE(DFTInv_CToC, 64fc),
-     [](int n, double* x, double* y, const Places& p) {
-         return Fftw64::dft(n, x, y, p, FFTW_BACKWARD);
-     },
-     ORVGEN_SPLIT_BATCH(DFTInv_CToC, 64f),
-     [](int n, double* x, double* y, const Places& p) {
-         return Fftw64::split(n, x, y, p, FFTW_BACKWARD);
-     }},
-};
+const std::vector<Family<Orv32f>> kFamilies32 = ORVGEN_FAMILIES(32f);
+const std::vector<Family<Orv64f>> kFamilies64 = ORVGEN_FAMILIES(64f);
 
 enum class Layout { Rows, Blocks, Columns, Strided };
 struct LayoutInfo {
     Layout layout;
     bool isSplit = false;
 };
-const std::map<std::string, LayoutInfo> kLayouts = {{"rows", {Layout::Rows}},
-                                                    {"blocks", {Layout::Blocks}},
-                                                    {"columns", {Layout::Columns}},
-                                                    {"strided", {Layout::Strided}},
-                                                    {"split-rows", {Layout::Rows, true}},
-                                                    {"split-columns", {Layout::Columns, true}}};
+const std::map<std::string, LayoutInfo> kLayouts = {
+    {"rows", {.layout = Layout::Rows}},
+    {"blocks", {.layout = Layout::Blocks}},
+    {"columns", {.layout = Layout::Columns}},
+    {"strided", {.layout = Layout::Strided}},
+    {"split-rows", {.layout = Layout::Rows, .isSplit = true}},
+    {"split-columns", {.layout = Layout::Columns, .isSplit = true}}};
 
 struct Arguments {
     std::string layout;  // empty: all that are part of the table
@@ -286,8 +257,7 @@ void family(const Family<R>& f, const Arguments& a, std::vector<BatchResult>& re
             const std::vector<double> cycles = measure({ours, single, other}, p.count, a.samples);
             besideSingle.add(cycles[1] / cycles[0], n);
             besideFftw.add(cycles[2] / cycles[0], n);
-            results.push_back({.family = name,
-                               .complex = f.info->src == orvgen::Layout::Complex,
+            results.push_back({.family = f.info,
                                .length = n,
                                .target = t.name,
                                .layout = a.layout,
@@ -343,8 +313,8 @@ void writeCsv(const std::string& file, const std::vector<BatchResult>& results) 
     std::ofstream csv(file);
     csv << "family,length,target,layout,from,cycles,single,fftw\n";
     for (const BatchResult& r : results)
-        csv << r.family << ',' << r.length << ',' << r.target << ',' << r.layout << ',' << r.from
-            << ',' << r.ours << ',' << r.single << ',' << r.fftw << '\n';
+        csv << shortName(*r.family) << ',' << r.length << ',' << r.target << ',' << r.layout << ','
+            << r.from << ',' << r.ours << ',' << r.single << ',' << r.fftw << '\n';
     if (!csv.flush()) throw std::runtime_error("cannot write " + file);
 }
 
@@ -355,8 +325,8 @@ int run(Arguments& a) {
     (void)lengthsOf(*kFamilies32.front().info, a);  // before anything is said
     makeFolder(a.folder);
     warnOfWhatElseRuns("bench_batch");
-    Fftw32::limit(a.planSeconds);
-    Fftw64::limit(a.planSeconds);
+    Fftw<Orv32f>::limit(a.planSeconds);
+    Fftw<Orv64f>::limit(a.planSeconds);
     std::vector<BatchResult> results;
     if (!isAll) {
         layout(a, results);

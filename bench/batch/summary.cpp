@@ -8,6 +8,8 @@
 #include <limits>
 #include <stdexcept>
 
+#include "frame/names.h"
+
 namespace orvgen::bench {
 namespace {
 
@@ -45,9 +47,8 @@ std::string ratios(const Results& results, const Others& others) {
 }
 
 std::string kindOf(const BatchResult& r) {
-    const bool single = r.family.find("64") == std::string::npos;
-    return std::string(r.complex ? "complex" : "real, Hartley") +
-           (single ? " binary32" : " binary64");
+    return std::string(r.family->isComplex() ? "complex" : "real, Hartley") +
+           (r.family->isSingle() ? " binary32" : " binary64");
 }
 
 void writeTable(const std::filesystem::path& file, const std::vector<BatchResult>& results) {
@@ -71,7 +72,7 @@ void plot(const std::filesystem::path& folder, const std::vector<BatchResult>& r
     for (const BatchResult& r : results)
         if (r.layout == "rows" && r.from == "cache") rows.push_back(r);
     if (rows.empty()) return;
-    const auto families = valuesOf(rows, [](const BatchResult& r) { return r.family; });
+    const auto families = valuesOf(rows, [](const BatchResult& r) { return shortName(*r.family); });
     const auto targets = valuesOf(rows, [](const BatchResult& r) { return r.target; });
     std::ofstream data(folder / "plot.dat"), script(folder / "plot.gp");
     const std::size_t columns = std::min<std::size_t>(4, families.size());
@@ -89,7 +90,7 @@ void plot(const std::filesystem::path& folder, const std::vector<BatchResult>& r
         int color = 1;
         for (const std::string& target : targets) {
             for (const BatchResult& r : rows)
-                if (r.family == family && r.target == target)
+                if (shortName(*r.family) == family && r.target == target)
                     data << r.length << " " << r.fftw / r.ours << " " << r.single / r.ours << "\n";
             data << "\n\n";
             const auto curve = [&](const char* column, const char* style, const char* title) {

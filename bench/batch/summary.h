@@ -6,12 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "frame/families.h"
+
 namespace orvgen::bench {
 
 // Core cycles of one transform by each method; infinite where there is none.
 struct BatchResult {
-    std::string family;  // short name
-    bool complex;
+    const FamilyInfo* family;
     int length;
     std::string target, layout, from;
     double ours, single, fftw;

@@ -22,6 +22,7 @@
 #include "load.h"
 #include "orvgen.h"
 #include "program.h"
+#include "support/dct4_functions.h"
 
 namespace {
 
@@ -65,40 +66,27 @@ double cyclesPerNanosecond() {
     return ticks / (clock() - begin) / orvgen::bench::ticksPerCycle();
 }
 
-// One family of ours and FFTW's functions of the same type.
-struct Single {
-    using Real = Orv32f;
-    using Spec = OrvDCT4Spec_32f;
-    using Peer = fftwf_plan;
-    static constexpr const char* name = "_32f";
-    static constexpr auto initAlloc = orvgDCT4InitAlloc_32f;
-    static constexpr auto free = orvgDCT4Free_32f;
-    static constexpr auto run = orvgDCT4_32f;
-    static constexpr auto allocate = fftwf_malloc;
-    static constexpr auto release = fftwf_free;
-    static constexpr auto limit = fftwf_set_timelimit;
-    static constexpr auto plan = fftwf_plan_r2r_1d;
-    static constexpr auto execute = fftwf_execute;
-    static constexpr auto destroy = fftwf_destroy_plan;
-    static constexpr auto forget = fftwf_forget_wisdom;
-};
+// FFTW of one element type.
+template <class Real>
+struct Fftw;
+#define ORVGEN_FFTW(PREFIX, REAL)                              \
+    template <>                                                \
+    struct Fftw<REAL> {                                        \
+        using Plan = PREFIX##_plan;                            \
+        static constexpr auto allocate = PREFIX##_malloc;      \
+        static constexpr auto release = PREFIX##_free;         \
+        static constexpr auto limit = PREFIX##_set_timelimit;  \
+        static constexpr auto plan = PREFIX##_plan_r2r_1d;     \
+        static constexpr auto execute = PREFIX##_execute;      \
+        static constexpr auto destroy = PREFIX##_destroy_plan; \
+        static constexpr auto forget = PREFIX##_forget_wisdom; \
+    };
+ORVGEN_FFTW(fftwf, Orv32f)
+ORVGEN_FFTW(fftw, Orv64f)
+#undef ORVGEN_FFTW
 
-struct Double {
-    using Real = Orv64f;
-    using Spec = OrvDCT4Spec_64f;
-    using Peer = fftw_plan;
-    static constexpr const char* name = "_64f";
-    static constexpr auto initAlloc = orvgDCT4InitAlloc_64f;
-    static constexpr auto free = orvgDCT4Free_64f;
-    static constexpr auto run = orvgDCT4_64f;
-    static constexpr auto allocate = fftw_malloc;
-    static constexpr auto release = fftw_free;
-    static constexpr auto limit = fftw_set_timelimit;
-    static constexpr auto plan = fftw_plan_r2r_1d;
-    static constexpr auto execute = fftw_execute;
-    static constexpr auto destroy = fftw_destroy_plan;
-    static constexpr auto forget = fftw_forget_wisdom;
-};
+template <class Real>
+constexpr const char* typeName = sizeof(Real) == 4 ? "_32f" : "_64f";
 
 // pocketfft by way of SciPy: nanoseconds of one transform by type and length; empty without it.
 std::map<std::pair<std::string, int>, double> pocketfftTimes(int longest) {
@@ -124,52 +112,75 @@ std::string ratio(double other, double ours) {
     return text;
 }
 
-template <class Family>
-void row(int N, double limit, double pocketNanoseconds, double rate) {
-    using Real = typename Family::Real;
+// A line of the table.
+struct Row {
+    Cycles run, plan;  // ours
+    Cycles peer;       // FFTW's run
+    double peerPlanSeconds = 0;
+    double pocketCycles = 0;  // 0: not there
+};
+
+template <class Real>
+Cycles timeRuns(const Real* x, Real* y, int N) {
+    using Ours = orvgen::test::Dct4Functions<Real>;
+    typename Ours::Spec* spec = nullptr;
+    if (Ours::initAlloc(&spec, N) != orvOk) std::abort();
+    const Cycles cycles = measure([&](long calls) {
+        for (; calls > 0; --calls) (void)Ours::run(x, y, spec);
+    });
+    Ours::free(spec);
+    return cycles;
+}
+
+template <class Real>
+Cycles timePlans(int N) {
+    using Ours = orvgen::test::Dct4Functions<Real>;
+    return measure([&](long calls) {
+        for (; calls > 0; --calls) {
+            typename Ours::Spec* made = nullptr;
+            if (Ours::initAlloc(&made, N) != orvOk) std::abort();
+            Ours::free(made);
+        }
+    });
+}
+
+template <class Real>
+Row measured(int N, double limit) {
+    using Peer = Fftw<Real>;
     const auto count = static_cast<std::size_t>(N);
-    auto* x = static_cast<Real*>(Family::allocate(count * sizeof(Real)));
-    auto* y = static_cast<Real*>(Family::allocate(count * sizeof(Real)));
+    auto* x = static_cast<Real*>(Peer::allocate(count * sizeof(Real)));
+    auto* y = static_cast<Real*>(Peer::allocate(count * sizeof(Real)));
 
     // A fresh plan each time: what was found before is forgotten.
-    Family::forget();
-    Family::limit(limit);
+    Peer::forget();
+    Peer::limit(limit);
     const auto begin = std::chrono::steady_clock::now();
-    const typename Family::Peer peer =
-        Family::plan(N, x, y, FFTW_REDFT11, FFTW_PATIENT | FFTW_PRESERVE_INPUT);
-    const double planSeconds =
-        std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    const typename Peer::Plan plan =
+        Peer::plan(N, x, y, FFTW_REDFT11, FFTW_PATIENT | FFTW_PRESERVE_INPUT);
+    const std::chrono::duration<double> planning = std::chrono::steady_clock::now() - begin;
 
     std::mt19937 generator(static_cast<unsigned>(N));
     std::uniform_real_distribution<double> uniform(-1, 1);
     for (std::size_t i = 0; i < count; ++i) x[i] = static_cast<Real>(uniform(generator));
+    const Row row{.run = timeRuns(x, y, N),
+                  .plan = timePlans<Real>(N),
+                  .peer = measure([&](long calls) {
+                      for (; calls > 0; --calls) Peer::execute(plan);
+                  }),
+                  .peerPlanSeconds = planning.count()};
+    Peer::destroy(plan);
+    Peer::release(x);
+    Peer::release(y);
+    return row;
+}
 
-    typename Family::Spec* spec = nullptr;
-    if (Family::initAlloc(&spec, N) != orvOk) std::abort();
-    const Cycles run = measure([&](long calls) {
-        for (; calls > 0; --calls) (void)Family::run(x, y, spec);
-    });
-    const Cycles plan = measure([&](long calls) {
-        for (; calls > 0; --calls) {
-            typename Family::Spec* made = nullptr;
-            if (Family::initAlloc(&made, N) != orvOk) std::abort();
-            Family::free(made);
-        }
-    });
-    const Cycles other = measure([&](long calls) {
-        for (; calls > 0; --calls) Family::execute(peer);
-    });
-
-    const double pocket = pocketNanoseconds * rate;
-    std::printf("%6d %s %8s %10s %12s %10.0f %10.0f %11.0f %10.0f %10.0f %9.2f\n", N, Family::name,
-                ratio(other.least, run.least).c_str(), ratio(pocket, run.least).c_str(),
-                ratio(planSeconds * 1e9 * rate, plan.least).c_str(), run.least, run.median,
-                plan.least, other.least, pocket, planSeconds);
+void print(int N, const char* type, const Row& r, double rate) {
+    std::printf("%6d %s %8s %10s %12s %10.0f %10.0f %11.0f %10.0f %10.0f %9.2f\n", N, type,
+                ratio(r.peer.least, r.run.least).c_str(),
+                ratio(r.pocketCycles, r.run.least).c_str(),
+                ratio(r.peerPlanSeconds * 1e9 * rate, r.plan.least).c_str(), r.run.least,
+                r.run.median, r.plan.least, r.peer.least, r.pocketCycles, r.peerPlanSeconds);
     std::fflush(stdout);
-    Family::free(spec);
-    Family::destroy(peer);
-    Family::release(x);
-    Family::release(y);
 }
 
 struct Arguments {
@@ -203,12 +214,15 @@ int run(int longest, double limit) {
     std::printf("%6s %4s %8s %10s %12s %10s %10s %11s %10s %10s %9s\n", "length", "type", "FFTW/",
                 "pocketfft/", "FFTW/", "least", "median", "least", "FFTW", "pocketfft", "FFTW, s");
     for (int N = 2; N <= longest; N *= 2) {
-        const auto time = [&](const char* type) {
+        const auto addRow = [&]<class Real>(Real) {
+            const char* type = typeName<Real>;
+            Row row = measured<Real>(N, limit);
             const auto found = pocket.find({type, N});
-            return found == pocket.end() ? 0.0 : found->second;
+            if (found != pocket.end()) row.pocketCycles = found->second * rate;
+            print(N, type, row, rate);
         };
-        row<Single>(N, limit, time("_32f"), rate);
-        row<Double>(N, limit, time("_64f"), rate);
+        addRow(Orv32f{});
+        addRow(Orv64f{});
     }
     return 0;
 }
