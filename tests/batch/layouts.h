@@ -28,16 +28,20 @@ std::vector<Layout> layoutsOf(const Family<R>& family, int number, int most) {
         {"one element for all of a transform", 0, 1, T, 1},
         {"one element", 0, 0, 1, n + 1},
     };
+    const auto addInPlace = [&](Layout layout) {
+        layout.inPlace = true;
+        layouts.push_back(layout);
+    };
     if (family.src == family.dst) {
-        layouts.push_back({"rows in place", 1, n, 1, n, true});
-        layouts.push_back({"columns in place", T, 1, T, 1, true});
-        layouts.push_back({"rows with gaps in place", 1, n + 1, 1, n + 1, true});
-        layouts.push_back({"strided in place", -2, 2 * n + 1, -2, 2 * n + 1, true});
+        addInPlace({"rows in place", 1, n, 1, n});
+        addInPlace({"columns in place", T, 1, T, 1});
+        addInPlace({"rows with gaps in place", 1, n + 1, 1, n + 1});
+        addInPlace({"strided in place", -2, 2 * n + 1, -2, 2 * n + 1});
     } else if (family.src.bins != family.dst.bins) {
         // The same bytes: a bin is two real numbers.
         for (const std::ptrdiff_t bins : {std::max(m, n) / 2 + 1, std::max(m, n) / 2 + 3}) {
             const std::ptrdiff_t s = family.src.bins ? bins : 2 * bins;
-            layouts.push_back({"CCS in place", 1, s, 1, 3 * bins - s, true});
+            addInPlace({"CCS in place", 1, s, 1, 3 * bins - s});
         }
     }
     return layouts;

@@ -11,14 +11,16 @@
 
 namespace orvgen::test {
 
-inline std::string complexName(bool inverse, int length, bool single) {
-    return (inverse ? "orvgDFTInv_CToC_" : "orvgDFTFwd_CToC_") + std::to_string(length) +
-           (single ? "_32fc" : "_64fc");
+inline constexpr Direction kBothDirections[] = {Direction::Forward, Direction::Inverse};
+
+inline std::string complexName(Direction direction, int length, Precision precision) {
+    return (direction == Direction::Inverse ? "orvgDFTInv_CToC_" : "orvgDFTFwd_CToC_") +
+           std::to_string(length) + (precision == Precision::Single ? "_32fc" : "_64fc");
 }
 
 // Null where the header lists no such kernel.
-inline const ListedKernel* complexKernel(bool inverse, int length, bool single) {
-    const std::string name = complexName(inverse, length, single);
+inline const ListedKernel* complexKernel(Direction direction, int length, Precision precision) {
+    const std::string name = complexName(direction, length, precision);
     for (const ListedKernel& k : listedKernels()) {
         if (k.name == name) return &k;
     }

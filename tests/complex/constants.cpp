@@ -44,7 +44,9 @@ bool holds(const std::vector<Four>& list, const std::vector<double>& lanes) {
 
 TEST(ComplexConstants, LengthEightHoldsItsTwiddles) {
     for (const DataRow& row : dataTable("length8_twiddles").rows()) {
-        const std::string name = complexName(row.text("direction") == "inverse", 8, true);
+        const std::string name = complexName(
+            row.text("direction") == "inverse" ? Direction::Inverse : Direction::Forward, 8,
+            Precision::Single);
         const std::vector<Four> list = vectorsOf(name);
         EXPECT_TRUE(holds(list, row.numbers("real"))) << name;
         EXPECT_TRUE(holds(list, row.numbers("imaginary"))) << name;
@@ -53,7 +55,7 @@ TEST(ComplexConstants, LengthEightHoldsItsTwiddles) {
 
 // Each part of B[k] stands in a lane, with its sign or without.
 TEST(ComplexConstants, LengthSevenHoldsTheSpectrumOfItsRoots) {
-    const std::vector<Four> list = vectorsOf(complexName(false, 7, true));
+    const std::vector<Four> list = vectorsOf(complexName(Direction::Forward, 7, Precision::Single));
     const auto holdsPart = [&](double part) {
         for (const Four& v : list)
             for (const float lane : v)
@@ -83,9 +85,9 @@ TEST(ComplexConstants, HoldTwiddlesOfSixtyAndNoneOfSixtyThree) {
         }
         return found;
     };
-    for (const bool inverse : {false, true}) {
-        const std::string sixty = complexName(inverse, 60, true);
-        const std::string sixtyThree = complexName(inverse, 63, true);
+    for (const Direction direction : kBothDirections) {
+        const std::string sixty = complexName(direction, 60, Precision::Single);
+        const std::string sixtyThree = complexName(direction, 63, Precision::Single);
         EXPECT_GT(denominators(sixty, 60), 0);
         EXPECT_EQ(denominators(sixtyThree, 63), 0);
     }

@@ -53,13 +53,14 @@ bool sameBits(const Vector<Real>& a, const Vector<Real>& b) {
 
 template <class Real>
 void check() {
-    const bool single = sizeof(Real) == 4;
-    const std::string prefix = single ? "f32_" : "f64_";
-    CountCheck found(single ? "inverse_relations_f32" : "inverse_relations_f64");
+    constexpr Precision precision = sizeof(Real) == 4 ? Precision::Single : Precision::Double;
+    constexpr bool isSingle = precision == Precision::Single;
+    const std::string prefix = isSingle ? "f32_" : "f64_";
+    CountCheck found(isSingle ? "inverse_relations_f32" : "inverse_relations_f64");
     for (const DataRow& row : dataTable("inverse_relations").rows()) {
         const auto n = static_cast<int>(row.integer("length"));
-        const ListedKernel* forward = complexKernel(false, n, single);
-        const ListedKernel* inverse = complexKernel(true, n, single);
+        const ListedKernel* forward = complexKernel(Direction::Forward, n, precision);
+        const ListedKernel* inverse = complexKernel(Direction::Inverse, n, precision);
         ASSERT_TRUE(forward && inverse) << n;
         std::mt19937 engine(static_cast<unsigned>(n));
         std::uniform_real_distribution<Real> value(-1, 1);
@@ -92,8 +93,8 @@ TEST(InverseRelations, HoldForSpecialInputsUpToTheSignOfZero) {
     };
     for (const DataRow& row : dataTable("inverse_relations").rows()) {
         const auto n = static_cast<int>(row.integer("length"));
-        const ListedKernel* forward = complexKernel(false, n, true);
-        const ListedKernel* inverse = complexKernel(true, n, true);
+        const ListedKernel* forward = complexKernel(Direction::Forward, n, Precision::Single);
+        const ListedKernel* inverse = complexKernel(Direction::Inverse, n, Precision::Single);
         ASSERT_TRUE(forward && inverse) << n;
         for (const auto& input : makeInputs<float>(forward->srcCount, 8)) {
             const Vector<float>& x = input.values;

@@ -64,11 +64,11 @@ Elements forward(const Elements& z) {
 }
 
 // The directions differ in the sign of the last step, so that outputs k and N - k trade places.
-Elements transformed(const Elements& z, bool inverse) {
+Elements transformed(const Elements& z, Direction direction) {
     const Elements y = forward(z);
     Elements result;
     for (std::size_t k = 0; k < y.size(); ++k)
-        result.push_back(y[inverse ? (y.size() - k) % y.size() : k]);
+        result.push_back(y[direction == Direction::Inverse ? (y.size() - k) % y.size() : k]);
     return result;
 }
 
@@ -82,15 +82,15 @@ TEST(ScalarFormulas, GiveTheBitsOfTheKernels) {
     for (const DataRow& row : dataTable("complex_f32_base").rows()) {
         const int n = static_cast<int>(row.integer("length"));
         if (row.text("form") != "butterfly") continue;
-        for (const bool inverse : {false, true}) {
-            const ListedKernel* k = complexKernel(inverse, n, true);
+        for (const Direction direction : kBothDirections) {
+            const ListedKernel* k = complexKernel(direction, n, Precision::Single);
             ASSERT_NE(k, nullptr);
             ++kernels;
             for (const auto& input : makeInputs<float>(k->srcCount, k->srcCount)) {
                 const std::vector<float>& x = input.values;
                 Elements z;
                 for (std::size_t i = 0; i < x.size(); i += 2) z.push_back({x[i], x[i + 1]});
-                const Elements expected = transformed(z, inverse);
+                const Elements expected = transformed(z, direction);
                 for (const std::int32_t flag : {1, 2, 4, 8}) {
                     std::vector<float> y(x.size());
                     ASSERT_EQ(k->call(x.data(), y.data(), flag), orvOk);

@@ -30,8 +30,8 @@ Vector random(int length) {
 // Both directions of a binary32 length, those that exist.
 template <class Check>
 void bothDirections(int length, Check check) {
-    for (const bool inverse : {false, true}) {
-        const ListedKernel* k = complexKernel(inverse, length, true);
+    for (const Direction direction : kBothDirections) {
+        const ListedKernel* k = complexKernel(direction, length, Precision::Single);
         ASSERT_NE(k, nullptr);
         SCOPED_TRACE(k->name);
         check(*k);
@@ -139,8 +139,8 @@ TEST(ComplexInputs, BluesteinKernelsReadOneElementBehind) {
 }
 
 TEST(ComplexInputs, AnImpulseAtOneGivesTheRootsInOrder) {
-    for (const bool inverse : {false, true}) {
-        const ListedKernel* k = complexKernel(inverse, 15, true);
+    for (const Direction direction : kBothDirections) {
+        const ListedKernel* k = complexKernel(direction, 15, Precision::Single);
         ASSERT_NE(k, nullptr);
         Vector x(k->srcCount);
         x[2] = 1;
@@ -148,7 +148,9 @@ TEST(ComplexInputs, AnImpulseAtOneGivesTheRootsInOrder) {
         for (std::size_t i = 0; i < 15; ++i) {
             const double angle = 2 * std::numbers::pi * static_cast<double>(i) / 15;
             EXPECT_NEAR(y[2 * i], std::cos(angle), 1e-6) << k->name;
-            EXPECT_NEAR(y[2 * i + 1], (inverse ? 1 : -1) * std::sin(angle), 1e-6) << k->name;
+            EXPECT_NEAR(y[2 * i + 1], (direction == Direction::Inverse ? 1 : -1) * std::sin(angle),
+                        1e-6)
+                << k->name;
         }
     }
 }
@@ -196,7 +198,7 @@ TEST(ComplexInputs, LengthThreeOfOnesIsExact) {
 // The kernel of length 3 takes its products in binary64; the same formula in binary32 alone rounds
 // differently for some inputs.
 TEST(ComplexInputs, LengthThreeIsNotBinary32Alone) {
-    const ListedKernel* k = complexKernel(false, 3, true);
+    const ListedKernel* k = complexKernel(Direction::Forward, 3, Precision::Single);
     ASSERT_NE(k, nullptr);
     const float s = 0.8660254F;
     int differing = 0;
@@ -220,10 +222,10 @@ TEST(ComplexInputs, LengthThreeIsNotBinary32Alone) {
 // the first outputs are those of the stage. They are near those of the kernels 3 and 5 and not the
 // same: the stage is binary32 throughout.
 TEST(ComplexInputs, StagesOfThreeAndFiveRoundOtherwiseThanTheKernels) {
-    for (const bool inverse : {false, true}) {
+    for (const Direction direction : kBothDirections) {
         for (const int n : {3, 5}) {
-            const ListedKernel* alone = complexKernel(inverse, n, true);
-            const ListedKernel* inside = complexKernel(inverse, 2 * n, true);
+            const ListedKernel* alone = complexKernel(direction, n, Precision::Single);
+            const ListedKernel* inside = complexKernel(direction, 2 * n, Precision::Single);
             ASSERT_TRUE(alone && inside);
             std::vector<int> differing(static_cast<std::size_t>(n));
             std::mt19937 engine(static_cast<unsigned>(n));
@@ -250,8 +252,8 @@ TEST(ComplexInputs, StagesOfThreeAndFiveRoundOtherwiseThanTheKernels) {
 // output of the binary64 kernels keeps a clean imaginary part.
 TEST(ComplexInputs, DoubleKernelsKeepTheFirstImaginaryPartClean) {
     for (const int n : kLengths) {
-        for (const bool inverse : {false, true}) {
-            const ListedKernel* k = complexKernel(inverse, n, false);
+        for (const Direction direction : kBothDirections) {
+            const ListedKernel* k = complexKernel(direction, n, Precision::Double);
             ASSERT_NE(k, nullptr);
             std::vector<double> x(k->srcCount, 0.5);
             for (const double special : {HUGE_VAL, std::nan("")}) {

@@ -77,7 +77,8 @@ bool same(float a, float b) {
 template <class Written>
 void compare(int n, const Written& transformed) {
     for (const Sign sign : {Sign::Forward, Sign::Inverse}) {
-        const ListedKernel* kernel = complexKernel(sign == Sign::Inverse, n, true);
+        const ListedKernel* kernel = complexKernel(
+            sign == Sign::Inverse ? Direction::Inverse : Direction::Forward, n, Precision::Single);
         ASSERT_NE(kernel, nullptr);
         for (const Input<float>& input : makeInputs<float>(kernel->srcCount, 8)) {
             Numbers x;

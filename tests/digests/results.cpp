@@ -19,11 +19,11 @@ constexpr unsigned roundingModes[] = {0x1f80, 0x3f80, 0x5f80, 0x7f80};
 
 // Where a call finds its buffers: reals behind a 64-byte boundary.
 struct Placement {
-    std::size_t src, dst;
-    bool shared;
+    std::size_t src = 0, dst = 0;
+    bool shared = false;
 };
-constexpr Placement aligned{0, 0, false};
-constexpr Placement others[] = {{1, 0, false}, {0, 1, false}, {1, 1, false}, {0, 0, true}};
+constexpr Placement aligned;
+constexpr Placement others[] = {{.src = 1}, {.dst = 1}, {.src = 1, .dst = 1}, {.shared = true}};
 
 template <class Real>
 using BitsOf = std::conditional_t<sizeof(Real) == 4, std::uint32_t, std::uint64_t>;

@@ -18,15 +18,16 @@ namespace {
 
 using namespace written;
 
-const Joins forwardJoins = {{8, {4, 2, true}},   {9, {3, 3, true}},   {16, {4, 4, true}},
-                            {24, {3, 8, false}}, {45, {5, 9, false}}, {48, {16, 3, false, true}},
-                            {56, {7, 8, false}}};
-const Joins inverseJoins = {{8, {4, 2, true}},   {9, {3, 3, true}},   {16, {8, 2, true}},
-                            {24, {8, 3, false}}, {45, {5, 9, false}}, {48, {16, 3, false}},
-                            {56, {8, 7, false}}};
+const Joins forwardJoins = {{8, twiddled(4, 2)},  {9, twiddled(3, 3)},
+                            {16, twiddled(4, 4)}, {24, coprime(3, 8)},
+                            {45, coprime(5, 9)},  {48, renumbered(coprime(16, 3))},
+                            {56, coprime(7, 8)}};
+const Joins inverseJoins = {{8, twiddled(4, 2)}, {9, twiddled(3, 3)}, {16, twiddled(8, 2)},
+                            {24, coprime(8, 3)}, {45, coprime(5, 9)}, {48, coprime(16, 3)},
+                            {56, coprime(8, 7)}};
 // Of the complex rows in an inverse: 16 as complex transforms, 8 as two real ones.
-const Joins rowJoins = {{16, {2, 8, true}}};
-const Joins rowParts = {{8, {2, 4, true}}};
+const Joins rowJoins = {{16, twiddled(2, 8)}};
+const Joins rowParts = {{8, twiddled(2, 4)}};
 const Joins none;
 
 template <class T>
@@ -135,18 +136,21 @@ std::vector<T> hartley(int n, const std::vector<T>& x, Scale<T> scale) {
 }
 
 // The real transforms of both parts at once, X = A + i B.
-std::vector<double> complexDouble(bool inverse, int n, const std::vector<double>& x,
+std::vector<double> complexDouble(Direction direction, int n, const std::vector<double>& x,
                                   Scale<double> scale) {
     Values<double> re, im;
     for (std::size_t i = 0; i < x.size(); i += 2) {
         re.emplace_back(x[i]);
         im.emplace_back(x[i + 1]);
     }
-    const Transforms<double> transforms(forwardJoins, none, none, inverse ? -1 : 1);
+    const Transforms<double> transforms(forwardJoins, none, none,
+                                        direction == Direction::Inverse
+                                            ? DirectSums::UpwardsMinusFirst
+                                            : DirectSums::UpwardsPlusFirst);
     const Spectrum<double> A = transforms.real(n, 1, re), B = transforms.real(n, 1, im);
     std::vector<double> y(x.size());
     const auto put = [&](std::size_t k, const Value<double>& r, const Value<double>& i) {
-        const std::size_t bin = inverse && k > 0 ? re.size() - k : k;
+        const std::size_t bin = direction == Direction::Inverse && k > 0 ? re.size() - k : k;
         y[2 * bin] = scale.behind(r);
         y[2 * bin + 1] = scale.behind(i);
     };
@@ -220,11 +224,12 @@ TYPED_TEST(WrittenLengths, OfHartleyHaveTheBitsOfTheKernels) {
 }
 
 TEST(WrittenComplex, OfBinary64HasTheBitsOfTheKernels) {
-    for (const bool inverse : {false, true})
-        compare<double>(inverse ? "orvgDFTInv_CToC_64fc" : "orvgDFTFwd_CToC_64fc",
-                        [inverse](int n, const std::vector<double>& x, Scale<double> scale) {
-                            return complexDouble(inverse, n, x, scale);
-                        });
+    for (const auto& [direction, name] : {std::pair{Direction::Forward, "orvgDFTFwd_CToC_64fc"},
+                                          {Direction::Inverse, "orvgDFTInv_CToC_64fc"}})
+        compare<double>(name, [direction = direction](int n, const std::vector<double>& x,
+                                                      Scale<double> scale) {
+            return complexDouble(direction, n, x, scale);
+        });
 }
 
 }  // namespace

@@ -45,18 +45,20 @@ Moves movesOf(const Trace& trace) {
 
 const DataRow& shapeRow(int length) { return dataTable("complex_f32_shape").row("length", length); }
 
-// The complex binary32 kernels, with `vector` those from length 6 on.
+// The complex binary32 kernels from the length on; from 6 on they work in vectors.
+constexpr int kFirstInVectors = 6;
+
 template <class Check>
-void forComplexSingle(bool vector, Check check) {
+void forComplexSingle(int first, Check check) {
     for (const ListedKernel& k : listedKernels()) {
-        if (!k.complex || !k.single || (vector && k.length < 6)) continue;
+        if (!k.complex || !k.single || k.length < first) continue;
         SCOPED_TRACE(k.name);
         check(k);
     }
 }
 
 TEST(ComplexSingle, WholeVectorsAreMovedAsAlignmentAllows) {
-    forComplexSingle(true, [](const ListedKernel& k) {
+    forComplexSingle(kFirstInVectors, [](const ListedKernel& k) {
         const Moves aligned = movesOf(traceOf(k.name));
         const Moves twin = movesOf(traceOf(k.twinName, 8));
         EXPECT_FALSE(aligned.other);
@@ -104,7 +106,7 @@ std::vector<std::string> bodyText(const Trace& trace) {
 }
 
 TEST(ComplexSingle, MovesHalvesOnlyWhereListed) {
-    forComplexSingle(true, [](const ListedKernel& k) {
+    forComplexSingle(kFirstInVectors, [](const ListedKernel& k) {
         const bool rader = dataTable("complex_f32_rader").find("length", k.length) != nullptr;
         const bool listed = shapeRow(k.length).flag("half_accesses_only");
         const Moves m = movesOf(traceOf(k.name));
@@ -115,7 +117,7 @@ TEST(ComplexSingle, MovesHalvesOnlyWhereListed) {
 }
 
 TEST(ComplexSingle, BluesteinKernelsMoveWholeVectors) {
-    forComplexSingle(true, [](const ListedKernel& k) {
+    forComplexSingle(kFirstInVectors, [](const ListedKernel& k) {
         if (!dataTable("complex_f32_bluestein").find("length", k.length)) return;
         const Moves m = movesOf(traceOf(k.name));
         EXPECT_TRUE(m.halfLoads.empty());
@@ -129,7 +131,7 @@ TEST(ComplexSingle, BluesteinKernelsMoveWholeVectors) {
 
 TEST(ComplexSingle, ZeroVectorsWhereLanesAreEmpty) {
     CountCheck check("complex_f32_shape");
-    forComplexSingle(true, [&](const ListedKernel& k) {
+    forComplexSingle(kFirstInVectors, [&](const ListedKernel& k) {
         for (const std::string& function : {k.name, k.twinName}) {
             bool clears = false;
             for (const Step& s : traceOf(function).steps) {
@@ -149,7 +151,7 @@ TEST(ComplexSingle, ZeroVectorsWhereLanesAreEmpty) {
 // Vectors of constants and temporaries lie on 16-byte boundaries and are read so, by the twin too.
 // The scale is one binary32 number, spread to the lanes by two unpacks with itself.
 TEST(ComplexSingle, ConstantsAreAlignedVectorsAndTheScaleIsSpread) {
-    forComplexSingle(true, [](const ListedKernel& k) {
+    forComplexSingle(kFirstInVectors, [](const ListedKernel& k) {
         for (const std::string& function : {k.name, k.twinName}) {
             long single = 0, spreads = 0;
             for (const Step& s : traceOf(function, function == k.name ? 0 : 4).steps) {
@@ -172,7 +174,7 @@ TEST(ComplexSingle, ConstantsAreAlignedVectorsAndTheScaleIsSpread) {
 }
 
 TEST(ComplexSingle, NothingIsStoredToTheStackWhereListed) {
-    forComplexSingle(false, [](const ListedKernel& k) {
+    forComplexSingle(kLengths.first, [](const ListedKernel& k) {
         if (!shapeRow(k.length).flag("no_stack_store")) return;
         EXPECT_EQ(BodyCounts(traceOf(k.name)).stackStores(), 0);
         if (!k.twin) return;
@@ -188,7 +190,7 @@ TEST(ComplexSingle, Length64IsNoLongerThanPromised) {
 
 // Scalar code has no twin, and vector code has one.
 TEST(ComplexSingle, ScalarCodeAndTwinsAreThoseOfTheTable) {
-    forComplexSingle(false, [](const ListedKernel& k) {
+    forComplexSingle(kLengths.first, [](const ListedKernel& k) {
         const DataRow& row = shapeRow(k.length);
         EXPECT_EQ(library().has(twinName(*k.info, k.length)), row.flag("twin"));
         const Trace trace = traceOf(k.name);
@@ -209,7 +211,7 @@ TEST(ComplexSingle, ScalarCodeAndTwinsAreThoseOfTheTable) {
 // Where the columns of the first stage are a multiple of four, neighbours in memory are neighbours
 // in lanes: whole vectors are read, and nothing else.
 TEST(ComplexSingle, FullColumnsAreReadByWholeVectors) {
-    forComplexSingle(true, [](const ListedKernel& k) {
+    forComplexSingle(kFirstInVectors, [](const ListedKernel& k) {
         if (k.length % 16 != 0) return;
         const Moves m = movesOf(traceOf(k.name));
         EXPECT_TRUE(m.halfLoads.empty() && m.halfStores.empty());
@@ -221,7 +223,7 @@ TEST(ComplexSingle, FullColumnsAreReadByWholeVectors) {
 
 // binary64 at lengths 3 and 5 only; scalars below length 6, vectors from there on.
 TEST(ComplexSingle, IsDoneInBinary32AndFourLanes) {
-    forComplexSingle(false, [](const ListedKernel& k) {
+    forComplexSingle(kLengths.first, [](const ListedKernel& k) {
         const BodyCounts c(traceOf(k.name));
         const auto arithmetic = [&](Lanes lanes) {
             return c.count(Kind::add, lanes) + c.count(Kind::multiply, lanes);

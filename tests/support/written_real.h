@@ -20,6 +20,21 @@ struct Join {
 };
 using Joins = std::map<int, Join>;
 
+constexpr Join twiddled(int first, int second) {
+    return {.first = first, .second = second, .twiddles = true};
+}
+constexpr Join coprime(int first, int second) {
+    return {.first = first, .second = second, .twiddles = false};
+}
+constexpr Join renumbered(Join join) {
+    join.renumbered = true;
+    return join;
+}
+
+// The sums of direct blocks: their pairs along the powers of the inverse of a primitive root, or
+// upwards, a sum of sines then beginning with its first plus or minus.
+enum class DirectSums { ByPowers, UpwardsPlusFirst, UpwardsMinusFirst };
+
 // `e` is the exponent of the root of unity; with w = exp(2 pi
 // i / n) the forward ones have w^(-e ...), the inverse ones w^(e ...).
 template <class T>
@@ -28,14 +43,12 @@ class Transforms {
     using Bin = RealBin<T>;
 
   public:
-    // `positiveFirst`: direct blocks take their pairs upwards and begin a sum of sines with a term
-    // that is positive in a transform of this sign; 0: they do not.
     Transforms(const Joins& forward, const Joins& inverse, const Joins& complexRows,
-               int positiveFirst = 0)
+               DirectSums sums = DirectSums::ByPowers)
         : forwardJoins(forward),
           inverseJoins(inverse),
           complexJoins(complexRows),
-          sign(positiveFirst) {}
+          directSums(sums) {}
 
     // X[k] = sum of x[t] w^(-e t k)
     Spectrum<T> real(int n, long e, Values<T> x) const {
@@ -118,7 +131,7 @@ class Transforms {
     const Joins& forwardJoins;
     const Joins& inverseJoins;
     const Joins& complexJoins;
-    int sign;
+    DirectSums directSums;
 
     static std::size_t at(long i, long n) { return static_cast<std::size_t>((i % n + n) % n); }
 
@@ -139,8 +152,9 @@ class Transforms {
         for (std::size_t i = 0; i < order.size(); ++i)
             terms.push_back(sine(f * order[i], n) * d[i]);
         std::size_t first = 0;
-        if (sign != 0) {
-            while (first < terms.size() && terms[first].minus == (sign > 0)) ++first;
+        if (directSums != DirectSums::ByPowers) {
+            const bool wanted = directSums == DirectSums::UpwardsMinusFirst;
+            while (first < terms.size() && terms[first].minus != wanted) ++first;
             if (first == terms.size()) first = 0;
         }
         V sum = terms[first];
@@ -149,7 +163,7 @@ class Transforms {
         return sum;
     }
     std::vector<int> pairs(int n) const {
-        if (sign == 0) return BaseForms<AllDouble>::pairOrder(n);
+        if (directSums == DirectSums::ByPowers) return BaseForms<AllDouble>::pairOrder(n);
         std::vector<int> upwards;
         for (int u = 1; 2 * u < n; ++u) upwards.push_back(u);
         return upwards;
