@@ -142,8 +142,8 @@ std::vector<Member> calledBy(const std::vector<Member>& members,
             isCalled[i] = any = true;
         }
         if (!any)
-            throw UnknownName("no kernel is called " + word + nearest(all, lower(word)) +
-                              "\nthere are:" + listOf(all));
+            throw UnknownName((word.empty() ? "a name is empty" : "no kernel is called " + word) +
+                              nearest(all, lower(word)) + "\nthere are:" + listOf(all));
     }
     std::vector<Member> chosen;
     for (std::size_t i = 0; i < all.size(); ++i)

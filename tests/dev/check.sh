@@ -115,6 +115,30 @@ grep -q "^wht: test_wht " "$copy/out" || problem "test list"
 gives 0 test
 grep -q "^dev: 1 tests in 1 programs, 0 skipped, all others passed" "$copy/out" || problem "no count"
 
+# Packages are made of what git tracks, with what was changed and without what was deleted since; without git of all but
+# what is built.
+stand_in "$copy/bin/cpack" <<<'touch orvgen-1-Linux.tar.gz'
+stand_in "$copy/bin/dpkg-buildpackage" <<<"find . -type f | sort >>'$copy/log'; cat dev >'$copy/packed'; touch ../a.deb"
+packs() { gives 0 package && logs ./tools/dev/lib.sh && grep -q "^# changed$" "$copy/packed" || problem "package: not the tree's files"; }
+mkdir "$copy/tree/a folder"
+touch "$copy/tree/gone" "$copy/tree/a folder/a page"
+echo /build >"$copy/tree/.gitignore"
+tracking() { git -C "$copy/tree" -c user.name=a -c user.email=a "$@" || problem "git $*"; }
+tracking init -q
+tracking add .
+tracking commit -q -m all
+rm "$copy/tree/gone"
+touch "$copy/tree/spectrogram.png"
+echo "# changed" >>"$copy/tree/dev"
+packs
+logs "./a folder/a page"
+logs_not "spectrogram.png\|gone"
+grep -q "^dev: without files that git does not track: spectrogram.png$" "$copy/out" || problem "package: silent"
+rm -rf "$copy/tree/.git"
+packs
+logs ./spectrogram.png
+logs_not "./build"
+
 # What fails gives 1, whatever the tool's own status.
 CTEST_FAILS=8 gives 1 test || true
 CMAKE_FAILS=3 gives 1 run

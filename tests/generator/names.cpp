@@ -74,7 +74,8 @@ TEST(Names, WhatCallsNoneGetsTheNearestAndAList) {
               "orvgDFTFwd_CToC_63_32fc, orvgDFTFwd_CToC_62_32fc, orvgDFTFwd_CToC_61_32fc" +
                   list);
     EXPECT_EQ(message("rubbish"), "no kernel is called rubbish" + list);
-    for (const char* word : {"", "64fc", "64f", "32fc", "orvg"})
+    EXPECT_EQ(message(""), "a name is empty" + list);
+    for (const char* word : {"64fc", "64f", "32fc", "orvg"})
         EXPECT_EQ(message(word).substr(0, 20), "no kernel is called ") << word;
 }
 

@@ -8,6 +8,18 @@ takes 1 "$@"
 need build test examples package
 packages=$root/$build/packages
 
+# What the packages are made of: what git tracks, and without git all but what is built. Pictures that programs have left
+# in the tree belong to nobody else.
+tracked() { git -c safe.directory='*' ls-files "$@"; }
+sources() {
+    local file
+    if [[ -e .git ]]; then
+        tracked -z | while IFS= read -r -d '' file; do [[ ! -e $file && ! -L $file ]] || printf '%s\0' "$file"; done
+    else
+        find . -path ./build -prune -o ! -type d -print0
+    fi
+}
+
 # debian_packages FOLDER: builds them of a copy of the tree there, with the kernels that the build has written. Objects of
 # the time before are kept, nothing else.
 debian_packages() {
@@ -15,7 +27,7 @@ debian_packages() {
     mkdir -p "$tree"
     rm -f "$1"/*.*
     find "$tree" -mindepth 1 -maxdepth 1 ! -name 'obj-*' -exec rm -r {} +
-    tar --exclude=./build --exclude=./.git -cf - . | tar -xf - -C "$tree"
+    sources | tar --null --no-recursion --files-from=- -cf - | tar -xf - -C "$tree"
     (cd "$tree" && ORVGEN_KERNEL_DIR=$root/build/kernels DEB_BUILD_OPTIONS=parallel=$jobs \
         quietly "$root/$build/package.log" dpkg-buildpackage --build=binary --no-pre-clean --no-sign)
 }
@@ -26,6 +38,9 @@ mkdir -p "$packages"
 (cd "$build" && quietly package.log cpack -G TGZ)
 mv "$build"/orvgen-*.tar.gz "$packages"
 say "building the Debian packages"
+stray=
+[[ ! -e .git ]] || stray=$(tracked --others --exclude-standard | xargs)
+[[ -z $stray ]] || say "without files that git does not track: $stray"
 debian_packages "$root/build/package"
 cp build/package/*.deb "$packages"
 ls "$packages"/*
