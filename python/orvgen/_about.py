@@ -7,7 +7,7 @@ import csv
 from fnmatch import fnmatchcase
 from functools import lru_cache
 from pathlib import Path
-from typing import Callable, Dict, List, NamedTuple, Tuple
+from typing import Any, Callable, Dict, List, NamedTuple, Tuple
 
 from . import _batch
 
@@ -104,25 +104,39 @@ class Kernel(NamedTuple):
 
 @lru_cache(maxsize=1)
 def _table() -> Tuple[Kernel, ...]:
-    convert: Dict[str, Callable] = dict.fromkeys(Kernel._fields, int)
+    convert: Dict[str, Callable[[str], Any]] = dict.fromkeys(Kernel._fields, int)
     convert.update(name=str, family=str, plan=str, cycles=float, bound=float, error=float)
     with open(Path(__file__).with_name("kernels.csv"), newline="") as file:
         rows = list(csv.DictReader(file))
     return tuple(Kernel(**{k: convert[k](v) for k, v in row.items()}) for row in rows)
 
 
+def _forms(kernel: Kernel) -> List[str]:
+    """What calls a kernel: its name, its family's with the type or without, each without "orvg" and
+    without the words before an underscore. (The type alone would be half of the library.)"""
+    untyped = kernel.family.rsplit("_", 1)[0]
+    forms = []
+    for name in (kernel.name, kernel.family, untyped):
+        words = name[len("orvg") :].lower().split("_")
+        tails = ["_".join(words[i:]) for i in range(len(words))]
+        forms += ["orvg" + tails[0], *(tail for tail in tails if "_" in tail or name == untyped)]
+    return forms
+
+
 def kernels(pattern: str = "*") -> List[Kernel]:
     """The kernels of the library with their plans, operations, code and errors, by a pattern of names.
 
-    The data is that of ``./dev show`` and docs/accuracy.md. (A batch in wide vectors does the same
+    Names are those that ``./dev show`` takes, in upper or lower case: a kernel's in full or short
+    (DFTFwd_CToC_64_32fc, CToC_64_32fc) or a family's (WHT_32f). The data is that of ``./dev show`` and docs/accuracy.md. (A batch in wide vectors does the same
     operations, on as many transforms at once as a vector has lanes. A DCT-IV runs by its plan and
     has no kernel of its own.)
 
     >>> import orvgen
-    >>> len(orvgen.kernels("orvgHartley_*_32f"))
+    >>> len(orvgen.kernels("Hartley_32f"))
     63
-    >>> k = orvgen.kernels("orvgDFTFwd_CToC_48_32fc")[0]
+    >>> k = orvgen.kernels("DFTFwd_CToC_48_32fc")[0]
     >>> k.plan, k.additions, k.error < k.bound
     ('4 T (3, 4)', 636, True)
     """
-    return [k for k in _table() if fnmatchcase(k.name, pattern)]
+    word = pattern.lower()
+    return [k for k in _table() if any(fnmatchcase(form, word) for form in _forms(k))]

@@ -3,14 +3,14 @@
 
 from __future__ import annotations
 
-from operator import index
 from typing import Any, Iterator, List, Optional, Sequence, Tuple
 
 import numpy as np
 
-from ._kinds import Kind
+from ._kinds import Kind, whole
 from ._run import checked_out, empty_alike, replaced, run
 from ._threads import count_of_workers, crosses, share
+from ._types import Array, IntOrNone, Norm, Out
 
 # Bytes of a piece, in the source or in a result. Half of a second-level cache holds a piece of the source,
 # what is made of it on the way, and its result.
@@ -23,41 +23,13 @@ Step = Tuple[Kind, int, Optional[int]]
 """A kind, the axis that it runs along, and the points, None for the axis's own."""
 
 
-def axes_of(
-    name: str, x: np.ndarray, s: Optional[Sequence[int]], axes: Optional[Sequence[int]]
-) -> Tuple[List[int], List[Optional[int]]]:
-    """The axes of an n-dimensional transform, and the length along each, None where it is the
-    array's own."""
-    lengths = None if s is None else [index(n) for n in np.atleast_1d(np.asarray(s)).tolist()]
-    if axes is None:
-        chosen = list(range(x.ndim))
-        if lengths is not None:
-            if len(lengths) > x.ndim:
-                raise ValueError(f"{name}: s has more lengths than the array has axes")
-            chosen = chosen[x.ndim - len(lengths) :]
-    else:
-        chosen = []
-        for axis in np.atleast_1d(np.asarray(axes)).tolist():
-            axis = index(axis)
-            if not -x.ndim <= axis < x.ndim:
-                raise ValueError(f"{name}: axis {axis} of an array with {x.ndim} axes")
-            chosen.append(axis % x.ndim)
-        if len(set(chosen)) != len(chosen):
-            raise ValueError(f"{name}: all axes must be unique")
-    if lengths is None:
-        return chosen, [None] * len(chosen)
-    if len(lengths) != len(chosen):
-        raise ValueError(f"{name}: s and axes must have the same length")
-    return chosen, [None if n == -1 else n for n in lengths]
-
-
 def run_axes(
     steps: Sequence[Step],
     a: Any,
-    norm: Optional[str],
-    out: Optional[np.ndarray],
-    workers: Optional[int],
-) -> np.ndarray:
+    norm: Norm,
+    out: Out,
+    workers: IntOrNone,
+) -> Array:
     """The steps one after the other, along different axes."""
     x = np.asarray(a)
     taken = {axis for _, axis, _ in steps}
@@ -75,24 +47,24 @@ def run_axes(
     pieces = [(x, y)] if crosses(x, y) else list(_cut(x, y, outer))
     if len(pieces) == 1:
         return _whole(steps, x, norm, out, workers)
-    threads = 1 if workers is None else count_of_workers(workers)
+    threads = 1 if workers is None else count_of_workers(steps[0][0].name, workers)
     share(lambda some: _through(steps, norm, some), pieces, x.size, threads)
     return out
 
 
 def _whole(
     steps: Sequence[Step],
-    x: np.ndarray,
-    norm: Optional[str],
-    out: Optional[np.ndarray],
-    workers: Optional[int],
-) -> np.ndarray:
+    x: Array,
+    norm: Norm,
+    out: Out,
+    workers: IntOrNone,
+) -> Array:
     """Axis by axis."""
-    spare: Optional[np.ndarray] = None
+    spare: Out = None
     for number, (kind, axis, n) in enumerate(steps):
         place = out if number == len(steps) - 1 else None
         if place is None and spare is not None:
-            m = kind.result(kind.default(x.shape[axis]) if n is None else index(n))
+            m = kind.result(kind.default(x.shape[axis]) if n is None else whole(kind.name, "n", n))
             if spare.shape == replaced(x.shape, axis, m) and spare.dtype == kind.types[x.dtype]:
                 place = spare
         result = run(kind, x, n, axis, norm, place, workers)
@@ -102,10 +74,10 @@ def _whole(
     return x
 
 
-_Piece = Tuple[np.ndarray, np.ndarray]
+_Piece = Tuple[Array, Array]
 
 
-def _cut(x: np.ndarray, y: np.ndarray, outer: List[int]) -> Iterator[_Piece]:
+def _cut(x: Array, y: Array, outer: List[int]) -> Iterator[_Piece]:
     """Source and result in pieces, along the outer axes whose elements lie farthest apart."""
     size = max(x.nbytes, y.nbytes)
     if size <= _PIECE or not outer:
@@ -124,10 +96,10 @@ def _cut(x: np.ndarray, y: np.ndarray, outer: List[int]) -> Iterator[_Piece]:
             yield from _cut(x[at], y[at], [i for i in outer if i != axis])
 
 
-def _through(steps: Sequence[Step], norm: Optional[str], pieces: Sequence[_Piece]) -> None:
+def _through(steps: Sequence[Step], norm: Norm, pieces: Sequence[_Piece]) -> None:
     """All steps on one piece after the other. What comes between stays in the same memory."""
     shape: Tuple[int, ...] = ()
-    between: List[Optional[np.ndarray]] = []
+    between: List[Optional[Array]] = []
     for x, y in pieces:
         if x.shape != shape:
             shape, between = x.shape, [None] * (len(steps) - 1)

@@ -3,28 +3,24 @@
 
 from __future__ import annotations
 
-from typing import Any, Optional, Sequence
+from typing import SupportsIndex
 
-import numpy as np
 import numpy.typing as npt
 
-from . import _kinds
-from ._axes import axes_of, run_axes
+from . import _kinds, _several
 from ._run import run
-
-Norm = Optional[str]
-Out = Optional[np.ndarray]
+from ._types import Array, IntOrNone, IntsOrNone, Norm, Out
 
 
 def fft(
     a: npt.ArrayLike,
-    n: Optional[int] = None,
-    axis: int = -1,
+    n: IntOrNone = None,
+    axis: SupportsIndex = -1,
     norm: Norm = None,
     out: Out = None,
     *,
-    workers: Optional[int] = None,
-) -> np.ndarray:
+    workers: IntOrNone = None,
+) -> Array:
     """The discrete Fourier transform along an axis.
 
     ``y[k] = s sum_j a[j] exp(-2 pi i j k / n)``, in natural order. Every transform along the axis
@@ -45,7 +41,8 @@ def fft(
     out : ndarray, optional
         Where the result goes: of its shape and type, with any strides; may be `a` itself.
     workers : int, optional
-        Threads among which the other axes are divided; -1 for one on each processor. Default: 1.
+        Threads among which the other axes are divided, one on each processor at most; -1 for all of
+        these, -2 for all but one. Default: 1.
 
     Returns
     -------
@@ -56,6 +53,7 @@ def fft(
     ------
     ValueError
         For lengths, axes, norms and outputs that there are not; the message says what is possible.
+        For axes it is NumPy's AxisError, which is an IndexError as well.
     TypeError
         For types that there are not: long double, and whatever does not convert to float64.
 
@@ -76,13 +74,13 @@ def fft(
 
 def ifft(
     a: npt.ArrayLike,
-    n: Optional[int] = None,
-    axis: int = -1,
+    n: IntOrNone = None,
+    axis: SupportsIndex = -1,
     norm: Norm = None,
     out: Out = None,
     *,
-    workers: Optional[int] = None,
-) -> np.ndarray:
+    workers: IntOrNone = None,
+) -> Array:
     """The inverse of `fft`: ``y[j] = s sum_k a[k] exp(2 pi i j k / n)``.
 
     Everything as in `fft`, but for the scale s: 1/n ("backward", default), 1/sqrt(n) ("ortho") or
@@ -98,13 +96,13 @@ def ifft(
 
 def rfft(
     a: npt.ArrayLike,
-    n: Optional[int] = None,
-    axis: int = -1,
+    n: IntOrNone = None,
+    axis: SupportsIndex = -1,
     norm: Norm = None,
     out: Out = None,
     *,
-    workers: Optional[int] = None,
-) -> np.ndarray:
+    workers: IntOrNone = None,
+) -> Array:
     """The bins 0 to n/2 of the Fourier transform of real data.
 
     Parameters as in `fft`; the result has ``n // 2 + 1`` elements along the axis. Complex data is
@@ -119,13 +117,13 @@ def rfft(
 
 def irfft(
     a: npt.ArrayLike,
-    n: Optional[int] = None,
-    axis: int = -1,
+    n: IntOrNone = None,
+    axis: SupportsIndex = -1,
     norm: Norm = None,
     out: Out = None,
     *,
-    workers: Optional[int] = None,
-) -> np.ndarray:
+    workers: IntOrNone = None,
+) -> Array:
     """The inverse of `rfft`: real data from the bins 0 to n/2.
 
     `n` is the number of real points, by default the even one ``2 (bins - 1)``. The imaginary parts
@@ -142,13 +140,13 @@ def irfft(
 
 def hfft(
     a: npt.ArrayLike,
-    n: Optional[int] = None,
-    axis: int = -1,
+    n: IntOrNone = None,
+    axis: SupportsIndex = -1,
     norm: Norm = None,
     out: Out = None,
     *,
-    workers: Optional[int] = None,
-) -> np.ndarray:
+    workers: IntOrNone = None,
+) -> Array:
     """The Fourier transform, which is real, of a signal given by its Hermitian half.
 
     `n` is the number of points of the result, by default the even one ``2 (m - 1)``; the scale is
@@ -163,13 +161,13 @@ def hfft(
 
 def ihfft(
     a: npt.ArrayLike,
-    n: Optional[int] = None,
-    axis: int = -1,
+    n: IntOrNone = None,
+    axis: SupportsIndex = -1,
     norm: Norm = None,
     out: Out = None,
     *,
-    workers: Optional[int] = None,
-) -> np.ndarray:
+    workers: IntOrNone = None,
+) -> Array:
     """The inverse of `hfft`: the Hermitian half of a signal whose Fourier transform is real.
 
     The scale is that of `ifft`.
@@ -183,13 +181,13 @@ def ihfft(
 
 def fftn(
     a: npt.ArrayLike,
-    s: Optional[Sequence[int]] = None,
-    axes: Optional[Sequence[int]] = None,
+    s: IntsOrNone = None,
+    axes: IntsOrNone = None,
     norm: Norm = None,
     out: Out = None,
     *,
-    workers: Optional[int] = None,
-) -> np.ndarray:
+    workers: IntOrNone = None,
+) -> Array:
     """The Fourier transform along several axes, each of 2 to 64 points.
 
     Parameters
@@ -197,7 +195,7 @@ def fftn(
     s : sequence of int, optional
         Points along each of the axes (-1: the axis's own).
     axes : sequence of int, optional
-        The axes; by default the last ``len(s)``, without s all.
+        The axes, each once; by default the last ``len(s)``, without s all.
 
     The others, and the scale along each axis, as in `fft`. The last axis is transformed first.
 
@@ -206,18 +204,18 @@ def fftn(
     array([[6.+0.j, 0.+0.j, 0.-0.j],
            [0.+0.j, 0.+0.j, 0.+0.j]], dtype=complex64)
     """
-    return _complex(_kinds.fft, "fftn", a, s, axes, norm, out, workers)
+    return _several.fftn(a, s, axes, norm, out, workers)
 
 
 def ifftn(
     a: npt.ArrayLike,
-    s: Optional[Sequence[int]] = None,
-    axes: Optional[Sequence[int]] = None,
+    s: IntsOrNone = None,
+    axes: IntsOrNone = None,
     norm: Norm = None,
     out: Out = None,
     *,
-    workers: Optional[int] = None,
-) -> np.ndarray:
+    workers: IntOrNone = None,
+) -> Array:
     """The inverse of `fftn`, with its parameters.
 
     >>> import numpy as np, orvgen
@@ -225,39 +223,36 @@ def ifftn(
     >>> bool(np.allclose(orvgen.ifftn(orvgen.fftn(x)), x))
     True
     """
-    return _complex(_kinds.ifft, "ifftn", a, s, axes, norm, out, workers)
+    return _several.ifftn(a, s, axes, norm, out, workers)
 
 
 def rfftn(
     a: npt.ArrayLike,
-    s: Optional[Sequence[int]] = None,
-    axes: Optional[Sequence[int]] = None,
+    s: IntsOrNone = None,
+    axes: IntsOrNone = None,
     norm: Norm = None,
     out: Out = None,
     *,
-    workers: Optional[int] = None,
-) -> np.ndarray:
+    workers: IntOrNone = None,
+) -> Array:
     """`rfft` along the last of the axes, then `fft` along the others; parameters as in `fftn`.
 
     >>> import numpy as np, orvgen
     >>> orvgen.rfftn(np.ones((3, 4), np.float32)).shape
     (3, 3)
     """
-    x, chosen, lengths = _several("rfftn", a, s, axes)
-    steps = [(_kinds.rfft, chosen[-1], lengths[-1])]
-    steps += [(_kinds.fft, i, n) for i, n in zip(chosen[-2::-1], lengths[-2::-1])]
-    return run_axes(steps, x, norm, out, workers)
+    return _several.rfftn(a, s, axes, norm, out, workers)
 
 
 def irfftn(
     a: npt.ArrayLike,
-    s: Optional[Sequence[int]] = None,
-    axes: Optional[Sequence[int]] = None,
+    s: IntsOrNone = None,
+    axes: IntsOrNone = None,
     norm: Norm = None,
     out: Out = None,
     *,
-    workers: Optional[int] = None,
-) -> np.ndarray:
+    workers: IntOrNone = None,
+) -> Array:
     """The inverse of `rfftn`; ``s`` counts the real points, by default ``2 (bins - 1)`` of the last.
 
     >>> import numpy as np, orvgen
@@ -265,36 +260,36 @@ def irfftn(
     >>> bool(np.allclose(orvgen.irfftn(orvgen.rfftn(x)), x))
     True
     """
-    return _to_real(_kinds.ifft, _kinds.irfft, "irfftn", a, s, axes, norm, out, workers)
+    return _several.irfftn(a, s, axes, norm, out, workers)
 
 
 def hfftn(
     a: npt.ArrayLike,
-    s: Optional[Sequence[int]] = None,
-    axes: Optional[Sequence[int]] = None,
+    s: IntsOrNone = None,
+    axes: IntsOrNone = None,
     norm: Norm = None,
     out: Out = None,
     *,
-    workers: Optional[int] = None,
-) -> np.ndarray:
+    workers: IntOrNone = None,
+) -> Array:
     """`hfft` along the last of the axes behind `fft` along the others; parameters as in `irfftn`.
 
     >>> import numpy as np, orvgen
     >>> orvgen.hfftn(np.ones((2, 3))).shape
     (2, 4)
     """
-    return _to_real(_kinds.fft, _kinds.hfft, "hfftn", a, s, axes, norm, out, workers)
+    return _several.hfftn(a, s, axes, norm, out, workers)
 
 
 def ihfftn(
     a: npt.ArrayLike,
-    s: Optional[Sequence[int]] = None,
-    axes: Optional[Sequence[int]] = None,
+    s: IntsOrNone = None,
+    axes: IntsOrNone = None,
     norm: Norm = None,
     out: Out = None,
     *,
-    workers: Optional[int] = None,
-) -> np.ndarray:
+    workers: IntOrNone = None,
+) -> Array:
     """The inverse of `hfftn`; parameters as in `fftn`.
 
     >>> import numpy as np, orvgen
@@ -302,39 +297,4 @@ def ihfftn(
     >>> bool(np.allclose(orvgen.hfftn(orvgen.ihfftn(x)), x))
     True
     """
-    x, chosen, lengths = _several("ihfftn", a, s, axes)
-    steps = [(_kinds.ihfft, chosen[-1], lengths[-1])]
-    steps += [(_kinds.ifft, i, n) for i, n in zip(chosen[-2::-1], lengths[-2::-1])]
-    return run_axes(steps, x, norm, out, workers)
-
-
-def _several(name: str, a: Any, s: Any, axes: Any) -> Any:
-    x = np.asarray(a)
-    chosen, lengths = axes_of(name, x, s, axes)
-    if not chosen:
-        raise ValueError(f"{name}: at least one axis must be transformed")
-    return x, chosen, lengths
-
-
-def _complex(
-    kind: _kinds.Kind, name: str, a: Any, s: Any, axes: Any, norm: Norm, out: Out, workers: Any
-) -> np.ndarray:
-    x, chosen, lengths = _several(name, a, s, axes)
-    steps = [(kind, i, n) for i, n in zip(chosen[::-1], lengths[::-1])]
-    return run_axes(steps, x, norm, out, workers)
-
-
-def _to_real(
-    kind: _kinds.Kind,
-    last: _kinds.Kind,
-    name: str,
-    a: Any,
-    s: Any,
-    axes: Any,
-    norm: Norm,
-    out: Out,
-    workers: Any,
-) -> np.ndarray:
-    x, chosen, lengths = _several(name, a, s, axes)
-    steps = [(kind, i, n) for i, n in zip(chosen[-2::-1], lengths[-2::-1])]
-    return run_axes([*steps, (last, chosen[-1], lengths[-1])], x, norm, out, workers)
+    return _several.ihfftn(a, s, axes, norm, out, workers)

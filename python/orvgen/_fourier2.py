@@ -3,24 +3,21 @@
 
 from __future__ import annotations
 
-from typing import Optional, Sequence
-
-import numpy as np
 import numpy.typing as npt
 
-from . import _fourier
-from ._fourier import Norm, Out
+from . import _several
+from ._types import Array, IntOrNone, IntsOrNone, Norm, Out
 
 
 def fft2(
     a: npt.ArrayLike,
-    s: Optional[Sequence[int]] = None,
-    axes: Sequence[int] = (-2, -1),
+    s: IntsOrNone = None,
+    axes: IntsOrNone = (-2, -1),
     norm: Norm = None,
     out: Out = None,
     *,
-    workers: Optional[int] = None,
-) -> np.ndarray:
+    workers: IntOrNone = None,
+) -> Array:
     """`fftn` along the last two axes, or two others; parameters as there.
 
     >>> import numpy as np, orvgen
@@ -28,18 +25,18 @@ def fft2(
     >>> bool((orvgen.fft2(x) == orvgen.fftn(x, axes=(1, 2))).all())
     True
     """
-    return _fourier.fftn(a, s, axes, norm, out, workers=workers)
+    return _several.fft2(a, s, axes, norm, out, workers)
 
 
 def ifft2(
     a: npt.ArrayLike,
-    s: Optional[Sequence[int]] = None,
-    axes: Sequence[int] = (-2, -1),
+    s: IntsOrNone = None,
+    axes: IntsOrNone = (-2, -1),
     norm: Norm = None,
     out: Out = None,
     *,
-    workers: Optional[int] = None,
-) -> np.ndarray:
+    workers: IntOrNone = None,
+) -> Array:
     """`ifftn` along the last two axes, or two others; parameters as there.
 
     >>> import numpy as np, orvgen
@@ -47,18 +44,18 @@ def ifft2(
     >>> bool((orvgen.ifft2(x) == orvgen.ifftn(x, axes=(1, 2))).all())
     True
     """
-    return _fourier.ifftn(a, s, axes, norm, out, workers=workers)
+    return _several.ifft2(a, s, axes, norm, out, workers)
 
 
 def rfft2(
     a: npt.ArrayLike,
-    s: Optional[Sequence[int]] = None,
-    axes: Sequence[int] = (-2, -1),
+    s: IntsOrNone = None,
+    axes: IntsOrNone = (-2, -1),
     norm: Norm = None,
     out: Out = None,
     *,
-    workers: Optional[int] = None,
-) -> np.ndarray:
+    workers: IntOrNone = None,
+) -> Array:
     """`rfftn` along the last two axes, or two others; parameters as there.
 
     >>> import numpy as np, orvgen
@@ -66,18 +63,18 @@ def rfft2(
     >>> bool((orvgen.rfft2(x) == orvgen.rfftn(x, axes=(1, 2))).all())
     True
     """
-    return _fourier.rfftn(a, s, axes, norm, out, workers=workers)
+    return _several.rfft2(a, s, axes, norm, out, workers)
 
 
 def irfft2(
     a: npt.ArrayLike,
-    s: Optional[Sequence[int]] = None,
-    axes: Sequence[int] = (-2, -1),
+    s: IntsOrNone = None,
+    axes: IntsOrNone = (-2, -1),
     norm: Norm = None,
     out: Out = None,
     *,
-    workers: Optional[int] = None,
-) -> np.ndarray:
+    workers: IntOrNone = None,
+) -> Array:
     """`irfftn` along the last two axes, or two others; parameters as there.
 
     >>> import numpy as np, orvgen
@@ -85,18 +82,18 @@ def irfft2(
     >>> bool((orvgen.irfft2(x) == orvgen.irfftn(x, axes=(1, 2))).all())
     True
     """
-    return _fourier.irfftn(a, s, axes, norm, out, workers=workers)
+    return _several.irfft2(a, s, axes, norm, out, workers)
 
 
 def hfft2(
     a: npt.ArrayLike,
-    s: Optional[Sequence[int]] = None,
-    axes: Sequence[int] = (-2, -1),
+    s: IntsOrNone = None,
+    axes: IntsOrNone = (-2, -1),
     norm: Norm = None,
     out: Out = None,
     *,
-    workers: Optional[int] = None,
-) -> np.ndarray:
+    workers: IntOrNone = None,
+) -> Array:
     """`hfftn` along the last two axes, or two others; parameters as there.
 
     >>> import numpy as np, orvgen
@@ -104,18 +101,18 @@ def hfft2(
     >>> bool((orvgen.hfft2(x) == orvgen.hfftn(x, axes=(1, 2))).all())
     True
     """
-    return _fourier.hfftn(a, s, axes, norm, out, workers=workers)
+    return _several.hfft2(a, s, axes, norm, out, workers)
 
 
 def ihfft2(
     a: npt.ArrayLike,
-    s: Optional[Sequence[int]] = None,
-    axes: Sequence[int] = (-2, -1),
+    s: IntsOrNone = None,
+    axes: IntsOrNone = (-2, -1),
     norm: Norm = None,
     out: Out = None,
     *,
-    workers: Optional[int] = None,
-) -> np.ndarray:
+    workers: IntOrNone = None,
+) -> Array:
     """`ihfftn` along the last two axes, or two others; parameters as there.
 
     >>> import numpy as np, orvgen
@@ -123,4 +120,4 @@ def ihfft2(
     >>> bool((orvgen.ihfft2(x) == orvgen.ihfftn(x, axes=(1, 2))).all())
     True
     """
-    return _fourier.ihfftn(a, s, axes, norm, out, workers=workers)
+    return _several.ihfft2(a, s, axes, norm, out, workers)

@@ -3,11 +3,19 @@
 
 from __future__ import annotations
 
-from typing import Any, Callable, Dict, Hashable, Tuple
+from copy import copy
+from operator import index
+from typing import Any, Callable, Dict, Mapping, Tuple
 
 import numpy as np
 
 from . import _batch
+from ._types import Array, Dtype
+
+try:
+    from numpy.exceptions import AxisError
+except ImportError:  # NumPy before 1.25
+    from numpy import AxisError
 
 # The scaling flags of the library: 1/N for the forward, for the inverse transform, 1/sqrt(N), 1.
 BY_N_FORWARD, BY_N_INVERSE, BY_ROOT, NONE = 1, 2, 4, 8
@@ -50,24 +58,42 @@ def is_power_of_two(n: int) -> bool:
     return n > 0 and n & (n - 1) == 0
 
 
-def short_lengths(n: int, dtype: np.dtype) -> Any:
+def short_lengths(n: int, dtype: Dtype) -> Any:
     return None if 2 <= n <= 64 else "2 to 64 points"
 
 
-def hadamard_lengths(n: int, dtype: np.dtype) -> Any:
+def hadamard_lengths(n: int, dtype: Dtype) -> Any:
     possible = is_power_of_two(n) and 2 <= n <= 1 << 13
     return None if possible else "powers of two from 2 to 8192 (orders 1 to 13)"
 
 
-def cosine_lengths(n: int, dtype: np.dtype) -> Any:
+def cosine_lengths(n: int, dtype: Dtype) -> Any:
     possible = is_power_of_two(n) and 2 <= n <= 1 << (26 if dtype == _f else 25)
     return None if possible else "powers of two from 2 to 2**26 (float64: 2**25)"
 
 
-def rotation_lengths(n: int, dtype: np.dtype) -> Any:
+def rotation_lengths(n: int, dtype: Dtype) -> Any:
     k = order(n & -n) if n > 0 else 0
     possible = 1 <= k <= 13 and n >> k <= 63
     return None if possible else "a power of two, 2 to 8192, times an odd number up to 63"
+
+
+def whole(name: str, what: str, value: Any) -> int:
+    """An argument that counts or numbers something."""
+    try:
+        return int(index(value))
+    except TypeError:
+        raise TypeError(f"{name}: {what} must be an integer, not {value!r}") from None
+
+
+def checked_axis(name: str, axis: Any, ndim: int) -> int:
+    """An AxisError is a ValueError and, as what NumPy and SciPy raise here, an IndexError."""
+    number = whole(name, "axis", axis)
+    if ndim == 0:
+        raise AxisError(f"{name}: a scalar has no axis to transform")
+    if not -ndim <= number < ndim:
+        raise AxisError(f"{name}: no axis {number}; possible are {-ndim} to {ndim - 1}")
+    return number
 
 
 # The ufuncs in the order that `_batch.rows` knows them by.
@@ -81,13 +107,13 @@ class Kind:
     def __init__(
         self,
         name: str,
-        types: Dict[np.dtype, np.dtype],
-        norms: Dict[Hashable, int],
+        types: Dict[Dtype, Dtype],
+        norms: Mapping[Any, int],
         *,
         result: Callable[[int], int] = same,
         default: Callable[[int], int] = same,
         length: Callable[[int], int] = same,
-        missing: Callable[[int, np.dtype], Any] = short_lengths,
+        missing: Callable[[int, Dtype], Any] = short_lengths,
     ) -> None:
         self.name = name
         self.types = types
@@ -98,9 +124,15 @@ class Kind:
         self.default = default
         self.length = length
         self.missing = missing
-        self.tasks: Dict[Tuple[int, Any], Tuple[np.ndarray, int]] = {}
+        self.tasks: Dict[Tuple[int, Any], Tuple[Array, int]] = {}
 
-    def task(self, n: int, norm: Any, dtype: np.dtype) -> Tuple[np.ndarray, int]:
+    def called(self, name: str) -> Kind:
+        """The same for a function of another name, for what its messages begin with."""
+        other = copy(self)
+        other.name = name
+        return other
+
+    def task(self, n: int, norm: Any, dtype: Dtype) -> Tuple[Array, int]:
         """The scalar operand of the ufunc and the length of the result; raises ValueError."""
         possible = self.missing(n, dtype)
         if possible is not None:

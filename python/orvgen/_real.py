@@ -3,25 +3,24 @@
 
 from __future__ import annotations
 
-from typing import Optional
+from typing import SupportsIndex
 
-import numpy as np
 import numpy.typing as npt
 
 from . import _kinds
-from ._fourier import Norm, Out
 from ._run import run
+from ._types import Array, IntOrNone, Norm, Out
 
 
 def dht(
     a: npt.ArrayLike,
-    n: Optional[int] = None,
-    axis: int = -1,
+    n: IntOrNone = None,
+    axis: SupportsIndex = -1,
     norm: Norm = None,
     out: Out = None,
     *,
-    workers: Optional[int] = None,
-) -> np.ndarray:
+    workers: IntOrNone = None,
+) -> Array:
     """The discrete Hartley transform of 2 to 64 points along an axis.
 
     ``y[k] = s sum_j a[j] (cos(2 pi j k / n) + sin(2 pi j k / n))``; parameters as in `fft`. With
@@ -36,13 +35,13 @@ def dht(
 
 def wht(
     a: npt.ArrayLike,
-    n: Optional[int] = None,
-    axis: int = -1,
+    n: IntOrNone = None,
+    axis: SupportsIndex = -1,
     norm: Norm = None,
     out: Out = None,
     *,
-    workers: Optional[int] = None,
-) -> np.ndarray:
+    workers: IntOrNone = None,
+) -> Array:
     """The Walsh-Hadamard transform along an axis, of 2 to 8192 points, a power of two.
 
     ``y[i] = s sum_j (-1)**popcount(i & j) a[j]``, rows in natural (Sylvester's) order; parameters
@@ -57,13 +56,13 @@ def wht(
 
 def dct4(
     a: npt.ArrayLike,
-    n: Optional[int] = None,
-    axis: int = -1,
+    n: IntOrNone = None,
+    axis: SupportsIndex = -1,
     norm: Norm = None,
     out: Out = None,
     *,
-    workers: Optional[int] = None,
-) -> np.ndarray:
+    workers: IntOrNone = None,
+) -> Array:
     """The discrete cosine transform IV along an axis, of a power of two of points, from 2 on.
 
     ``y[k] = s sum_j a[j] cos(pi/n (j + 1/2) (k + 1/2))`` with s = 1 ("backward"), sqrt(2/n)
@@ -83,12 +82,12 @@ def dct4(
 
 def rotate(
     a: npt.ArrayLike,
-    axis: int = -1,
+    axis: SupportsIndex = -1,
     out: Out = None,
     *,
     inverse: bool = False,
-    workers: Optional[int] = None,
-) -> np.ndarray:
+    workers: IntOrNone = None,
+) -> Array:
     """Turns vectors by a fixed pseudo-random rotation without a matrix, or back.
 
     A vector of ``2**k * m`` elements (2**k from 2 to 8192, m odd and at most 63) gets fixed

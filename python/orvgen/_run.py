@@ -3,14 +3,14 @@
 
 from __future__ import annotations
 
-from operator import index
-from typing import Any, Optional, Sequence, Tuple
+from typing import Any, Sequence, SupportsIndex, Tuple
 
 import numpy as np
 
 from ._batch import rows as _rows
-from ._kinds import FROM_HALF, Kind
+from ._kinds import FROM_HALF, Kind, checked_axis, whole
 from ._threads import count_of_workers, split
+from ._types import Array, Dtype, IntOrNone, Norm, Out
 
 _asarray, _empty, _ndarray = np.asarray, np.empty, np.ndarray
 
@@ -18,12 +18,12 @@ _asarray, _empty, _ndarray = np.asarray, np.empty, np.ndarray
 def run(
     kind: Kind,
     a: Any,
-    n: Optional[int],
-    axis: int,
-    norm: Optional[str],
-    out: Optional[np.ndarray],
-    workers: Optional[int],
-) -> np.ndarray:
+    n: IntOrNone,
+    axis: SupportsIndex,
+    norm: Norm,
+    out: Out,
+    workers: IntOrNone,
+) -> Array:
     """One transform along one axis."""
     x = _asarray(a)
     dtype = kind.types.get(x.dtype)
@@ -34,9 +34,9 @@ def run(
     try:
         have = shape[axis]
     except (IndexError, TypeError):
-        axis = checked_axis(kind, axis, x.ndim)
+        axis = checked_axis(kind.name, axis, x.ndim)
         have = shape[axis]
-    n = kind.default(have) if n is None else index(n)
+    n = kind.default(have) if n is None else whole(kind.name, "n", n)
     try:
         task, m = kind.tasks[n, norm]
     except (KeyError, TypeError):
@@ -49,23 +49,24 @@ def run(
     else:
         y = checked_out(kind, out, shape, dtype)
     if workers is not None and workers != 1:
-        split(kind.ufunc, x, task, y, axis % x.ndim, count_of_workers(workers))
+        split(kind.ufunc, x, task, y, int(axis) % x.ndim, count_of_workers(kind.name, workers))
     elif last:
         # Small plain arrays should not pay for what a ufunc can do with others.
         if not _rows(kind.number, x, task, y):
             kind.ufunc(x, task, y)
     else:
-        kind.ufunc(x, task, y, axes=[(axis,), (), (axis,)])
+        number = int(axis)
+        kind.ufunc(x, task, y, axes=[(number,), (), (number,)])
     return out
 
 
-def replaced(shape: Sequence[int], axis: int, m: int) -> Tuple[int, ...]:
+def replaced(shape: Sequence[int], axis: SupportsIndex, m: int) -> Tuple[int, ...]:
     changed = list(shape)
     changed[axis] = m
     return tuple(changed)
 
 
-def converted(kind: Kind, x: np.ndarray) -> np.ndarray:
+def converted(kind: Kind, x: Array) -> Array:
     """To a type that the transform has, as SciPy converts: float16 to float32, what is neither real
     nor complex to float64, real to complex where a spectrum is wanted."""
     dtype = x.dtype.newbyteorder("=")
@@ -82,18 +83,9 @@ def converted(kind: Kind, x: np.ndarray) -> np.ndarray:
     return x.astype(dtype)
 
 
-def checked_axis(kind: Kind, axis: Any, ndim: int) -> int:
-    axis = index(axis)
-    if ndim == 0:
-        raise ValueError(f"{kind.name}: a scalar has no axis to transform")
-    if not -ndim <= axis < ndim:
-        raise ValueError(f"{kind.name}: axis {axis} of an array with {ndim} axes")
-    return axis
-
-
 def checked_out(
-    kind: Kind, out: Any, shape: Tuple[int, ...], dtype: np.dtype
-) -> np.ndarray:
+    kind: Kind, out: Any, shape: Tuple[int, ...], dtype: Dtype
+) -> Array:
     """The result's place as a plain array."""
     if not isinstance(out, _ndarray):
         raise TypeError(f"{kind.name}: out must be an array, not {type(out).__name__}")
@@ -107,7 +99,7 @@ def checked_out(
     return out.view(_ndarray)
 
 
-def empty_alike(x: np.ndarray, shape: Tuple[int, ...], dtype: np.dtype) -> np.ndarray:
+def empty_alike(x: Array, shape: Tuple[int, ...], dtype: Dtype) -> Array:
     """An empty array whose axes lie in memory in the order of x's: columns stay columns."""
     if 0 in x.strides:
         return _empty(shape, dtype)

@@ -6,10 +6,12 @@ from __future__ import annotations
 import os
 import threading
 from concurrent.futures import ThreadPoolExecutor, wait
-from operator import index
-from typing import Any, Callable, Optional
+from typing import Any, Callable, List, Optional, SupportsIndex
 
 import numpy as np
+
+from ._kinds import whole
+from ._types import Array
 
 # Fewer elements than this are transformed before a second thread has begun.
 _WORTH = 1 << 18
@@ -19,17 +21,18 @@ _pool: Optional[ThreadPoolExecutor] = None
 _size = 0
 
 
-def count_of_workers(workers: int) -> int:
-    """Negative numbers count from the number of processors: -1 is all of them."""
-    count, processors = index(workers), os.cpu_count() or 1
+def count_of_workers(name: str, workers: SupportsIndex) -> int:
+    """Negative numbers count from the number of processors: -1 is all of them. More threads than
+    processors would only be more to begin."""
+    count, processors = whole(name, "workers", workers), os.cpu_count() or 1
     if count < 0:
         count += 1 + processors
     if count < 1:
         raise ValueError(
-            f"workers is {workers}; possible are 1 and more, or -{processors} to -1 for all "
-            f"of {processors} processors but some"
+            f"{name}: workers is {workers}; possible are 1 and more, or -{processors} to -1, "
+            f"which count from the {processors} processors"
         )
-    return count
+    return min(count, processors)
 
 
 def _pool_of(size: int) -> ThreadPoolExecutor:
@@ -51,7 +54,7 @@ def _forget() -> None:
 os.register_at_fork(after_in_child=_forget)
 
 
-def crosses(x: np.ndarray, y: np.ndarray) -> bool:
+def crosses(x: Array, y: Array) -> bool:
     """Whether a part of y may lie on another part of x."""
     if not np.may_share_memory(x, y):
         return False
@@ -60,7 +63,7 @@ def crosses(x: np.ndarray, y: np.ndarray) -> bool:
 
 
 def split(
-    ufunc: Any, x: np.ndarray, task: np.ndarray, y: np.ndarray, axis: int, workers: int
+    ufunc: Any, x: Array, task: Array, y: Array, axis: int, workers: int
 ) -> None:
     """y = ufunc(x, task) along the axis, in up to so many threads, of which this is one."""
     axes = [(axis,), (), (axis,)]
@@ -72,7 +75,7 @@ def split(
     if parts < 2:
         ufunc(x, task, y, axes=axes)
         return
-    whole: list = [slice(None)] * x.ndim
+    whole: List[slice] = [slice(None)] * x.ndim
     pieces = []
     for part in range(parts):
         begin, end = (x.shape[cut] * p // parts for p in (part, part + 1))
@@ -81,14 +84,14 @@ def split(
     _together(lambda piece: ufunc(*piece, axes=axes), pieces)
 
 
-def share(work: Callable[[list], Any], pieces: list, size: int, workers: int) -> None:
+def share(work: Callable[[List[Any]], Any], pieces: List[Any], size: int, workers: int) -> None:
     """work(pieces), in up to so many threads, which take pieces of `size` elements altogether."""
     parts = min(workers, len(pieces)) if size >= _WORTH else 1
     bounds = [len(pieces) * p // parts for p in range(parts + 1)]
     _together(work, [pieces[begin:end] for begin, end in zip(bounds, bounds[1:])])
 
 
-def _together(work: Callable[[Any], Any], parts: list) -> None:
+def _together(work: Callable[[Any], Any], parts: List[Any]) -> None:
     """work of each part in a thread of its own, the first one in this."""
     if len(parts) == 1:
         work(parts[0])

@@ -57,6 +57,17 @@ def test_any_number_of_workers_gives_the_same(random, name, char, shape, axis):
         assert same_bits(function(x[None], axis=axis + 1, workers=workers)[0], exact)
 
 
+def test_no_more_threads_than_processors(monkeypatch):
+    monkeypatch.setattr(os, "cpu_count", lambda: 3)
+    orvgen._threads._forget()
+    try:
+        for function, shape in ((orvgen.fft, (5000, 16)), (orvgen.fft2, (5000, 4, 4))):
+            function(np.zeros(shape, "F"), workers=1_000_000)
+            assert orvgen._threads._size == 2
+    finally:
+        orvgen._threads._forget()
+
+
 def test_calls_from_many_threads(random):
     """Each with plans of its own, the lengths taking turns."""
     x = {n: numbers(random, (20, n), "f") for n in (16, 64, 128, 256, 1024)}

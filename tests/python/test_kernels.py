@@ -26,12 +26,21 @@ def test_figures_are_possible():
         assert 0 < k.error < 3.2 and k.error < k.bound * math.sqrt(2), k
 
 
+@pytest.mark.parametrize("pattern,count", [
+    ("orvgDFTInv_CToC_64_32fc", 1), ("DFTInv_CToC_64_32fc", 1), ("dftinv_ctoc_64_32FC", 1),
+    ("*Inv_CToC_64_32fc", 1), ("CToC_64_32fc", 2), ("DFTInv_CToC_?4_32fc", 6), ("WHT_64f", 13), ("WHT", 26),
+    ("CToC_64fc", 126), ("orvgHartley_32f", 63), ("*", 1160),
+])
+def test_names_are_those_of_show(pattern, count):
+    assert len(orvgen.kernels(pattern)) == count
+
+
 def test_figures_of_some():
     k = orvgen.kernels("orvgDFTFwd_CToC_4_64fc")[0]
     # Four points: 8 complex sums; the scale multiplies 8 reals.
     assert (k.points, k.additions, k.multiplications, k.conversions) == (4, 16, 8, 0)
     k = orvgen.kernels("orvgWHT_3_32f")[0]
     assert (k.points, k.additions, k.multiplications) == (8, 24, 8)
-    assert orvgen.kernels("nothing") == []
+    assert orvgen.kernels("nothing") == orvgen.kernels("32fc") == orvgen.kernels("") == []
     with pytest.raises(AttributeError):
         k.points = 3

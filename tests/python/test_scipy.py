@@ -101,6 +101,10 @@ def test_leaves_plans():
 @pytest.mark.parametrize("wrong", [
     lambda: scipy.fft.fft(np.zeros(16), norm="wrong"),
     lambda: scipy.fft.fft(np.zeros(16), n=0),
+    lambda: scipy.fft.fft(np.zeros(16), n=8.0),
+    lambda: scipy.fft.fft(np.zeros(16), workers=0),
+    lambda: scipy.fft.rfft2(np.zeros((4, 4)), workers=-1000),
+    lambda: scipy.fft.dct(np.zeros(16), type=4, workers="1"),
     lambda: scipy.fft.fft(np.zeros((16, 16)), axis=5),
     lambda: scipy.fft.rfft(np.zeros(16, complex)),
     lambda: scipy.fft.fftn(np.zeros((4, 4)), axes=(0, 0)),
