@@ -249,9 +249,9 @@ consteval const FamilyInfo& familyOf(std::string_view name, std::string_view ele
 // The table has the header's families, and no other.
 #define ORVGEN_ROW(NAME, T, LIST) +(familyOf(#NAME, #T).element == #T)
 #define ORVGEN_PLAN_ROW(NAME, T) +(familyOf(#NAME, #T).element == #T)
-static_assert(std::size(kFamilies) == (ORVGEN_LENGTH_FAMILIES(ORVGEN_ROW)
-                                           ORVGEN_ORDER_FAMILIES(ORVGEN_ROW)
-                                               ORVGEN_DCT4_FAMILIES(ORVGEN_PLAN_ROW)));
+static_assert(std::ssize(kFamilies) == (ORVGEN_LENGTH_FAMILIES(ORVGEN_ROW)
+                                            ORVGEN_ORDER_FAMILIES(ORVGEN_ROW)
+                                                ORVGEN_DCT4_FAMILIES(ORVGEN_PLAN_ROW)));
 #undef ORVGEN_ROW
 #undef ORVGEN_PLAN_ROW
 
