@@ -2,9 +2,11 @@
 // The batches in 256-bit vectors. Compiled for processors that have them: nothing of this is called
 // before targets.cpp has asked, and nothing of it is shared with code for other processors, so that
 // all stands in a namespace of its own.
+#include <array>
 #include <bit>
 #include <limits>
 
+#include "batch/direct.h"
 #include "batch/few.h"
 #include "batch/lanes_avx2.h"
 #include "batch/targets.h"
@@ -47,5 +49,10 @@ template std::size_t runBlocksAvx2(const WhtTask<float>&);
 template std::size_t runBlocksAvx2(const WhtTask<double>&);
 template std::size_t runBlocksAvx2(const Dct4Task<float>&);
 template std::size_t runBlocksAvx2(const Dct4Task<double>&);
+
+template <class R>
+constinit const std::array<Direct<R>, directForms> DirectsAvx2<R>::of = avx2::directs<R>();
+template struct DirectsAvx2<float>;
+template struct DirectsAvx2<double>;
 
 }  // namespace orvgen::batch

@@ -20,7 +20,6 @@ void clearSlot(R* slots, int slot) {
 
 // The half spectrum stands in the scratch as CCS has it: R0 0 R1 I1 .. R[N/2] 0. Pack leaves out
 // the first zero, Perm puts the last bin in its place; behind the last bin both end.
-constexpr bool isPacked(Layout layout) { return layout == Layout::Pack || layout == Layout::Perm; }
 constexpr bool takesLastBin(Layout layout, int n) { return layout == Layout::Perm && n % 2 == 0; }
 // The slot of the first number of a packed format.
 constexpr int firstSlot(Layout layout, int n) {
@@ -39,7 +38,7 @@ template <class R>
 void packSlots(R* slots, Layout layout, int n) {
     if (takesLastBin(layout, n)) {
         copySlot(slots, n, 1);
-    } else if (layout == Layout::Pack || layout == Layout::Perm) {
+    } else if (isPacked(layout)) {
         copySlot(slots, 0, 1);
     } else if (layout == Layout::Ccs) {
         clearSlot(slots, 1);

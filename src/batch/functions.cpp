@@ -3,6 +3,7 @@
 
 #include <type_traits>
 
+#include "batch/direct.h"
 #include "batch/few.h"
 #include "batch/singles.h"
 #include "batch/targets.h"
@@ -164,6 +165,87 @@ template <auto function, class Element, class S, class D>
     }
 }
 
+// ---- Whole blocks of transforms side by side, without a task
+
+// The kernels of the current target; none without wide vectors, nor before the processor has been
+// asked, which a task does.
+template <class R>
+[[gnu::always_inline]] inline const Direct<R>* directOf([[maybe_unused]] DirectForm form) {
+    switch (knownTarget()) {
+#if ORVGEN_BATCH_AVX512
+        case orvTargetAVX512:
+            return &DirectsAvx512<R>::of[form];
+#endif
+#if ORVGEN_BATCH_AVX2
+        case orvTargetAVX2:
+            return &DirectsAvx2<R>::of[form];
+#endif
+        default:
+            return nullptr;
+    }
+}
+
+constexpr DirectForm directFormOf(Kind kind) {
+    switch (kind) {
+        case Kind::Forward:
+            return directForward;
+        case Kind::Inverse:
+            return directInverse;
+        case Kind::RealForward:
+            return directRealForward;
+        case Kind::Hartley:
+            return directHartley;
+        default:
+            return directInverseFromCcs;
+    }
+}
+constexpr DirectForm splitFormOf(Kind kind) {
+    return kind == Kind::Forward ? directSplitForward : directSplitInverse;
+}
+// Packed spectra are not what a kernel writes.
+constexpr bool areDirect(const Meaning& meaning) {
+    return !isPacked(meaning.src) && !isPacked(meaning.dst);
+}
+
+// One side of such a call. Without imaginary parts of their own they stand behind the real ones, if
+// there are any.
+template <class T>
+struct Side {
+    T *re, *im;
+    std::ptrdiff_t step;  // in bytes
+
+    T* second(std::ptrdiff_t lanes) const { return im == nullptr ? re + lanes : im; }
+    bool mayCrowd() const { return (step & (2 * kSpreadBytes - 1)) == 0; }
+};
+template <class R, class Element>
+auto sideOf(Element* elements, std::ptrdiff_t stride) {
+    using T = std::conditional_t<std::is_const_v<Element>, const R, R>;
+    return Side<T>{reinterpret_cast<T*>(elements), nullptr,
+                   stride * static_cast<std::ptrdiff_t>(sizeof(Element))};
+}
+template <class T>
+Side<T> sideOf(T* re, T* im, std::ptrdiff_t stride) {
+    return {re, im, stride * static_cast<std::ptrdiff_t>(sizeof(T))};
+}
+
+// Whether the call is of whole blocks and nothing is wrong with it; then it is done.
+template <class R>
+[[gnu::always_inline]] inline bool runDirectly(const Meaning& meaning, DirectForm form,
+                                               const Side<const R>& src, const Side<R>& dst,
+                                               std::int32_t n, std::size_t count,
+                                               std::int32_t flag) {
+    if (check(meaning.lengths.has(n), flag, count, src.re, dst.re) != orvOk) return false;
+    const Direct<R>* const direct = directOf<R>(form);
+    if (direct == nullptr) return false;
+    const std::size_t blocks = count >> direct->shift;
+    if (blocks == 0 || blocks << direct->shift != count) return false;
+    if (blocks > 1 && (src.mayCrowd() || dst.mayCrowd())) return false;
+    direct->kernels[n - kLengths.first](
+        src.re, src.second(direct->lanes), src.step, dst.re, dst.second(direct->lanes), dst.step,
+        scaleOf(meaning.scale, flag), blocks, direct->src, direct->dst);
+    return true;
+}
+
 template <class R>
 OrvStatus whtTransform(const R* src, std::ptrdiff_t srcStride, std::ptrdiff_t srcDistance, R* dst,
                        std::ptrdiff_t dstStride, std::ptrdiff_t dstDistance, std::int32_t order,
@@ -187,29 +269,64 @@ using namespace orvgen::batch;
 #define REAL_32f float
 #define REAL_64f double
 
-#define TRANSFORM(NAME, T, S, D)                                                              \
-    OrvStatus orvgBatch##NAME##_##T(const S* src, ptrdiff_t srcStride, ptrdiff_t srcDistance, \
-                                    D* dst, ptrdiff_t dstStride, ptrdiff_t dstDistance,       \
-                                    int32_t len, size_t count, int32_t flag) {                \
-        static constexpr Meaning meaning = meaningOf(familyOf(#NAME, #T));                    \
-        if (srcStride == 1 && dstStride == 1 && areFew<REAL_##T>(meaning, len, count))        \
-            return fewRows<orvg##NAME##_##T, Orv##T>(src, srcDistance, dst, dstDistance, len, \
-                                                     count, flag);                            \
-        return transform<REAL_##T>(meaning, onReals<orvg##NAME##_##T, REAL_##T, Orv##T>,      \
-                                   array(src, srcStride, srcDistance),                        \
-                                   array(dst, dstStride, dstDistance), len, count, flag);     \
+// Every function has a way for whole blocks side by side, and one for all else. A call goes on to
+// them as it came, with the same arguments, which the compiler makes a jump.
+#define PARAMETERS(S, D)                                                                   \
+    const S *src, ptrdiff_t srcStride, ptrdiff_t srcDistance, D *dst, ptrdiff_t dstStride, \
+        ptrdiff_t dstDistance, int32_t len, size_t count, int32_t flag
+#define ARGUMENTS src, srcStride, srcDistance, dst, dstStride, dstDistance, len, count, flag
+
+#define TRANSFORM(NAME, T, S, D)                                                               \
+    static constexpr Meaning meaningOf##NAME##_##T = meaningOf(familyOf(#NAME, #T));           \
+    [[gnu::noinline]] static OrvStatus any##NAME##_##T(PARAMETERS(S, D)) {                     \
+        constexpr const Meaning& meaning = meaningOf##NAME##_##T;                              \
+        if (srcStride == 1 && dstStride == 1 && areFew<REAL_##T>(meaning, len, count))         \
+            return fewRows<orvg##NAME##_##T, Orv##T>(src, srcDistance, dst, dstDistance, len,  \
+                                                     count, flag);                             \
+        return transform<REAL_##T>(meaning, onReals<orvg##NAME##_##T, REAL_##T, Orv##T>,       \
+                                   array(src, srcStride, srcDistance),                         \
+                                   array(dst, dstStride, dstDistance), len, count, flag);      \
+    }                                                                                          \
+    [[gnu::noinline]] static OrvStatus direct##NAME##_##T(PARAMETERS(S, D)) {                  \
+        constexpr const Meaning& meaning = meaningOf##NAME##_##T;                              \
+        if (runDirectly(meaning, directFormOf(meaning.kind), sideOf<REAL_##T>(src, srcStride), \
+                        sideOf<REAL_##T>(dst, dstStride), len, count, flag))                   \
+            return orvOk;                                                                      \
+        return any##NAME##_##T(ARGUMENTS);                                                     \
+    }                                                                                          \
+    OrvStatus orvgBatch##NAME##_##T(PARAMETERS(S, D)) {                                        \
+        if (areDirect(meaningOf##NAME##_##T) && srcDistance == 1 && dstDistance == 1)          \
+            return direct##NAME##_##T(ARGUMENTS);                                              \
+        return any##NAME##_##T(ARGUMENTS);                                                     \
     }
 ORVGEN_BATCH_LENGTH_FAMILIES(TRANSFORM)
 
-#define SPLIT_TRANSFORM(NAME, T, R)                                                               \
-    OrvStatus orvgBatchSplit##NAME##_##T(const R* srcRe, const R* srcIm, ptrdiff_t srcStride,     \
-                                         ptrdiff_t srcDistance, R* dstRe, R* dstIm,               \
-                                         ptrdiff_t dstStride, ptrdiff_t dstDistance, int32_t len, \
-                                         size_t count, int32_t flag) {                            \
-        static constexpr Meaning meaning = meaningOf(familyOf(#NAME, #T "c"));                    \
-        return transform<R>(meaning, onReals<orvg##NAME##_##T##c, R, Orv##T##c>,                  \
-                            {srcRe, srcIm, srcStride, srcDistance},                               \
-                            {dstRe, dstIm, dstStride, dstDistance}, len, count, flag);            \
+#define SPLIT_PARAMETERS(R)                                                               \
+    const R *srcRe, const R *srcIm, ptrdiff_t srcStride, ptrdiff_t srcDistance, R *dstRe, \
+        R *dstIm, ptrdiff_t dstStride, ptrdiff_t dstDistance, int32_t len, size_t count,  \
+        int32_t flag
+#define SPLIT_ARGUMENTS \
+    srcRe, srcIm, srcStride, srcDistance, dstRe, dstIm, dstStride, dstDistance, len, count, flag
+
+#define SPLIT_TRANSFORM(NAME, T, R)                                                                \
+    static constexpr Meaning meaningOfSplit##NAME##_##T = meaningOf(familyOf(#NAME, #T "c"));      \
+    [[gnu::noinline]] static OrvStatus anySplit##NAME##_##T(SPLIT_PARAMETERS(R)) {                 \
+        return transform<R>(meaningOfSplit##NAME##_##T,                                            \
+                            onReals<orvg##NAME##_##T##c, R, Orv##T##c>,                            \
+                            {srcRe, srcIm, srcStride, srcDistance},                                \
+                            {dstRe, dstIm, dstStride, dstDistance}, len, count, flag);             \
+    }                                                                                              \
+    [[gnu::noinline]] static OrvStatus directSplit##NAME##_##T(SPLIT_PARAMETERS(R)) {              \
+        constexpr const Meaning& meaning = meaningOfSplit##NAME##_##T;                             \
+        if (srcIm != nullptr && dstIm != nullptr &&                                                \
+            runDirectly(meaning, splitFormOf(meaning.kind), sideOf(srcRe, srcIm, srcStride),       \
+                        sideOf(dstRe, dstIm, dstStride), len, count, flag))                        \
+            return orvOk;                                                                          \
+        return anySplit##NAME##_##T(SPLIT_ARGUMENTS);                                              \
+    }                                                                                              \
+    OrvStatus orvgBatchSplit##NAME##_##T(SPLIT_PARAMETERS(R)) {                                    \
+        if (srcDistance == 1 && dstDistance == 1) return directSplit##NAME##_##T(SPLIT_ARGUMENTS); \
+        return anySplit##NAME##_##T(SPLIT_ARGUMENTS);                                              \
     }
 ORVGEN_BATCH_SPLIT_FAMILIES(SPLIT_TRANSFORM)
 

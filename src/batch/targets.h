@@ -26,6 +26,11 @@ inline std::uint32_t currentTarget() {
     return state >> kChoice & 0xff;
 }
 
+// The same, and 0 as long as the processor has not been asked.
+inline std::uint32_t knownTarget() {
+    return __atomic_load_n(&targetState, __ATOMIC_RELAXED) >> kChoice & 0xff;
+}
+
 // What a target does with a call. The wide ones return how many transforms from the first on they
 // have done; the single kernels do the rest.
 template <class R>

@@ -16,6 +16,8 @@ namespace orvgen::batch {
 
 constexpr bool isPairs(Layout layout) { return layout == Layout::Complex || layout == Layout::Ccs; }
 
+constexpr bool isPacked(Layout layout) { return layout == Layout::Pack || layout == Layout::Perm; }
+
 // Elements, or pairs, that the layout has for N points.
 constexpr int elementsOf(Layout layout, int n) { return layout == Layout::Ccs ? n / 2 + 1 : n; }
 

@@ -7,11 +7,11 @@
 // Whether the elements of a block, two lines each, crowd the first-level cache of 64 sets.
 template <class R>
 bool areCrowded(const Array<R>& a, int elements) {
-    constexpr std::ptrdiff_t page = 4096, line = 64;
+    constexpr std::ptrdiff_t page = 4096;
     constexpr int ways = 12;  // 8 in some
     const std::ptrdiff_t bytes = a.stride * static_cast<std::ptrdiff_t>(sizeof(R));
     const std::ptrdiff_t step = bytes & -bytes;  // the power of two in it
-    if (step <= 4 * line) return false;
+    if (step <= kSpreadBytes) return false;
     const int sets = step >= page ? 1 : static_cast<int>(page / step);
     return 2 * elements > sets * ways;
 }

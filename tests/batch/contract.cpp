@@ -68,7 +68,7 @@ TYPED_TEST(BatchContract, LengthsComeFirst) {
                 std::has_single_bit(static_cast<unsigned>(number)))
                 continue;
             for (const std::int32_t flag : {std::int32_t{orvScaleNone}, 3})
-                for (const std::size_t count : {0U, 1U, 100U}) {
+                for (const std::size_t count : {0U, 1U, 64U, 100U}) {
                     EXPECT_EQ(family.batch({}, {}, number, count, flag), orvErrSize);
                     EXPECT_EQ(family.batch(room->from(1), room->to(1), number, count, flag),
                               orvErrSize);
@@ -83,24 +83,30 @@ TYPED_TEST(BatchContract, PointersComeBeforeTheFlag) {
     for (const auto& family : families<TypeParam>()) {
         for (const int number : family.numbers) {
             SCOPED_TRACE(family.name + " of " + std::to_string(number));
-            for (const std::int32_t flag : {std::int32_t{orvScaleNone}, 3})
-                for (const bool isSrc : {true, false})
-                    for (int p = 0; p < family.src.planes; ++p) {
-                        auto src = room->from(100);
-                        auto dst = room->to(100);
-                        if (isSrc)
-                            src.plane[p] = nullptr;
-                        else
-                            dst.plane[p] = nullptr;
-                        // A few may be left to the single functions, more are not.
-                        for (const std::size_t count : {1U, 100U})
-                            EXPECT_EQ(family.batch(src, dst, number, count, flag), orvErrNullPtr);
-                    }
-            if (!family.scaled) continue;
-            for (const std::int32_t flag : badFlags)
-                for (const std::size_t count : {1U, 100U})
-                    EXPECT_EQ(family.batch(room->from(100), room->to(100), number, count, flag),
-                              orvErrFlag);
+            // Side by side, and apart.
+            for (const std::ptrdiff_t distance : {1, 100}) {
+                for (const std::int32_t flag : {std::int32_t{orvScaleNone}, 3})
+                    for (const bool isSrc : {true, false})
+                        for (int p = 0; p < family.src.planes; ++p) {
+                            auto src = room->from(distance);
+                            auto dst = room->to(distance);
+                            if (isSrc)
+                                src.plane[p] = nullptr;
+                            else
+                                dst.plane[p] = nullptr;
+                            // A few may be left to the single functions, whole blocks to the
+                            // kernels.
+                            for (const std::size_t count : {1U, 64U, 100U})
+                                EXPECT_EQ(family.batch(src, dst, number, count, flag),
+                                          orvErrNullPtr);
+                        }
+                if (!family.scaled) continue;
+                for (const std::int32_t flag : badFlags)
+                    for (const std::size_t count : {1U, 64U, 100U})
+                        EXPECT_EQ(family.batch(room->from(distance), room->to(distance), number,
+                                               count, flag),
+                                  orvErrFlag);
+            }
         }
     }
     EXPECT_TRUE(room->isUntouched());
