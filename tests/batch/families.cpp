@@ -7,7 +7,23 @@
 
 namespace orvgen::test::batch {
 
+Runner batchRunner;
+
 namespace {
+
+std::uint64_t wordOf(const void* p) { return reinterpret_cast<std::uint64_t>(p); }
+std::uint64_t wordOf(std::size_t n) { return n; }
+std::uint64_t wordOf(std::ptrdiff_t n) { return static_cast<std::uint64_t>(n); }
+// What stands in the upper half of a register is nobody's.
+std::uint64_t wordOf(std::int32_t n) { return 0x5a5a5a5a00000000 | static_cast<std::uint32_t>(n); }
+
+// A call with these arguments, as whoever makes the calls makes it.
+template <class... Parameters>
+OrvStatus run(OrvStatus (*function)(Parameters...), std::type_identity_t<Parameters>... arguments) {
+    if (!batchRunner) return function(arguments...);
+    const std::uint64_t words[] = {wordOf(arguments)...};
+    return batchRunner(reinterpret_cast<const void*>(function), words);
+}
 
 std::vector<int> listOf(const Numbers& numbers, int most = kLengths.last) {
     std::vector<int> list;
@@ -44,9 +60,9 @@ struct Families {
                         .single = single,
                         .batch = [batch](const Place<const R>& src, const Place<R>& dst, int n,
                                          std::size_t count, std::int32_t flag) {
-                            return batch(reinterpret_cast<const S*>(src.plane[0]), src.stride,
-                                         src.distance, reinterpret_cast<D*>(dst.plane[0]),
-                                         dst.stride, dst.distance, n, count, flag);
+                            return run(batch, reinterpret_cast<const S*>(src.plane[0]), src.stride,
+                                       src.distance, reinterpret_cast<D*>(dst.plane[0]), dst.stride,
+                                       dst.distance, n, count, flag);
                         }});
     }
 
@@ -62,9 +78,9 @@ struct Families {
                         .single = single,
                         .batch = [batch](const Place<const R>& src, const Place<R>& dst, int n,
                                          std::size_t count, std::int32_t flag) {
-                            return batch(src.plane[0], src.plane[1], src.stride, src.distance,
-                                         dst.plane[0], dst.plane[1], dst.stride, dst.distance, n,
-                                         count, flag);
+                            return run(batch, src.plane[0], src.plane[1], src.stride, src.distance,
+                                       dst.plane[0], dst.plane[1], dst.stride, dst.distance, n,
+                                       count, flag);
                         }});
     }
 
@@ -83,8 +99,9 @@ struct Families {
                         .batch =
                             [batch](const Place<const R>& src, const Place<R>& dst, int order,
                                     std::size_t count, std::int32_t flag) {
-                                return batch(src.plane[0], src.stride, src.distance, dst.plane[0],
-                                             dst.stride, dst.distance, order, count, flag);
+                                return run(batch, src.plane[0], src.stride, src.distance,
+                                           dst.plane[0], dst.stride, dst.distance, order, count,
+                                           flag);
                             }});
     }
 
@@ -107,8 +124,9 @@ struct Families {
                         .batch =
                             [batch](const Place<const R>& src, const Place<R>& dst, int n,
                                     std::size_t count, std::int32_t) {
-                                return batch(src.plane[0], src.stride, src.distance, dst.plane[0],
-                                             dst.stride, dst.distance, n, nullptr, count);
+                                return run(batch, src.plane[0], src.stride, src.distance,
+                                           dst.plane[0], dst.stride, dst.distance, n, nullptr,
+                                           count);
                             }});
     }
 };

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -55,6 +56,11 @@ template <>
 const std::vector<Family<float>>& families();
 template <>
 const std::vector<Family<double>>& families();
+
+// Who makes the calls of the batch functions: the processor at hand, where it is empty, or somebody
+// who is given the function and its arguments as words.
+using Runner = std::function<OrvStatus(const void* function, std::span<const std::uint64_t>)>;
+extern Runner batchRunner;
 
 // The targets that this machine runs.
 std::vector<std::uint32_t> runnableTargets();
