@@ -43,7 +43,8 @@ list_tests() {
     done
 }
 
-# Counts what the last run of ctest did: cases of the test programs by their own reports, other tests one each.
+# Counts what the last run of ctest did: cases of the test programs by their own reports, other tests one each. What a
+# case has recorded as its summary is said before.
 count_tests() {
     local junit=$1 results=$2
     awk -v results="$results" '
@@ -62,6 +63,10 @@ count_tests() {
                 known = 1
                 if (line ~ /<testcase / && line !~ /status="notrun"/) ++tests
                 if (line ~ /result="skipped"/) ++skipped
+                if (sub(/.*<property name="summary" value="/, "", line)) {
+                    sub(/".*/, "", line)
+                    print "dev: " line
+                }
             }
             close(report)
             if (!known) ++tests
