@@ -143,9 +143,36 @@ def plot(path, rows):
     figure.savefig(path, dpi=130)
 
 
+class Parser(argparse.ArgumentParser):
+    """Tells what is wrong in one line."""
+
+    def error(self, message):
+        self.exit(2, f"{self.prog}: {message} (see --help)\n")
+
+
+def length(text):
+    if not text.isdecimal() or not 2 <= int(text) <= 64:
+        raise argparse.ArgumentTypeError("takes whole numbers from 2 to 64")
+    return int(text)
+
+
+class Progress:
+    """How many of the measurements are done, on stderr: a line that changes, or one for each tenth."""
+
+    def __init__(self, count):
+        self.count, self.done, self.terminal = count, 0, sys.stderr.isatty()
+
+    def __call__(self):
+        self.done += 1
+        before, now = (100 * done // self.count for done in (self.done - 1, self.done))
+        if self.terminal or before // 10 != now // 10:
+            end = "" if self.terminal and self.done < self.count else "\n"
+            print(f"{chr(13) if self.terminal else ''}measuring: {now:3} %", end=end, file=sys.stderr, flush=True)
+
+
 def main():
-    parser = argparse.ArgumentParser(prog="bench_python", description=__doc__.splitlines()[0])
-    parser.add_argument("--lengths", type=int, nargs="+", default=range(2, 65), metavar="N", help="lengths of the plot")
+    parser = Parser(prog="bench_python", description=__doc__.splitlines()[0])
+    parser.add_argument("--lengths", type=length, nargs="+", default=range(2, 65), metavar="N", help="lengths of the plot")
     parser.add_argument("--only-lengths", action="store_true", help="no table of shapes, only the plot")
     parser.add_argument("--quick", action="store_true", help="small arrays and short bursts, to see that all works")
     parser.add_argument("--out", type=Path, default=Path("."), metavar="FOLDER", help="where tables and plot go")
@@ -163,30 +190,37 @@ def main():
     w = orvgen.which()
     print(f"orvgen {w.release} on {w.target}, NumPy {np.__version__}, SciPy {scipy.__version__}, "
           f"{'pyFFTW ' + pyfftw.__version__ if pyfftw else 'no pyFFTW'}, Python {sys.version.split()[0]}\n"
-          "other library's time / ours; fresh: a new array each call, out: out= given\n")
+          "other library's time / ours; fresh: a new array each call, out: out= given\n"
+          f"{'--quick: arrays and bursts are too small for figures' if options.quick else 'times: of the processor, with 2 workers of the clock'}\n")
+    measured = Progress((0 if options.only_lengths else 26) + 4 * len(options.lengths))
     if not options.only_lengths:
-        tabulate(options.out, turns, seconds, less)
-    draw(options, turns, seconds, less)
+        tabulate(options.out, turns, seconds, less, measured)
+    draw(options, turns, seconds, less, measured)
 
 
-def tabulate(folder, turns, seconds, less):
+def tabulate(folder, turns, seconds, less, measured):
     """The table of shapes, libraries and threads."""
     rows = []
+
+    def add(*what):
+        rows.append(row_of(*what, turns, seconds))
+        measured()
+
     for shape, axis in (((1_000_000 // less, 16), -1), ((100_000 // less, 48), -1), ((64, 100_000 // less), 0)):
         for name, char in (("fft", "F"), ("rfft", "f"), ("fft", "D")):
             for workers in (1, 2):
-                rows.append(row_of(name, shape, char, axis, workers, turns, seconds))
+                add(name, shape, char, axis, workers)
     for n in (16, 48):
-        rows.append(row_of("fft", (CACHE_BYTES // (16 * n), n), "F", -1, 1, turns, seconds))
+        add("fft", (CACHE_BYTES // (16 * n), n), "F", -1, 1)
     for n in (2, 16, 64):
         for name, char in (("fft", "F"), ("rfft", "f")):
-            rows.append(row_of(name, (n,), char, -1, 1, turns, seconds))
+            add(name, (n,), char, -1, 1)
     show(rows)
     write(folder / "table.csv", rows)
     print()
 
 
-def draw(options, turns, seconds, less):
+def draw(options, turns, seconds, less, measured):
     """Every length beside SciPy, as a plot and as means."""
     lengths = []
     for n in options.lengths:
@@ -197,6 +231,7 @@ def draw(options, turns, seconds, less):
                 row = {"length": n, "place": place, "function": name, "type": x.dtype.name}
                 row.update({c: round(ratio(found, *c.split(" / ")), 2) for c in ("scipy / fresh", "scipy / out")})
                 lengths.append(row)
+                measured()
     write(options.out / "lengths.csv", lengths)
     for place, column in (("memory", "scipy / fresh"), ("cache", "scipy / fresh"), ("cache", "scipy / out")):
         for name in ("fft", "rfft"):

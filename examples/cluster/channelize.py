@@ -97,11 +97,31 @@ def on_cluster(result, workers, kill_after=None):
             return computed, end - begin, sum(at < end for at in killed_at)
 
 
+class Parser(argparse.ArgumentParser):
+    """Tells what is wrong in one line."""
+
+    def error(self, message):
+        self.exit(2, f"{self.prog}: {message} (see --help)\n")
+
+
+def positive(kind, most):
+    def number(text):
+        try:
+            value = kind(text)
+        except ValueError:
+            value = 0
+        if not 0 < value <= most:
+            raise argparse.ArgumentTypeError(f"takes {'whole ' if kind is int else ''}numbers above 0, up to {most}")
+        return value
+
+    return number
+
+
 def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--channels", type=int, default=16, metavar="N", help="channels of the recording (16)")
-    parser.add_argument("--seconds", type=float, default=60, metavar="S", help="at least so many seconds of it (60)")
-    parser.add_argument("--workers", type=int, nargs="+", default=[1, 2], metavar="N", help="numbers of workers (1 2)")
+    parser = Parser(description=__doc__.splitlines()[0])
+    parser.add_argument("--channels", type=positive(int, 1024), default=16, metavar="N", help="channels of the recording (16)")
+    parser.add_argument("--seconds", type=positive(float, 100_000), default=60, metavar="S", help="at least so many seconds of it (60)")
+    parser.add_argument("--workers", type=positive(int, 1024), nargs="+", default=[1, 2], metavar="N", help="numbers of workers (1 2)")
     parser.add_argument("--kill", action="store_true", help="end a worker in the middle of the last run")
     options = parser.parse_args()
     blocks = max(1, int(np.ceil(options.seconds * RATE / BLOCK)))

@@ -35,7 +35,7 @@ case "\$*" in
         exit \${CTEST_FAILS:-0} ;;
 esac
 EOF
-for program in spectrogram bench bench_dct4 kernelgen; do
+for program in spectrogram bench bench_dct4 kernelgen python; do
     stand_in "$copy/tree/build/release/bin/$program" <<<"echo \"$program \$* in \$PWD\" >>'$copy/log'"
 done
 export PATH="$copy/bin:$PATH"
@@ -102,6 +102,8 @@ gives 0 bench DFTFwd_CToC_64_32fc --out here
 logs "bench DFTFwd_CToC_64_32fc --out here in $copy/elsewhere"
 gives 0 bench dct4 --longest 64
 logs "bench_dct4 --longest 64 in $copy/elsewhere"
+ORVGEN_PYTHON=$copy/tree/build/release/bin/python gives 0 bench python --out here
+logs "python $copy/tree/bench/python/main.py --out $copy/tree/build/release/bench/python --out here in $copy/elsewhere"
 
 # One test: the one of that name, else those that have it in their names; of these the cases asked for.
 gives 0 test test_wht "Contract.*"

@@ -9,10 +9,11 @@ program=bench
 if [[ ${1:-} == python ]]; then
     shift
     need build test examples bench python
-    configure -DORVGEN_PYTHON=ON -DPython_EXECUTABLE=/usr/bin/python3
+    python=${ORVGEN_PYTHON:-/usr/bin/python3}
+    configure -DORVGEN_PYTHON=ON -DPython_EXECUTABLE="$python"
     make_targets orvgen_python_package
-    PYTHONPATH=$root/$build/python /usr/bin/python3 bench/python/main.py --out "$build/bench/python" "$@"
-    exit
+    cd "$caller"
+    PYTHONPATH=$root/$build/python exec "$python" "$root/bench/python/main.py" --out "$root/$build/bench/python" "$@"
 fi
 case ${1:-} in
     dct4 | batch)
