@@ -135,7 +135,15 @@ TEST(BatchMachineCode, IsReadWithOpenEyes) {
     EXPECT_EQ(reader.found.instructions, 9U);
 }
 
-TEST(Frames, AreReadWithOpenEyes) {
+// Of a function of these instructions.
+Frames framesOf(std::initializer_list<std::string> texts) {
+    Frames frames;
+    frames.take("0000000000001000 <f>:");
+    for (const std::string& text : texts) frames.take("  1000:\t" + text);
+    return frames;
+}
+
+TEST(Frames, AddUpAlongCalls) {
     Frames frames;
     for (const char* line : {"0000000000001000 <owngBatchX>:",
                              "  1000:\tpush   %rbx",
@@ -168,33 +176,26 @@ TEST(Frames, AreReadWithOpenEyes) {
     EXPECT_EQ(frames.deepest("loop"), loop + leaf);
     EXPECT_EQ(frames.deepest("orvgBatchY"), top + loop + leaf);
     EXPECT_EQ(frames.namesFrom("orvgBatch"), Sentences{"orvgBatchY"});
+}
 
+TEST(Frames, OfMoreThanAPageWantProbes) {
     for (const char* text : {"sub    $0x2000,%rsp", "add    $0xffffffffffffe000,%rsp",
-                             "and    $0xffffffffffffc000,%rsp"}) {
-        Frames bad;
-        bad.take("0000000000001000 <f>:");
-        bad.take(std::string("  1000:\t") + text);
-        EXPECT_EQ(bad.unprobed().size(), 1U) << text;
-    }
+                             "and    $0xffffffffffffc000,%rsp"})
+        EXPECT_EQ(framesOf({text}).unprobed().size(), 1U) << text;
     // Twice three quarters of a page: no harm where the stack is touched at its end in between.
     const auto unprobedAfter = [](const char* between) {
-        Frames halves;
-        halves.take("0000000000001000 <f>:");
-        for (const char* text : {"sub    $0xc00,%rsp", between, "sub    $0xc00,%rsp"})
-            halves.take(std::string("  1000:\t") + text);
-        return halves.unprobed().size();
+        return framesOf({"sub    $0xc00,%rsp", between, "sub    $0xc00,%rsp"}).unprobed().size();
     };
     EXPECT_EQ(unprobedAfter("mov    %rax,(%rsp)"), 0U);
     EXPECT_EQ(unprobedAfter("mov    %rax,0xb00(%rsp)"), 1U);
     EXPECT_EQ(unprobedAfter("mov    %rax,(%rsp,%rdx,8)"), 1U);
     EXPECT_EQ(unprobedAfter("lea    (%rsp),%rax"), 1U);
-    for (const char* text : {"sub    %rax,%rsp", "mov    %rax,%rsp", "lea    -0x2000(%rsp),%rsp",
-                             "xchg   %rax,%rsp"}) {
-        Frames odd;
-        odd.take("0000000000001000 <f>:");
-        odd.take(std::string("  1000:\t") + text);
-        EXPECT_EQ(odd.unknown().size(), 1U) << text;
-    }
+}
+
+TEST(Frames, OfUnknownSizeAreSeen) {
+    for (const char* text :
+         {"sub    %rax,%rsp", "mov    %rax,%rsp", "lea    -0x2000(%rsp),%rsp", "xchg   %rax,%rsp"})
+        EXPECT_EQ(framesOf({text}).unknown().size(), 1U) << text;
 }
 
 }  // namespace

@@ -45,6 +45,75 @@ void expectHeader(const NodeHeader* node, std::int32_t size, const Arena* arena)
     EXPECT_EQ(reinterpret_cast<std::uintptr_t>(node) % 32, 0U);
 }
 
+template <class Node>
+void expectOperations(const Node* node) {
+    EXPECT_EQ(node->plan, Operations<Node>::plan);
+    EXPECT_EQ(node->destructor, Operations<Node>::del);
+}
+template <class Object>
+void expectFunctionObject(const NodeHeader* object) {
+    EXPECT_EQ(object->at, Operations<Object>::at);
+    EXPECT_EQ(object->destructor, Operations<Object>::del);
+}
+
+// The second stage: its twiddles are the whole's angles, composed and split.
+void expectStageTwo(Plan& plan, const NodeHeader* compose) {
+    const Arena* arena = plan.block.arena();
+    expectHeader(plan.env2(), 96, arena);
+    expectOperations(plan.env2());
+    const NodeHeader* split = EnvList_get(plan.env2()->children, 0);
+    expectHeader(split, 48, arena);
+    expectFunctionObject<EnvfSplit>(split);
+    EXPECT_EQ(static_cast<const EnvfSplit*>(split)->inner, compose);
+    EXPECT_EQ(EnvList_get(plan.env2()->children, 1), plan.env4());
+    EXPECT_EQ(plan.env2()->children->next->next, nullptr);
+    EXPECT_EQ(plan.env2()->twiddle, compose);
+    EXPECT_EQ(plan.env2()->reserved, nullptr);
+
+    expectHeader(plan.env4(), 96, arena);
+    expectOperations(plan.env4());
+    EXPECT_EQ(plan.env4()->twiddle, split);
+    EXPECT_EQ(plan.env4()->children->value, nullptr);
+}
+
+void expectStageOne(Plan& plan) {
+    const Arena* arena = plan.block.arena();
+    expectHeader(plan.env3(), 88, arena);
+    expectOperations(plan.env3());
+    EXPECT_EQ(plan.env3()->reserved, nullptr);
+    EXPECT_EQ(EnvList_get(plan.env3()->children, 0), plan.env5());
+    EXPECT_EQ(plan.env3()->children->next, nullptr);
+
+    expectHeader(plan.env5(), 88, arena);
+    expectOperations(plan.env5());
+    EXPECT_EQ(plan.env5()->reserved, nullptr);
+}
+
+// A recursion level; returns what its inner transform owns: the next level, or nothing.
+const NodeHeader* expectLevel(Plan& plan, Env7* level) {
+    const Arena* arena = plan.block.arena();
+    expectHeader(level, 96, arena);
+    expectOperations(level);
+    Env8* join = Plan::child<Env8>(level->joinRole);
+    Env9* inner = Plan::child<Env9>(level->innerRole);
+    const NodeHeader* frequency = EnvList_get(level->children, 0);
+    expectHeader(frequency, 40, arena);
+    expectFunctionObject<EnvLambda>(frequency);
+    EXPECT_EQ(EnvList_get(level->children, 1), join);
+    EXPECT_EQ(EnvList_get(level->children, 2), inner);
+    EXPECT_EQ(level->children->next->next->next, nullptr);
+    expectHeader(join, 104, arena);
+    expectOperations(join);
+    EXPECT_EQ(join->frequency, frequency);
+    EXPECT_EQ(join->children->value, nullptr);
+    expectHeader(inner, 96, arena);
+    expectOperations(inner);
+    EXPECT_EQ(inner->reserved, nullptr);
+    const NodeHeader* owned = EnvList_get(inner->children, 0);
+    EXPECT_EQ(owned, EnvList_get(inner->recursionRole, 0));
+    return owned;
+}
+
 // Children in the order of creation, each with its own operations; roles borrow them.
 TEST(Dct4Tree, OwnsByTheChildrenListsAlone) {
     for (const std::int32_t N : treeLengths()) {
@@ -52,75 +121,23 @@ TEST(Dct4Tree, OwnsByTheChildrenListsAlone) {
         const Arena* arena = plan.block.arena();
         Env1* top = plan.top();
         expectHeader(top, 80, arena);
-        EXPECT_EQ(top->plan, Operations<Env1>::plan);
-        EXPECT_EQ(top->destructor, Operations<Env1>::del);
+        expectOperations(top);
         const NodeHeader* compose = EnvList_get(top->children, 0);
         expectHeader(compose, 56, arena);
-        EXPECT_EQ(compose->at, Operations<EnvfCompose>::at);
-        EXPECT_EQ(compose->destructor, Operations<EnvfCompose>::del);
+        expectFunctionObject<EnvfCompose>(compose);
         EXPECT_EQ(EnvList_get(top->children, 1), plan.env2());
         EXPECT_EQ(EnvList_get(top->children, 2), plan.env3());
         EXPECT_EQ(top->children->next->next->next, nullptr);
         EXPECT_EQ(top->stageTwoRole->next, nullptr);
         EXPECT_EQ(top->stageOneRole->next, nullptr);
 
-        expectHeader(plan.env2(), 96, arena);
-        EXPECT_EQ(plan.env2()->plan, Operations<Env2>::plan);
-        EXPECT_EQ(plan.env2()->destructor, Operations<Env2>::del);
-        const NodeHeader* split = EnvList_get(plan.env2()->children, 0);
-        expectHeader(split, 48, arena);
-        EXPECT_EQ(split->at, Operations<EnvfSplit>::at);
-        EXPECT_EQ(split->destructor, Operations<EnvfSplit>::del);
-        EXPECT_EQ(static_cast<const EnvfSplit*>(split)->inner, compose);
-        EXPECT_EQ(EnvList_get(plan.env2()->children, 1), plan.env4());
-        EXPECT_EQ(plan.env2()->children->next->next, nullptr);
-        EXPECT_EQ(plan.env2()->twiddle, compose);
-        EXPECT_EQ(plan.env2()->reserved, nullptr);
-
-        expectHeader(plan.env4(), 96, arena);
-        EXPECT_EQ(plan.env4()->plan, Operations<Env4>::plan);
-        EXPECT_EQ(plan.env4()->destructor, Operations<Env4>::del);
-        EXPECT_EQ(plan.env4()->twiddle, split);
-        EXPECT_EQ(plan.env4()->children->value, nullptr);
-
-        expectHeader(plan.env3(), 88, arena);
-        EXPECT_EQ(plan.env3()->plan, Operations<Env3>::plan);
-        EXPECT_EQ(plan.env3()->destructor, Operations<Env3>::del);
-        EXPECT_EQ(plan.env3()->reserved, nullptr);
-        EXPECT_EQ(EnvList_get(plan.env3()->children, 0), plan.env5());
-        EXPECT_EQ(plan.env3()->children->next, nullptr);
-
-        expectHeader(plan.env5(), 88, arena);
-        EXPECT_EQ(plan.env5()->plan, Operations<Env5>::plan);
-        EXPECT_EQ(plan.env5()->destructor, Operations<Env5>::del);
-        EXPECT_EQ(plan.env5()->reserved, nullptr);
+        expectStageTwo(plan, compose);
+        expectStageOne(plan);
         const NodeHeader* owned = EnvList_get(plan.env5()->children, 0);
         EXPECT_EQ(owned, EnvList_get(plan.env5()->recursionRole, 0));
         for (Env7* level : plan.levels()) {
             EXPECT_EQ(owned, level);
-            expectHeader(level, 96, arena);
-            EXPECT_EQ(level->plan, Operations<Env7>::plan);
-            EXPECT_EQ(level->destructor, Operations<Env7>::del);
-            Env8* join = Plan::child<Env8>(level->joinRole);
-            Env9* inner = Plan::child<Env9>(level->innerRole);
-            const NodeHeader* frequency = EnvList_get(level->children, 0);
-            expectHeader(frequency, 40, arena);
-            EXPECT_EQ(frequency->at, Operations<EnvLambda>::at);
-            EXPECT_EQ(frequency->destructor, Operations<EnvLambda>::del);
-            EXPECT_EQ(EnvList_get(level->children, 1), join);
-            EXPECT_EQ(EnvList_get(level->children, 2), inner);
-            EXPECT_EQ(level->children->next->next->next, nullptr);
-            expectHeader(join, 104, arena);
-            EXPECT_EQ(join->plan, Operations<Env8>::plan);
-            EXPECT_EQ(join->destructor, Operations<Env8>::del);
-            EXPECT_EQ(join->frequency, frequency);
-            EXPECT_EQ(join->children->value, nullptr);
-            expectHeader(inner, 96, arena);
-            EXPECT_EQ(inner->plan, Operations<Env9>::plan);
-            EXPECT_EQ(inner->destructor, Operations<Env9>::del);
-            EXPECT_EQ(inner->reserved, nullptr);
-            owned = EnvList_get(inner->children, 0);
-            EXPECT_EQ(owned, EnvList_get(inner->recursionRole, 0));
+            owned = expectLevel(plan, level);
         }
         EXPECT_EQ(owned, nullptr);
     }

@@ -82,7 +82,10 @@ TYPED_TEST(InverseBits, SmallLengthsAreTheirWrittenForms) {
                           {signedUnits<T>(n / 2 + 1, seed), signedUnits<T>(n / 2 + 1, ~seed)}})
                         EXPECT_TRUE(sameBits(
                             invert<T>(n, format, packed(X, n, format), scale),
-                            BaseForms<RulesOf<T>>::inverse(X, n, scale, format == Format::Ccs)))
+                            BaseForms<RulesOf<T>>::inverse(X, n, scale,
+                                                           format == Format::Ccs
+                                                               ? HalfSpectrumBins::Ccs
+                                                               : HalfSpectrumBins::PackOrPerm)))
                             << n << " " << realdft::formatName(format) << " seed " << seed;
 }
 

@@ -16,68 +16,89 @@ using kernelgen::Op;
 using kernelgen::Real;
 using kernelgen::Type;
 
-PrecisionReport checkPrecision(const Graph& graph) {
-    PrecisionReport report;
-    std::ostringstream bad;
-    const auto& nodes = graph.nodes();
-    const bool single = graph.elementType() == Type::F32;
-    std::vector<int> narrowed(nodes.size(), 0), goesOn(nodes.size(), 0);
-    const auto isExpression = [&](NodeId id) {
-        const Node& n = graph.node(id);
-        return n.type == Type::F64 && n.op != Op::Widen && n.op != Op::Zero && n.op != Op::Scale;
-    };
-    for (std::size_t i = 0; i < nodes.size(); ++i) {
-        const Node& n = nodes[i];
-        const auto complain = [&](const char* what) {
-            bad << "value " << i << ": " << what << "\n";
-        };
-        const auto use = [&](std::vector<int>& uses) {
-            for (const NodeId id : {n.a, n.b})
-                if (id != kNone) ++uses[static_cast<std::size_t>(id)];
-        };
+namespace {
+
+// Walks over the values of a flow.
+class Precision {
+  public:
+    explicit Precision(const Graph& graph)
+        : graph_(graph),
+          isSingle_(graph.elementType() == Type::F32),
+          narrowed_(graph.nodes().size()),
+          goesOn_(graph.nodes().size()) {}
+
+    PrecisionReport report() {
+        const auto& nodes = graph_.nodes();
+        for (at_ = 0; at_ < nodes.size(); ++at_) check(nodes[at_]);
+        for (std::size_t i = 0; i < nodes.size(); ++i)
+            if (narrowed_[i] && goesOn_[i]) ++report_.carried;
+        report_.complaints = bad_.str();
+        return report_;
+    }
+
+  private:
+    void check(const Node& n) {
         switch (n.op) {
-            case Op::Mul: {
-                const Real c = graph.constant(n).lane(0).exact().value;
-                if (c <= 0 || c == 1)
-                    complain("a product by a constant that is not positive, or 1");
-                if (single && n.type == Type::F32 && c != 2) complain("a product in binary32");
-                use(goesOn);
+            case Op::Mul:
+                checkProduct(n);
+                markOperands(goesOn_, n);
                 break;
-            }
             case Op::Add:
             case Op::Sub:
-                if (single && n.type == Type::F64) {
-                    if (!isExpression(n.a) && !isExpression(n.b))
-                        complain("a binary64 sum of binary32 values");
-                    if (graph.node(n.a).op != Op::Zero) use(goesOn);
-                }
+                if (isSingle_ && n.type == Type::F64) checkOpenSum(n);
                 break;
             case Op::Narrow:
                 if (!isExpression(n.a)) complain("a rounding of no expression");
-                use(narrowed);
+                markOperands(narrowed_, n);
                 break;
             case Op::MulScale:
-                ++(n.type == Type::F32 ? report.scaledInSingle : report.scaledInDouble);
+                ++(n.type == Type::F32 ? report_.scaledInSingle : report_.scaledInDouble);
                 break;
-            case Op::Output: {
-                // the product by the scale, perhaps taken from zero, perhaps rounded; or a zero
-                NodeId v = n.a;
-                if (graph.node(v).op == Op::Zero) break;
-                if (graph.node(v).op == Op::Narrow) v = graph.node(v).a;
-                if (graph.node(v).op == Op::Sub && graph.node(graph.node(v).a).op == Op::Zero)
-                    v = graph.node(v).b;
-                if (graph.node(v).op != Op::MulScale) complain("an output without its scale");
+            case Op::Output:
+                if (!isScaled(n.a)) complain("an output without its scale");
                 break;
-            }
             default:
                 break;
         }
     }
-    for (std::size_t i = 0; i < nodes.size(); ++i)
-        if (narrowed[i] > 0 && goesOn[i] > 0) ++report.carried;
-    report.complaints = bad.str();
-    return report;
-}
+    void checkProduct(const Node& n) {
+        const Real c = graph_.constant(n).lane(0).exact().value;
+        if (c <= 0 || c == 1) complain("a product by a constant that is not positive, or 1");
+        if (isSingle_ && n.type == Type::F32 && c != 2) complain("a product in binary32");
+    }
+    void checkOpenSum(const Node& n) {
+        if (!isExpression(n.a) && !isExpression(n.b)) complain("a binary64 sum of binary32 values");
+        if (graph_.node(n.a).op != Op::Zero) markOperands(goesOn_, n);
+    }
+    // The product by the scale, perhaps taken from zero, perhaps rounded; or a zero.
+    bool isScaled(NodeId v) const {
+        if (graph_.node(v).op == Op::Zero) return true;
+        if (graph_.node(v).op == Op::Narrow) v = graph_.node(v).a;
+        if (graph_.node(v).op == Op::Sub && graph_.node(graph_.node(v).a).op == Op::Zero)
+            v = graph_.node(v).b;
+        return graph_.node(v).op == Op::MulScale;
+    }
+    bool isExpression(NodeId id) const {
+        const Node& n = graph_.node(id);
+        return n.type == Type::F64 && n.op != Op::Widen && n.op != Op::Zero && n.op != Op::Scale;
+    }
+    void markOperands(std::vector<bool>& marks, const Node& n) {
+        for (const NodeId id : {n.a, n.b})
+            if (id != kNone) marks[static_cast<std::size_t>(id)] = true;
+    }
+    void complain(const char* what) { bad_ << "value " << at_ << ": " << what << "\n"; }
+
+    const Graph& graph_;
+    bool isSingle_;
+    std::vector<bool> narrowed_, goesOn_;  // by value: rounded; taken by an expression that runs on
+    std::size_t at_ = 0;
+    PrecisionReport report_;
+    std::ostringstream bad_;
+};
+
+}  // namespace
+
+PrecisionReport checkPrecision(const Graph& graph) { return Precision(graph).report(); }
 
 double scaleOf(Scaling scaling, int length, bool single) {
     const Real n = length;

@@ -162,7 +162,7 @@ TYPED_TEST(Forms, ComputeTheTransforms) {
             EXPECT_NEAR(static_cast<double>(X.im[i]), static_cast<double>(im), allowed) << n;
         }
         if (n == 11) continue;
-        const auto y = BaseForms<TypeParam>::inverse(X, n, 1.0 / n, true);
+        const auto y = BaseForms<TypeParam>::inverse(X, n, 1.0 / n, HalfSpectrumBins::Ccs);
         for (int j = 0; j < n; ++j)
             EXPECT_NEAR(static_cast<double>(y[static_cast<std::size_t>(j)]),
                         static_cast<double>(x[static_cast<std::size_t>(j)]), allowed)
@@ -197,8 +197,8 @@ bool inverseDiffers(int n) {
     for (unsigned seed = 0; seed < 50; ++seed) {
         HalfSpectrum<float> X{randomValues<float>(n / 2 + 1, seed),
                               randomValues<float>(n / 2 + 1, ~seed)};
-        if (BaseForms<Mixed>::inverse(X, n, 1.0 / n, true) !=
-            BaseForms<Wrong>::inverse(X, n, 1.0 / n, true))
+        if (BaseForms<Mixed>::inverse(X, n, 1.0 / n, HalfSpectrumBins::Ccs) !=
+            BaseForms<Wrong>::inverse(X, n, 1.0 / n, HalfSpectrumBins::Ccs))
             return true;
     }
     return false;
@@ -234,8 +234,8 @@ TEST(BaseForms, OrderOfTheRealTermsAtSevenShows) {
     bool differs = false;
     for (unsigned seed = 0; seed < 50 && !differs; ++seed) {
         const HalfSpectrum<float> X{randomValues<float>(4, seed), randomValues<float>(4, ~seed)};
-        differs = BaseForms<Mixed>::inverse(X, 7, 1.0, true) !=
-                  BaseForms<Mixed>::inverse(X, 7, 1.0, false);
+        differs = BaseForms<Mixed>::inverse(X, 7, 1.0, HalfSpectrumBins::Ccs) !=
+                  BaseForms<Mixed>::inverse(X, 7, 1.0, HalfSpectrumBins::PackOrPerm);
     }
     EXPECT_TRUE(differs);
 }

@@ -56,14 +56,8 @@ class Maker {
     std::vector<Input<Real>> inputs;
 };
 
-}  // namespace
-
 template <class Real>
-std::vector<Input<Real>> makeInputs(std::size_t count, std::size_t impulses) {
-    using Limits = std::numeric_limits<Real>;
-    const Real inf = Limits::infinity();
-    const Real zero = 0;
-    Maker<Real> make(count);
+void addOrdinary(Maker<Real>& make) {
     for (int i = 0; i < 6; ++i) {
         make.add(
             "random " + std::to_string(i), [&](std::size_t) { return make.uniform(); }, true);
@@ -73,9 +67,15 @@ std::vector<Input<Real>> makeInputs(std::size_t count, std::size_t impulses) {
     for (int i = 0; i < 2; ++i) {
         make.add("wide range " + std::to_string(i), [&](std::size_t) { return make.wide(30); });
     }
-    make.add("widest range", [&](std::size_t) { return make.wide(Limits::max_exponent - 4); });
+    make.add("widest range",
+             [&](std::size_t) { return make.wide(std::numeric_limits<Real>::max_exponent - 4); });
     make.add("ones", [](std::size_t) { return Real{1}; });
     make.add("alternating ones", [](std::size_t i) { return i % 2 ? Real{-1} : Real{1}; });
+}
+
+template <class Real>
+void addZeros(Maker<Real>& make) {
+    const Real zero = 0;
     make.add("zeros", [&](std::size_t) { return zero; });
     make.add("negative zeros", [&](std::size_t) { return -zero; });
     for (int i = 0; i < 3; ++i) {
@@ -86,6 +86,11 @@ std::vector<Input<Real>> makeInputs(std::size_t count, std::size_t impulses) {
         const Real list[] = {zero, -zero, 1, -1};
         return list[make.pick(4)];
     });
+}
+
+template <class Real>
+void addDenormals(Maker<Real>& make) {
+    using Limits = std::numeric_limits<Real>;
     make.add("denormals", [&](std::size_t) { return make.denormal(); });
     make.add("denormals and smallest normals", [&](std::size_t) {
         return make.pick(2) ? make.denormal() : Limits::min() * (1 + make.uniform() / 2);
@@ -94,32 +99,59 @@ std::vector<Input<Real>> makeInputs(std::size_t count, std::size_t impulses) {
              [&](std::size_t) { return make.pick(4) ? make.uniform() : make.denormal(); });
     make.add("products that become denormal",
              [&](std::size_t) { return make.uniform() * Limits::min() * 4; });
+}
+
+template <class Real>
+void addLargest(Maker<Real>& make) {
+    using Limits = std::numeric_limits<Real>;
+    const Real inf = Limits::infinity();
     make.add("largest", [&](std::size_t) { return make.pick(2) ? Limits::max() : -Limits::max(); });
     make.add("overflowing", [&](std::size_t) { return make.uniform() * Limits::max(); });
     make.add("infinities", [&](std::size_t) { return inf; });
     make.add("infinities of random sign", [&](std::size_t) { return make.pick(2) ? inf : -inf; });
     make.add("not a number", [&](std::size_t i) { return make.nan(i); });
+}
+
+// Mostly ordinary data, so that not everything ends as NaN.
+template <class Real>
+void addMixed(Maker<Real>& make) {
+    using Limits = std::numeric_limits<Real>;
+    const Real inf = Limits::infinity(), zero = 0;
     for (int i = 0; i < 4; ++i) {
         make.add("mixed " + std::to_string(i), [&](std::size_t j) {
             const Real list[] = {make.uniform(),  zero,        -zero, inf,          -inf,
                                  make.denormal(), make.nan(j), 1,     Limits::max()};
-            // Mostly ordinary data, so that not everything ends as NaN.
             const std::size_t k = make.pick(std::size_t{12} << (3 * i));
             return k < std::size(list) ? list[k] : make.uniform();
         });
     }
+}
+
+// One special element at `at`, among zeros or ordinary ones.
+template <class Real>
+void addSpecialAt(Maker<Real>& make, std::size_t at) {
+    const Real inf = std::numeric_limits<Real>::infinity();
+    const std::string where = " at " + std::to_string(at);
+    const auto among = [&](const std::string& name, Real special, auto other) {
+        make.add(name + where, [&](std::size_t i) { return i == at ? special : other(); });
+    };
+    among("impulse", 1, [] { return Real{0}; });
+    among("infinity", at % 2 ? -inf : inf, [&] { return make.uniform(); });
+    among("one not a number", make.nan(at), [&] { return make.uniform(); });
+}
+
+}  // namespace
+
+template <class Real>
+std::vector<Input<Real>> makeInputs(std::size_t count, std::size_t impulses) {
+    Maker<Real> make(count);
+    addOrdinary(make);
+    addZeros(make);
+    addDenormals(make);
+    addLargest(make);
+    addMixed(make);
     const std::size_t step = impulses == 0 || count <= impulses ? 1 : (count - 1) / impulses + 1;
-    for (std::size_t at = 0; at < count; at += step) {
-        const std::string where = " at " + std::to_string(at);
-        const auto single = [&](const std::string& name, Real special, bool among) {
-            make.add(name + where, [&](std::size_t i) {
-                return i == at ? special : among ? make.uniform() : zero;
-            });
-        };
-        single("impulse", 1, false);
-        single("infinity", at % 2 ? -inf : inf, true);
-        single("one not a number", make.nan(at), true);
-    }
+    for (std::size_t at = 0; at < count; at += step) addSpecialAt(make, at);
     return std::move(make.inputs);
 }
 

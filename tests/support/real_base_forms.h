@@ -49,6 +49,9 @@ struct HalfSpectrum {
     std::vector<T> re, im;  // bins 0 to N/2; im[0], and im[N/2] of even N, are not used
 };
 
+// In what layout the bins came: the order of one sum depends on it.
+enum class HalfSpectrumBins { Ccs, PackOrPerm };
+
 // cos and sin of 2 pi num/den without sign, rounded once.
 inline double magnitudeOf(long num, long den, bool sine) {
     using Big = boost::multiprecision::cpp_bin_float_50;
@@ -124,28 +127,31 @@ struct BaseForms {
     }
     // sin(2 pi ku/N) d_u over the pairs, in order. A leading run of negative terms is summed by its
     // magnitudes; `minus` tells that the sum is to be read with a minus.
-    template <class T>
-    static double sineSum(const std::vector<int>& order, const std::vector<T>& d, int k, int n,
-                          bool turned, bool& minus) {
+    struct SignedSum {
         double e = 0;
-        minus = false;
+        bool minus = false;
+        double value() const { return minus ? -e : e; }
+    };
+    enum class Signs { AsTheyAre, Turned };
+    template <class T>
+    static SignedSum sineSum(const std::vector<int>& order, const std::vector<T>& d, int k, int n,
+                             Signs signs) {
+        SignedSum sum;
         for (std::size_t i = 0; i < order.size(); ++i) {
             const long r = static_cast<long>(order[i]) * k % n;
-            const bool negative = (2 * r > n) != turned;
+            const bool isNegative = (2 * r > n) != (signs == Signs::Turned);
             const double p = times(magnitudeOf(r, n, true), d[i]);
             if (i == 0) {
-                e = p;
-                minus = negative;
-            } else if (minus == negative) {
-                e = e + p;
-            } else if (minus) {
-                e = p - e;
-                minus = false;
+                sum = {p, isNegative};
+            } else if (sum.minus == isNegative) {
+                sum.e = sum.e + p;
+            } else if (sum.minus) {
+                sum = {p - sum.e, false};
             } else {
-                e = e - p;
+                sum.e = sum.e - p;
             }
         }
-        return e;
+        return sum;
     }
 
     // ---- forward, and the two sums of a bin: R[k] and -I[k] for Hartley ----
@@ -198,32 +204,15 @@ struct BaseForms {
                 return X;
             }
             default:
-                break;
+                return forwardDirect(x, s);
         }
-        const Direct block(x);
-        X.re[0] = scaled(block.sum, s);
-        for (std::size_t k = 1; k < X.re.size(); ++k) {
-            const int bin = static_cast<int>(k);
-            X.re[k] = scaledExpression(cosineSum(block.order, block.a, x[0], bin, n), s);
-            // the terms of I[k] are those of the sine sum with a minus; where three negative terms
-            // lead and a positive one follows, the signs stay those of the sine sum
-            bool minus = false;
-            double e = sineSum(block.order, block.d, bin, n, true, minus);
-            if (threeLeadNegative(block.order, bin, n)) {
-                e = sineSum(block.order, block.d, bin, n, false, minus);
-                minus = !minus;
-            }
-            X.im[k] = minus ? minusExpression(e, s) : scaledExpression(e, s);
-        }
-        return X;
     }
 
     static Samples hartley(const Samples& x, double s) {
         const auto n = static_cast<int>(x.size());
         Samples H(x.size());
         const auto pair = [&](std::size_t k, Narrowed c, Narrowed sine) {
-            H[k] = scaled(c + sine, s);
-            H[x.size() - k] = scaled(c - sine, s);
+            putPair(H, k, c, sine, s);
         };
         switch (n) {
             case 2:
@@ -266,26 +255,16 @@ struct BaseForms {
                 return H;
             }
             default:
-                break;
+                return hartleyDirect(x, s);
         }
-        const Direct block(x);
-        H[0] = scaled(block.sum, s);
-        for (int k = 1; 2 * k < n; ++k) {
-            bool minus = false;
-            const double e = sineSum(block.order, block.d, k, n, false, minus);
-            pair(static_cast<std::size_t>(k), narrow(cosineSum(block.order, block.a, x[0], k, n)),
-                 narrow(minus ? -e : e));
-        }
-        return H;
     }
 
     // ---- inverse ----
 
     // Order of the real terms in the sums of length 7: 1, 3, 2 from CCS, 1, 2, 3 from the others.
-    static Samples inverse(const Spectrum& Z, int n, double s, bool fromCcs) {
+    static Samples inverse(const Spectrum& Z, int n, double s, HalfSpectrumBins bins) {
         Samples y(static_cast<std::size_t>(n));
         const Samples &R = Z.re, &I = Z.im;
-        const auto twice = [](Sample v) { return Sample(2) * v; };
         switch (n) {
             case 2:
                 y[0] = scaled(R[0] + R[1], s);
@@ -337,11 +316,58 @@ struct BaseForms {
                 return y;
             }
             default:
-                break;
+                return inverseDirect(Z, n, s, bins);
         }
+    }
+
+  private:
+    // ---- lengths 5, 7 and 11 ----
+
+    static Spectrum forwardDirect(const Samples& x, double s) {
+        const auto n = static_cast<int>(x.size());
+        Spectrum X{Samples(x.size() / 2 + 1), Samples(x.size() / 2 + 1)};
+        const Direct block(x);
+        X.re[0] = scaled(block.sum, s);
+        for (std::size_t k = 1; k < X.re.size(); ++k) {
+            const int bin = static_cast<int>(k);
+            X.re[k] = scaledExpression(cosineSum(block.order, block.a, x[0], bin, n), s);
+            // the terms of I[k] are those of the sine sum with a minus; where three negative terms
+            // lead and a positive one follows, the signs stay those of the sine sum
+            SignedSum I = sineSum(block.order, block.d, bin, n, Signs::Turned);
+            if (threeLeadNegative(block.order, bin, n)) {
+                I = sineSum(block.order, block.d, bin, n, Signs::AsTheyAre);
+                I.minus = !I.minus;
+            }
+            X.im[k] = I.minus ? minusExpression(I.e, s) : scaledExpression(I.e, s);
+        }
+        return X;
+    }
+
+    static Samples hartleyDirect(const Samples& x, double s) {
+        const auto n = static_cast<int>(x.size());
+        Samples H(x.size());
+        const Direct block(x);
+        H[0] = scaled(block.sum, s);
+        for (int k = 1; 2 * k < n; ++k) {
+            const SignedSum sine = sineSum(block.order, block.d, k, n, Signs::AsTheyAre);
+            putPair(H, static_cast<std::size_t>(k),
+                    narrow(cosineSum(block.order, block.a, x[0], k, n)), narrow(sine.value()), s);
+        }
+        return H;
+    }
+    // Elements k and N - k.
+    static void putPair(Samples& H, std::size_t k, Narrowed c, Narrowed sine, double s) {
+        H[k] = scaled(c + sine, s);
+        H[H.size() - k] = scaled(c - sine, s);
+    }
+
+    static Samples inverseDirect(const Spectrum& Z, int n, double s, HalfSpectrumBins bins) {
+        Samples y(static_cast<std::size_t>(n));
+        const Samples &R = Z.re, &I = Z.im;
         if (n != 5 && n != 7) throw std::logic_error("no base form of this length");
         const std::vector<int> imaginary = n == 5 ? std::vector{1, 2} : std::vector{1, 2, 3};
-        const std::vector<int> real = n == 7 && fromCcs ? std::vector{1, 3, 2} : imaginary;
+        const std::vector<int> real =
+            n == 7 && bins == HalfSpectrumBins::Ccs ? std::vector{1, 3, 2} : imaginary;
         Samples A, B;
         for (const int k : real) A.push_back(twice(R[static_cast<std::size_t>(k)]));
         for (const int k : imaginary) B.push_back(twice(I[static_cast<std::size_t>(k)]));
@@ -350,16 +376,15 @@ struct BaseForms {
         y[0] = scaled(sum + R[0], s);
         for (int j = 1; 2 * j < n; ++j) {
             const Narrowed C = narrow(cosineSum(real, A, R[0], j, n));
-            bool minus = false;
-            const double e = sineSum(imaginary, B, j, n, false, minus);
-            const Narrowed S = narrow(minus ? -e : e);
+            const Narrowed S = narrow(sineSum(imaginary, B, j, n, Signs::AsTheyAre).value());
             y[static_cast<std::size_t>(j)] = scaled(C - S, s);
             y[static_cast<std::size_t>(n - j)] = scaled(C + S, s);
         }
         return y;
     }
 
-  private:
+    static Sample twice(Sample v) { return Sample(2) * v; }
+
     // 0.0 - s e, in the type in which the expression stands.
     static Sample minusExpression(double e, double scale) {
         const auto s = static_cast<typename Rules::Scale>(scale);

@@ -56,7 +56,7 @@ PassStep blockStep(const Kernel& k, const std::string& what, Array from, Array t
 }
 
 PassStep columnStep(const Kernel& k, const std::string& what, Array from, Array to, long column,
-                    long radix, long stride, bool scaled) {
+                    long radix, long stride) {
     PassStep step;
     step.what = what;
     for (long row = 0; row < radix; ++row) {
@@ -66,8 +66,6 @@ PassStep columnStep(const Kernel& k, const std::string& what, Array from, Array 
     long layers = 0;
     while (1L << layers < radix) ++layers;
     step.operations["add"] = radix * layers;
-    if (scaled) step.operations["multiply"] = radix;
-    step.parkedScale = scaled;
     step.spills = radix > 8;
     return step;
 }
@@ -100,13 +98,16 @@ std::vector<PassStep> stepsOf(const Kernel& k) {
         EXPECT_EQ(row.integer("tile_steps"), row.integer("tile_stride") / k.lanes());
         for (long c = 0; c < row.integer("tile_steps"); ++c)
             steps.push_back(columnStep(k, named("tile column", c), scratch, at(main, tile), c,
-                                       row.integer("tile_radix"), row.integer("tile_stride"),
-                                       false));
+                                       row.integer("tile_radix"), row.integer("tile_stride")));
     }
     EXPECT_EQ(row.integer("last_steps"), row.integer("last_stride") / k.lanes());
-    for (long c = 0; c < row.integer("last_steps"); ++c)
-        steps.push_back(columnStep(k, named("last column", c), main, dst, c,
-                                   row.integer("last_radix"), row.integer("last_stride"), true));
+    for (long c = 0; c < row.integer("last_steps"); ++c) {
+        const long radix = row.integer("last_radix");
+        steps.push_back(columnStep(k, named("last column", c), main, dst, c, radix,
+                                   row.integer("last_stride")));
+        steps.back().operations["multiply"] = radix;
+        steps.back().parkedScale = true;
+    }
     return steps;
 }
 
@@ -117,14 +118,17 @@ bool isData(const Step& step) {
 }
 
 // How data is moved by the aligned body and by the twin.
-std::string checkMove(const Kernel& k, const Step& step, bool twin) {
+enum class Form { Aligned, Twin };
+
+std::string checkMove(const Kernel& k, const Step& step, Form form) {
     const Access& a = *step.access;
     const Instruction& in = *step.instruction;
     const std::set<std::string> halves{"movsd", "movlps", "movhps"};
-    const bool good = !in.vector()                          ? false
-                      : a.region == Region::buffer || !twin ? a.size == 16 && in.aligned
-                      : k.single                            ? in.mnemonic == "movups"
-                                                            : halves.contains(in.mnemonic);
+    const bool isAligned = a.region == Region::buffer || form == Form::Aligned;
+    const bool good = !in.vector() ? false
+                      : isAligned  ? a.size == 16 && in.aligned
+                      : k.single   ? in.mnemonic == "movups"
+                                   : halves.contains(in.mnemonic);
     return good ? "" : "moves data by " + in.text;
 }
 
@@ -137,8 +141,79 @@ bool runsOn(const Instruction& in) {
            in.operands[1].type == Operand::Type::immediate;
 }
 
+// What a run has done of one step.
+class StepProgress {
+  public:
+    StepProgress(const Kernel& k, const PassStep& step, Form form)
+        : kernel_(k), step_(step), left_(step.writes), form_(form) {}
+
+    bool isDone() const { return left_.empty(); }
+
+    // What is wrong with the next instruction, empty when all is well.
+    std::string take(const Step& at) {
+        const Instruction& in = *at.instruction;
+        // Between data: pointers and counters move on by constants, up to two loops at once.
+        if (!in.vector() && in.kind != Kind::nop && kernel_.passes() &&
+            (!runsOn(in) || ++integers_ > 10))
+            return step_.what + ": index arithmetic, " + in.text;
+        if (in.kind == Kind::shuffle) ++done_[in.mnemonic];
+        if (in.kind == Kind::add) ++done_["add"];
+        if (in.kind == Kind::multiply) ++done_["multiply"];
+        const bool isOther = in.kind == Kind::logic || in.kind == Kind::convert ||
+                             (in.mnemonic == "shufps" && in.operands[2].value != 0xee);
+        const bool usesFrame = at.access && at.access->region == Region::frame && in.vector();
+        if (isOther || (usesFrame && at.access->size == 16 && !in.aligned))
+            return step_.what + ": " + in.text;
+        if (usesFrame) {
+            storesToFrame_ |= at.access->store;
+            if (at.access->load) frameLoads_.insert(at.access->offset);
+        }
+        return isData(at) ? takeData(at) : "";
+    }
+
+    // What is wrong with the whole.
+    std::string conclusion() const {
+        if (!isDone()) return step_.what + " is not finished";
+        if (read_ != step_.reads) return step_.what + " does not read all of its elements";
+        if (done_ != step_.operations) {
+            std::string text = step_.what + " does:";
+            for (const auto& [name, count] : done_)
+                text += " " + std::to_string(count) + " " + name;
+            return text;
+        }
+        const std::size_t parked = step_.parkedScale ? 1 : 0;
+        if (!step_.spills && (storesToFrame_ || frameLoads_.size() > parked))
+            return step_.what + " spills";
+        return "";
+    }
+
+  private:
+    std::string takeData(const Step& at) {
+        const std::string move = checkMove(kernel_, at, form_);
+        if (!move.empty()) return step_.what + ": " + move;
+        for (std::int64_t i = 0; i < at.access->size; i += 8) {
+            const Place place{at.access->region, at.access->offset + i};
+            if (at.access->store ? left_.erase(place) == 0 : step_.reads.count(place) == 0)
+                return step_.what + ": " + at.instruction->text + " at " +
+                       std::to_string(place.second) + " of " + regionName(place.first);
+            if (at.access->load) read_.insert(place);
+        }
+        return "";
+    }
+
+    const Kernel& kernel_;
+    const PassStep& step_;
+    std::set<Place> left_;  // not written yet
+    Form form_;
+    std::set<Place> read_;
+    std::map<std::string, long> done_;
+    std::set<std::int64_t> frameLoads_;
+    int integers_ = 0;
+    bool storesToFrame_ = false;
+};
+
 // Follows a run through the steps; what is wrong, empty when all is well.
-std::string followSteps(const Kernel& k, const Trace& trace, bool twin) {
+std::string followSteps(const Kernel& k, const Trace& trace, Form form) {
     auto at = trace.steps.begin();
     const auto end = trace.steps.end();
     std::map<std::string, long> outside;  // shuffles before the first data is touched
@@ -153,51 +228,10 @@ std::string followSteps(const Kernel& k, const Trace& trace, bool twin) {
     for (PassStep step : stepsOf(k)) {
         if (!k.passes())
             for (const auto& [name, count] : spread) step.operations[name] += count;
-        std::set<Place> read;
-        std::map<std::string, long> done;
-        std::set<std::int64_t> frameLoads;
-        int integers = 0;
-        bool frameStores = false;
-        for (; at != end && !step.writes.empty(); ++at) {
-            const Instruction& in = *at->instruction;
-            // Between data: pointers and counters move on by constants, up to two loops at once.
-            if (!in.vector() && in.kind != Kind::nop && k.passes()) {
-                if (!runsOn(in) || ++integers > 10)
-                    return step.what + ": index arithmetic, " + in.text;
-            }
-            if (in.kind == Kind::shuffle) ++done[in.mnemonic];
-            if (in.kind == Kind::add) ++done["add"];
-            if (in.kind == Kind::multiply) ++done["multiply"];
-            if (in.kind == Kind::logic || in.kind == Kind::convert)
-                return step.what + ": " + in.text;
-            if (in.mnemonic == "shufps" && in.operands[2].value != 0xee)
-                return step.what + ": " + in.text;
-            if (at->access && at->access->region == Region::frame && in.vector()) {
-                if (at->access->size == 16 && !in.aligned) return step.what + ": " + in.text;
-                frameStores |= at->access->store;
-                if (at->access->load) frameLoads.insert(at->access->offset);
-            }
-            if (!isData(*at)) continue;
-            const std::string move = checkMove(k, *at, twin);
-            if (!move.empty()) return step.what + ": " + move;
-            for (std::int64_t i = 0; i < at->access->size; i += 8) {
-                const Place place{at->access->region, at->access->offset + i};
-                if (at->access->store ? step.writes.erase(place) == 0
-                                      : step.reads.count(place) == 0)
-                    return step.what + ": " + in.text + " at " + std::to_string(place.second) +
-                           " of " + regionName(place.first);
-                if (at->access->load) read.insert(place);
-            }
-        }
-        if (!step.writes.empty()) return step.what + " is not finished";
-        if (read != step.reads) return step.what + " does not read all of its elements";
-        if (done != step.operations) {
-            std::string text = step.what + " does:";
-            for (const auto& [name, count] : done) text += " " + std::to_string(count) + " " + name;
-            return text;
-        }
-        if (!step.spills && (frameStores || frameLoads.size() > (step.parkedScale ? 1U : 0U)))
-            return step.what + " spills";
+        StepProgress progress(k, step, form);
+        for (; at != end && !progress.isDone(); ++at)
+            if (const std::string wrong = progress.take(*at); !wrong.empty()) return wrong;
+        if (const std::string wrong = progress.conclusion(); !wrong.empty()) return wrong;
     }
     for (; at != end; ++at)
         if (at->instruction->vector()) return "after the last step: " + at->instruction->text;
@@ -211,15 +245,18 @@ TEST_P(VectorMachine, TakesTheStepsOfThePasses) {
     for (const std::int32_t flag : {8, 4, 1, 2}) {
         CallSetup setup;
         setup.flag = flag;
-        EXPECT_EQ(followSteps(k, runIntegers(library(), k.name(), setup), false), "") << k.name();
+        EXPECT_EQ(followSteps(k, runIntegers(library(), k.name(), setup), Form::Aligned), "")
+            << k.name();
         if (k.hasTwin()) {
-            EXPECT_EQ(followSteps(k, runIntegers(library(), k.twin(), setup), true), "")
+            EXPECT_EQ(followSteps(k, runIntegers(library(), k.twin(), setup), Form::Twin), "")
                 << k.twin();
         }
         setup.srcMisalignment = 8;
-        EXPECT_EQ(followSteps(k, runIntegers(library(), k.name(), setup), true), "") << k.name();
+        EXPECT_EQ(followSteps(k, runIntegers(library(), k.name(), setup), Form::Twin), "")
+            << k.name();
         setup.bufferNull = true;
-        EXPECT_EQ(followSteps(k, runIntegers(library(), k.name(), setup), true), "") << k.name();
+        EXPECT_EQ(followSteps(k, runIntegers(library(), k.name(), setup), Form::Twin), "")
+            << k.name();
     }
 }
 
