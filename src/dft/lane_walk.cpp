@@ -94,7 +94,7 @@ Points LaneWalk::product(const ComplexConstants& w, const Points& z) {
 }
 
 std::vector<Points> LaneWalk::run(const plan::PlanPtr& plan, const std::vector<Points>& inputs,
-                                  bool besideTwiddles) {
+                                  Standing standing) {
     std::vector<Points> outputs;
     for (std::size_t first = 0; first < inputs.size(); first += 4) {
         const std::size_t count = std::min<std::size_t>(4, inputs.size() - first);
@@ -102,7 +102,7 @@ std::vector<Points> LaneWalk::run(const plan::PlanPtr& plan, const std::vector<P
         for (Points& y : count == 4 ? runInLanes(lanes_, direction_, plan, group)
                          : isJoin(*plan) && leftovers_.comeApart(count)
                              ? runApart(plan, group)
-                             : leftovers_.run(plan, group, besideTwiddles))
+                             : leftovers_.run(plan, group, standing))
             outputs.push_back(std::move(y));
     }
     return outputs;
@@ -114,13 +114,18 @@ std::vector<Points> LaneWalk::runApart(const plan::PlanPtr& plan,
     const plan::CooleyTukey* twiddled = join.twiddled();
     const bool inColumns = twiddled && twiddled->twiddleLanes == plan::TwiddleLanes::Columns;
     const auto runStage = [&](const plan::PlanPtr& part, const std::vector<Points>& z,
-                              bool besideTwiddles) {
-        lanes_.graph().stage((besideTwiddles ? "twiddled: " : "") + describe(z.size(), *part));
-        return run(part, z, besideTwiddles);
+                              Standing standing) {
+        const bool isTwiddled = standing == Standing::BesideTwiddles;
+        lanes_.graph().stage((isTwiddled ? "twiddled: " : "") + describe(z.size(), *part));
+        return run(part, z, standing);
     };
-    std::vector<Points> v = join.rows(runStage(join.first(), join.columns(inputs), inColumns));
+    const auto standing = [](bool isTwiddled) {
+        return isTwiddled ? Standing::BesideTwiddles : Standing::AsTheyCome;
+    };
+    std::vector<Points> v =
+        join.rows(runStage(join.first(), join.columns(inputs), standing(inColumns)));
     if (twiddled) twiddle(join, v);
-    return join.outputs(runStage(join.second(), v, twiddled && !inColumns));
+    return join.outputs(runStage(join.second(), v, standing(twiddled && !inColumns)));
 }
 
 // Column 0 (with the rows in the lanes) or row 0 (with the columns) has no twiddles; of all others

@@ -11,6 +11,9 @@
 
 namespace orvgen::dft {
 
+// Where the numbers of a stage stand: as the twiddles do that multiply them, or as they come.
+enum class Standing : std::uint8_t { AsTheyCome, BesideTwiddles };
+
 // One to three transforms or numbers, which do not fill the lanes.
 class Leftovers {
   public:
@@ -18,9 +21,8 @@ class Leftovers {
     // Whether so many transforms of several stages are taken apart by their first join, so that
     // each stage fills the lanes anew.
     virtual bool comeApart(std::size_t count) const = 0;
-    // `besideTwiddles`: the numbers of the transforms stand as their twiddles do.
     virtual std::vector<Points> run(const plan::PlanPtr& plan, const std::vector<Points>& inputs,
-                                    bool besideTwiddles) = 0;
+                                    Standing standing) = 0;
     virtual Points product(const ComplexConstants& w, const Points& z) = 0;
 };
 
@@ -30,7 +32,7 @@ class LaneWalk {
         : lanes_(lanes), direction_(direction), leftovers_(leftovers) {}
 
     Points run(const plan::PlanPtr& plan, const Points& input) {
-        return run(plan, {input}, false)[0];
+        return run(plan, {input}, Standing::AsTheyCome)[0];
     }
     // Numbers times constants of their own, all of them full products, four neighbours at a time.
     Points product(const ComplexConstants& w, const Points& z);
@@ -38,7 +40,7 @@ class LaneWalk {
   private:
     // Each entry is the input of one transform, and becomes its output.
     std::vector<Points> run(const plan::PlanPtr& plan, const std::vector<Points>& inputs,
-                            bool besideTwiddles);
+                            Standing standing);
     std::vector<Points> runApart(const plan::PlanPtr& plan, const std::vector<Points>& inputs);
     void twiddle(const class ComplexJoin& join, std::vector<Points>& rows);
 
@@ -60,7 +62,7 @@ class EmptyLanes final : public Leftovers {
 
     bool comeApart(std::size_t count) const override { return count < 3; }
     std::vector<Points> run(const plan::PlanPtr& plan, const std::vector<Points>& inputs,
-                            bool /*besideTwiddles*/) override {
+                            Standing /*standing*/) override {
         return runInLanes(lanes_, direction_, plan, inputs);
     }
     Points product(const ComplexConstants& w, const Points& z) override {

@@ -71,13 +71,13 @@ Points PackedPairs::product(const ComplexConstants& w, const Points& z) {
 }
 
 std::vector<Points> PackedPairs::run(const plan::PlanPtr& plan, const std::vector<Points>& inputs,
-                                     bool besideTwiddles) {
+                                     Standing standing) {
     std::vector<Points> outputs;
     // A four-point butterfly needs a sign in pairs, and none by itself.
-    const bool paired = plan->length != 4 || besideTwiddles;
+    const bool paired = plan->length != 4 || standing == Standing::BesideTwiddles;
     std::size_t done = 0;
     if (paired && inputs.size() >= 2) {
-        outputs = runPair({inputs[0], inputs[1]}, besideTwiddles);
+        outputs = runPair({inputs[0], inputs[1]}, standing);
         done = 2;
     }
     for (; done < inputs.size(); ++done) {
@@ -91,12 +91,13 @@ std::vector<Points> PackedPairs::run(const plan::PlanPtr& plan, const std::vecto
     return outputs;
 }
 
-std::vector<Points> PackedPairs::runPair(const std::vector<Points>& inputs, bool besideTwiddles) {
+std::vector<Points> PackedPairs::runPair(const std::vector<Points>& inputs, Standing standing) {
     const std::size_t length = inputs[0].size();
     std::vector<Pair> z;
     for (std::size_t n = 0; n < length; ++n) {
         const Point &x = inputs[0][n], &y = inputs[1][n];
-        z.emplace_back(lanes_, lanes_.pack({x.re, x.im, y.re, y.im}), besideTwiddles);
+        z.emplace_back(lanes_, lanes_.pack({x.re, x.im, y.re, y.im}),
+                       standing == Standing::BesideTwiddles);
     }
     std::vector<Points> outputs(2);
     for (const Pair& y : butterfly(direction_, z)) {

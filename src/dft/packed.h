@@ -52,7 +52,7 @@ class PackedPairs final : public Leftovers {
 
     bool comeApart(std::size_t /*count*/) const override { return true; }
     std::vector<Points> run(const plan::PlanPtr& plan, const std::vector<Points>& inputs,
-                            bool besideTwiddles) override;
+                            Standing standing) override;
     Points product(const ComplexConstants& w, const Points& z) override;
 
     // What a lone two-point transform (z0, z1) takes along in the other half of its vectors:
@@ -66,7 +66,7 @@ class PackedPairs final : public Leftovers {
     const Point& difference() const { return difference_.value(); }
 
   private:
-    std::vector<Points> runPair(const std::vector<Points>& inputs, bool besideTwiddles);
+    std::vector<Points> runPair(const std::vector<Points>& inputs, Standing standing);
     Points runLoneTwo(const Points& z);
     Points runLoneFour(const Points& z);
 

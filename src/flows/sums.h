@@ -76,9 +76,9 @@ class DirectSums {
         for (const long u : sinePairs) s.push_back(kernelgen::sinTurn(k * u, n_));
         switch (order_.sines) {
             case SumOrder::Sines::PositiveFirst:
-                return sumBeginningWith(false, s, d);
+                return sumBeginningWith(Sign::Plus, s, d);
             case SumOrder::Sines::NegativeFirst:
-                return sumBeginningWith(true, s, d);
+                return sumBeginningWith(Sign::Minus, s, d);
             case SumOrder::Sines::AsTheyCome:
                 return sumOfProducts(s, d);
             default:
@@ -97,11 +97,12 @@ class DirectSums {
     }
 
     // The first product of this sign first, the others as they come.
+    enum class Sign : std::uint8_t { Plus, Minus };
     template <class V>
-    static V sumBeginningWith(bool minus, const std::vector<Constant>& c, const std::vector<V>& v) {
+    static V sumBeginningWith(Sign sign, const std::vector<Constant>& c, const std::vector<V>& v) {
         std::vector<V> terms;
         for (std::size_t i = 0; i < v.size(); ++i) terms.push_back(c[i] * v[i]);
-        const auto first = std::ranges::find(terms, minus, &V::negative);
+        const auto first = std::ranges::find(terms, sign == Sign::Minus, &V::negative);
         if (first != terms.end()) std::rotate(terms.begin(), first, first + 1);
         return sumOf(terms);
     }

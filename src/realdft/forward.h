@@ -32,9 +32,12 @@ std::vector<Term<V>> forwardTerms(const flows::Sequence<V>& bins, Scale&& scale)
     for (std::size_t k = 0; k < bins.size(); ++k) {
         const V re = bins[k].re.formed();
         if (re.negative()) throw std::logic_error("a real part with a minus");
-        terms.push_back({static_cast<int>(k), false, narrow(scale(re))});
+        terms.push_back(
+            {.bin = static_cast<int>(k), .isImaginary = false, .value = narrow(scale(re))});
         if (bins[k].im.isEmpty()) continue;
-        terms.push_back({static_cast<int>(k), true, narrow(signStep(scale(bins[k].im.formed())))});
+        terms.push_back({.bin = static_cast<int>(k),
+                         .isImaginary = true,
+                         .value = narrow(signStep(scale(bins[k].im.formed())))});
     }
     return terms;
 }
