@@ -64,9 +64,10 @@ double Painter::widthOf(const std::string& s) const {
 }
 
 void Painter::text(const std::string& s, double x, double y, double size, double anchor,
-                   const Colour& k, bool bold, double room) {
-    cairo_select_font_face(get(), "sans-serif", CAIRO_FONT_SLANT_NORMAL,
-                           bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
+                   const Colour& k, Weight weight, double room) {
+    cairo_select_font_face(
+        get(), "sans-serif", CAIRO_FONT_SLANT_NORMAL,
+        weight == Weight::bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
     cairo_set_font_size(get(), size);
     std::string shown = s;
     for (std::string left = s; !left.empty() && widthOf(shown) > room; shown = left + "\u2026") {

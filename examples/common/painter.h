@@ -20,6 +20,14 @@ struct Colour {
     double r, g, b;
 };
 
+// The colours of pictures on white.
+namespace light {
+inline constexpr Colour background = {1, 1, 1};
+inline constexpr Colour ink = {0.10, 0.11, 0.13};
+inline constexpr Colour faint = {0.38, 0.40, 0.44};
+inline constexpr Colour line = {0.78, 0.79, 0.82};
+}  // namespace light
+
 class Painter {
   public:
     Painter(int width, int height, const Colour& background, const Colour& line,
@@ -35,10 +43,11 @@ class Painter {
     void frame(const Box& box);
     void frame(const Box& box, const std::string& caption);
 
+    enum class Weight { plain, bold };
     // Anchored at its left (0), middle (0.5) or right (1); y is the middle of its height. Text
     // wider than `room` ends in an ellipsis.
     void text(const std::string& s, double x, double y, double size, double anchor, const Colour& k,
-              bool bold = false, double room = 1e9);
+              Weight weight = Weight::plain, double room = 1e9);
     void textUpwards(const std::string& s, double x, double y, double size, const Colour& k);
 
     // Cells of colour that fill `place`, row 0 at its bottom, blended into each other where they

@@ -8,6 +8,7 @@
 
 namespace {
 
+using namespace light;
 using layout::errors;
 using layout::levels;
 using layout::wave;
@@ -15,10 +16,6 @@ using layout::wave;
 constexpr int width = 1600, height = 1000;
 constexpr double decibels = 80;  // from the darkest level to the brightest
 
-constexpr Colour background = {1, 1, 1};
-constexpr Colour ink = {0.10, 0.11, 0.13};
-constexpr Colour faint = {0.38, 0.40, 0.44};
-constexpr Colour line = {0.78, 0.79, 0.82};
 constexpr Colour original = {0.16, 0.36, 0.62};
 constexpr Colour single = {0.80, 0.33, 0.13};
 constexpr Colour twice = {0.12, 0.47, 0.40};
@@ -34,16 +31,27 @@ std::vector<Samples> stretches(const RoundTrip& trip) {
     return all;
 }
 
-void drawTicks(Painter& painter, const Box& box, double seconds, bool labels) {
-    const TimeAxis axis(seconds, 10);
+// Places of the ticks, with their times.
+std::vector<std::pair<double, double>> ticksOf(const TimeAxis& axis, const Box& box,
+                                               double seconds) {
+    std::vector<std::pair<double, double>> ticks;
     for (int i = 0; i * axis.step() <= seconds * 1.0001; ++i) {
-        const double x = std::floor(box.x + i * axis.step() / seconds * box.w) + 0.5;
-        painter.segment(x, box.bottom() + 1, x, box.bottom() + 6, faint);
-        if (labels) painter.text(axis.label(i * axis.step()), x, box.bottom() + 18, 13, 0.5, faint);
+        const double time = i * axis.step();
+        ticks.emplace_back(std::floor(box.x + time / seconds * box.w) + 0.5, time);
     }
-    if (labels)
-        painter.text(std::string("time (") + axis.unit() + ")", box.x + box.w / 2,
-                     box.bottom() + 42, 14, 0.5, faint);
+    return ticks;
+}
+
+void drawTicks(Painter& painter, const TimeAxis& axis, const Box& box, double seconds) {
+    for (const auto& [x, at] : ticksOf(axis, box, seconds))
+        painter.segment(x, box.bottom() + 1, x, box.bottom() + 6, faint);
+}
+
+void drawTimes(Painter& painter, const TimeAxis& axis, const Box& box, double seconds) {
+    for (const auto& [x, at] : ticksOf(axis, box, seconds))
+        painter.text(axis.label(at), x, box.bottom() + 18, 13, 0.5, faint);
+    painter.text(std::string("time (") + axis.unit() + ")", box.x + box.w / 2, box.bottom() + 42,
+                 14, 0.5, faint);
 }
 
 std::string largestOf(const RoundTrip& trip) {
@@ -143,15 +151,17 @@ void drawErrors(Painter& painter, const RoundTrip& trip, const std::vector<Sampl
 void writePicture(const Picture& picture, const std::string& path) {
     Painter painter(width, height, background, line, ink);
     constexpr double room = width - wave.x - 40;
-    painter.text(picture.title, wave.x, 36, 24, 0, ink, false, room);
-    painter.text(picture.subtitle, wave.x, 68, 16, 0, faint, false, room);
+    painter.text(picture.title, wave.x, 36, 24, 0, ink, Painter::Weight::plain, room);
+    painter.text(picture.subtitle, wave.x, 68, 16, 0, faint, Painter::Weight::plain, room);
     const std::vector<Samples> columns = stretches(picture.trip);
     const double seconds = static_cast<double>(picture.trip.samples.count()) / picture.rate;
+    const TimeAxis time(seconds, 10);
     drawWave(painter, picture.trip, columns);
-    drawTicks(painter, wave, seconds, false);
+    drawTicks(painter, time, wave, seconds);
     drawLevels(painter, picture);
-    drawTicks(painter, levels, seconds, false);
+    drawTicks(painter, time, levels, seconds);
     drawErrors(painter, picture.trip, columns);
-    drawTicks(painter, errors, seconds, true);
+    drawTicks(painter, time, errors, seconds);
+    drawTimes(painter, time, errors, seconds);
     painter.write(path);
 }

@@ -84,16 +84,19 @@ std::complex<double> response(const Taps& taps, int carrier) {
 // The probability that a normal variable exceeds x standard deviations.
 double tail(double x) { return std::erfc(x / std::numbers::sqrt2) / 2; }
 
+enum class Channel { known, estimated };
+
 // The bit error rate on a carrier of the given gain |H|^2. With the channel estimated from a number
 // of training symbols, the estimate's error weighs with the energy of the point sent.
-double errorRate(const Constellation& c, double noise, double gain, bool estimated) {
+double errorRate(const Constellation& c, double noise, double gain, Channel channel) {
     const double u = static_cast<double>(c.unit());
     double sum = 0;
     for (unsigned i = 0; i < c.levels(); ++i) {
         for (unsigned j = 0; j < c.levels(); ++j) {
             const double a = std::abs(static_cast<double>(c.level(i)));
             const double b = static_cast<double>(c.level(j));
-            const double more = estimated ? (a * a + b * b) / static_cast<double>(training) : 0;
+            const double more =
+                channel == Channel::estimated ? (a * a + b * b) / static_cast<double>(training) : 0;
             const double s = std::sqrt(noise * (1 + more) / (2 * gain));
             sum += tail(a / s);
             if (c.levels() == 2) continue;
@@ -109,11 +112,11 @@ Theory makeTheory(const Constellation& c, double noise,
                   const std::array<std::complex<double>, carriers>& channel) {
     Theory theory;
     if (noise <= 0) return theory;
-    theory.flat = errorRate(c, noise, 1, false);
+    theory.flat = errorRate(c, noise, 1, Channel::known);
     for (std::size_t k = 0; k < carriers; ++k) {
         const double gain = std::norm(channel[k]);
-        theory.byCarrier[k] = errorRate(c, noise, gain, true);
-        theory.known += errorRate(c, noise, gain, false) / carriers;
+        theory.byCarrier[k] = errorRate(c, noise, gain, Channel::estimated);
+        theory.known += errorRate(c, noise, gain, Channel::known) / carriers;
         theory.estimated += theory.byCarrier[k] / carriers;
     }
     return theory;
@@ -130,17 +133,17 @@ std::vector<Symbol> makeSymbols(const Settings& settings, const Constellation& d
                                 std::mt19937_64& random) {
     const Constellation qpsk(2);  // every training point of the same energy
     std::vector<Symbol> symbols;
-    const auto append = [&](bool known, const Constellation& c, int bits) {
+    const auto append = [&](const Constellation& c, int bits) -> Symbol& {
         Symbol& symbol = symbols.emplace_back();
-        symbol.known = known;
         for (std::size_t k = 0; k < carriers; ++k) {
             symbol.words[k] = static_cast<unsigned>(random() >> (64 - bits));
             symbol.carrier[k] = c.point(symbol.words[k]);
         }
+        return symbol;
     };
     for (std::size_t i = 0; i < settings.symbols; ++i) {
-        for (std::size_t t = 0; i % frame == 0 && t < training; ++t) append(true, qpsk, 2);
-        append(false, data, settings.bits);
+        for (std::size_t t = 0; i % frame == 0 && t < training; ++t) append(qpsk, 2).known = true;
+        append(data, settings.bits);
     }
     return symbols;
 }

@@ -8,6 +8,7 @@
 
 namespace {
 
+using namespace light;
 using layout::after;
 using layout::before;
 using layout::channel;
@@ -16,10 +17,6 @@ using layout::reach;
 
 constexpr int width = 1600, height = 960;
 
-constexpr Colour background = {1, 1, 1};
-constexpr Colour ink = {0.10, 0.11, 0.13};
-constexpr Colour faint = {0.38, 0.40, 0.44};
-constexpr Colour line = {0.78, 0.79, 0.82};
 constexpr Colour truth = {0.16, 0.36, 0.62};
 constexpr Colour measured = {0.80, 0.33, 0.13};
 
@@ -137,8 +134,8 @@ void writePicture(const Picture& picture, const std::string& path) {
     Painter painter(width, height, background, line, ink);
     const Outcome& outcome = picture.outcome;
     constexpr double room = width - before.x - 40;
-    painter.text(picture.title, before.x, 36, 24, 0, ink, false, room);
-    painter.text(picture.subtitle, before.x, 68, 16, 0, faint, false, room);
+    painter.text(picture.title, before.x, 36, 24, 0, ink, Painter::Weight::plain, room);
+    painter.text(picture.subtitle, before.x, 68, 16, 0, faint, Painter::Weight::plain, room);
     drawConstellation(painter, before, "received, before the equaliser", outcome.before, measured);
     drawConstellation(painter, after,
                       "after it, error vector " + formatted("%.3g %%", 100 * outcome.errorVector),

@@ -170,8 +170,8 @@ void writePicture(const Spectrogram& s, const std::string& title, const std::str
     const Layout layout(s.channels.size());
     Painter p(layout.width, layout.height, background, line, ink);
     const double left = layout.levels(0).x, room = layout.width - left - 40;
-    p.text(title, left, 42, 26, 0, ink, true, room);
-    p.text(subtitle, left, 78, 15, 0, faint, false, room);
+    p.text(title, left, 42, 26, 0, ink, Painter::Weight::bold, room);
+    p.text(subtitle, left, 78, 15, 0, faint, Painter::Weight::plain, room);
 
     float loudest = 0;
     for (const auto& channel : s.channels)
@@ -181,7 +181,7 @@ void writePicture(const Spectrogram& s, const std::string& title, const std::str
         const Box levels = layout.levels(c);
         paintEnvelope(p, layout.envelope(c), s.channels[c], loudest);
         paintLevels(p, levels, s.channels[c], s, range);
-        p.text(nameOf(c, s), levels.x + 10, levels.y + 16, 15, 0, ink, true);
+        p.text(nameOf(c, s), levels.x + 10, levels.y + 16, 15, 0, ink, Painter::Weight::bold);
         paintFrequencies(p, levels, s.top);
     }
     if (s.loudest().db < silent) {
