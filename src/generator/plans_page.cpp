@@ -18,15 +18,15 @@ has the same line in its head. The lines are plans ([plan.h](../src/plan/plan.h)
 
 | written | is | real, Hartley, complex binary64 | complex binary32 |
 |---|---|---|---|
-| 5 | a block of 5 points: a butterfly or a direct form | `directReal`, `directInverseReal` in [direct.h](../src/flows/direct.h) | [butterflies.h](../src/dft/butterflies.h) |
-| 4, 3 | a Good-Thomas join: four-point blocks first, no twiddles | `goodThomas`, `inverseGoodThomas` in [good_thomas.h](../src/flows/good_thomas.h) | [complex_join.h](../src/dft/complex_join.h), [lane_walk.h](../src/dft/lane_walk.h) |
+| 5 | a block of 5 points: a butterfly or a direct form | `directReal`, `directInverseReal` in [direct.h](../src/flows/direct.h) | `butterfly` in [butterflies.h](../src/dft/butterflies.h) |
+| 4, 3 | a Good-Thomas join: four-point blocks first, no twiddles | `goodThomas`, `inverseGoodThomas` in [good_thomas.h](../src/flows/good_thomas.h) | `ComplexJoin` in [complex_join.h](../src/dft/complex_join.h), run by `LaneWalk` in [lane_walk.cpp](../src/dft/lane_walk.cpp) |
 | 9 T 3 | a Cooley-Tukey join: nine-point blocks first, then twiddles | `cooleyTukey`, `inverseCooleyTukey` in [cooley_tukey.h](../src/flows/cooley_tukey.h) | the same |
 | (5, 3) T 3 | a factor in parentheses is a join itself | | |
 | Rader 13(c; e; o) | the cycle's transform c, the inverse transforms e of its even and o of its odd frequencies | `raderReal` in [rader.h](../src/flows/rader.h) | |
 | inverse Rader 13(e; o; c) | the mirror; (e; o; ce; co) where the cycle's inverse transform is split by parity | `raderInverseReal` in [rader.h](../src/flows/rader.h) | |
-| Rader 13(c) | on complex numbers: the cycle's transform c, and back by its mirror; {packed}, {lone pair}: how x[0] meets it | | [rader.h](../src/dft/rader.h) |
-| lane Rader 13 | the same with the cycle in real lanes; {from g^1}: the power at which results begin; {sin 60 in bins 2 4}: that sine is in the constants | | [embedded_rader.h](../src/dft/embedded_rader.h) |
-| Bluestein 47(f; b) | the transform f of the padded sequence, and the way back b | | [bluestein.h](../src/dft/bluestein.h) |
+| Rader 13(c) | on complex numbers: the cycle's transform c, and back by its mirror; {packed}, {lone pair}: how x[0] meets it | | `rader` in [rader.h](../src/dft/rader.h) |
+| lane Rader 13 | the same with the cycle in real lanes; {from g^1}: the power at which results begin; {sin 60 in bins 2 4}: that sine is in the constants | | `laneRader` in [embedded_rader.h](../src/dft/embedded_rader.h) |
+| Bluestein 47(f; b) | the transform f of the padded sequence, and the way back b | | `bluestein` in [bluestein.h](../src/dft/bluestein.h) |
 | lanes(p) | a complex transform as real ones of the real and of the imaginary parts; lanes(p &#124; q) where they differ | `complexByLanes` in [lanes.h](../src/flows/lanes.h) | |
 | [9; complex 3 T 3; odd 2 T 2; 4: 3 T 3] | a factor whose blocks differ: the plan of real rows, of complex rows, of the row at odd frequencies, of block 4 | [rows.h](../src/flows/rows.h) | |
 | 3{head}, 2{both}, 3{re} | in binary32 these operands are rounded for a sum and go on unrounded into a product's expression: x[0] or bin 0; both operands; the real part of bin 1 | [direct.h](../src/flows/direct.h) | |
