@@ -22,41 +22,47 @@ bool isPairsArray(const Array<R>& a, Layout layout) {
     return isPairs(layout) && a.isInterleaved();
 }
 
-// How many transforms a kernel takes, and what it finds of each element, where a side is of pairs.
+// Which sides are of pairs.
+struct PairSides {
+    bool src = false, dst = false;
+};
+
+// How many transforms a kernel takes, and what it finds of each element.
 template <class R>
-constexpr PairsForm<R> formOf(BlockKernel<R>* kernel, bool srcPairs, bool dstPairs) {
+constexpr PairsForm<R> formOf(BlockKernel<R>* kernel, PairSides pairs) {
     constexpr int lanes = Vectors<R>::lanes, bytes = PairsForm<R>::vectorBytes;
     constexpr int shift = std::countr_zero(unsigned{lanes});
     // In binary64 one complex element fills 16 bytes, which are the same transform's.
-    if (srcPairs && dstPairs && sizeof(R) == 8) return {kernel, lanes / 2, shift - 1, bytes, bytes};
-    return {kernel, lanes, shift, srcPairs ? 2 * bytes : bytes, dstPairs ? 2 * bytes : bytes};
+    if (pairs.src && pairs.dst && sizeof(R) == 8)
+        return {kernel, lanes / 2, shift - 1, bytes, bytes};
+    return {kernel, lanes, shift, pairs.src ? 2 * bytes : bytes, pairs.dst ? 2 * bytes : bytes};
 }
 
 template <class R>
 PairsForm<R> pairsFormOf(const Task<R>& task) {
-    const bool src = isPairsArray(task.src, task.srcLayout);
-    const bool dst = isPairsArray(task.dst, task.dstLayout);
-    return formOf<R>(
-        src || dst ? pairsKernelOf<R>(task.kind, task.n) : kernelOf<R>(task.kind, task.n), src,
-        dst);
+    const PairSides pairs{.src = isPairsArray(task.src, task.srcLayout),
+                          .dst = isPairsArray(task.dst, task.dstLayout)};
+    return formOf<R>(pairs.src || pairs.dst ? pairsKernelOf<R>(task.kind, task.n)
+                                            : kernelOf<R>(task.kind, task.n),
+                     pairs);
 }
 
 // The same for calls that come without a task.
 template <class R>
-constexpr Direct<R> directOf(BlockKernel<R>* const* kernels, bool srcPairs, bool dstPairs) {
-    const PairsForm<R> form = formOf<R>(nullptr, srcPairs, dstPairs);
+constexpr Direct<R> directOf(BlockKernel<R>* const* kernels, PairSides pairs) {
+    const PairsForm<R> form = formOf<R>(nullptr, pairs);
     return {kernels, form.shift, Vectors<R>::lanes, form.src, form.dst};
 }
 template <class R>
 consteval std::array<Direct<R>, directForms> directs() {
     using Ks = Kernels<R>;
     std::array<Direct<R>, directForms> of{};
-    of[directForward] = directOf<R>(Ks::forwardPairs, true, true);
-    of[directInverse] = directOf<R>(Ks::inversePairs, true, true);
-    of[directRealForward] = directOf<R>(Ks::realForwardPairs, false, true);
-    of[directInverseFromCcs] = directOf<R>(Ks::realInversePairs, true, false);
-    of[directHartley] = directOf<R>(Ks::hartley, false, false);
-    of[directSplitForward] = directOf<R>(Ks::forward, false, false);
-    of[directSplitInverse] = directOf<R>(Ks::inverse, false, false);
+    of[directForward] = directOf<R>(Ks::pairs.forward, {.src = true, .dst = true});
+    of[directInverse] = directOf<R>(Ks::pairs.inverse, {.src = true, .dst = true});
+    of[directRealForward] = directOf<R>(Ks::pairs.realForward, {.dst = true});
+    of[directInverseFromCcs] = directOf<R>(Ks::pairs.realInverse, {.src = true});
+    of[directHartley] = directOf<R>(Ks::blocks.hartley, {});
+    of[directSplitForward] = directOf<R>(Ks::blocks.forward, {});
+    of[directSplitInverse] = directOf<R>(Ks::blocks.inverse, {});
     return of;
 }

@@ -5,18 +5,20 @@
 #define ORVGEN_JOIN(FORM, NAME, N, T, TARGET) owng##FORM##NAME##_##N##_##T##_##TARGET
 #define ORVGEN_KERNEL(FORM, NAME, N, T, TARGET) ORVGEN_JOIN(FORM, NAME, N, T, TARGET)
 
+using Real_32f = float;
+using Real_32fc = float;
+using Real_64f = double;
+using Real_64fc = double;
+
 #define ADDRESS_OF(NAME, N, T) ORVGEN_KERNEL(Batch, NAME, N, T, ORVGEN_BATCH_TARGET)
 #define ADDRESS(NAME, N, T) ADDRESS_OF(NAME, N, T),
 #define ROWS_ADDRESS_OF(NAME, N, T) ORVGEN_KERNEL(Rows, NAME, N, T, ORVGEN_BATCH_TARGET)
 #define ROWS_ADDRESS(NAME, N, T) ROWS_ADDRESS_OF(NAME, N, T),
 #define PAIRS_ADDRESS_OF(NAME, N, T) ORVGEN_KERNEL(Pairs, NAME, N, T, ORVGEN_BATCH_TARGET)
 #define PAIRS_ADDRESS(NAME, N, T) PAIRS_ADDRESS_OF(NAME, N, T),
-#define DECLARE_32(NAME, N, T) extern "C" BlockKernel<float> ADDRESS_OF(NAME, N, T);
-#define DECLARE_64(NAME, N, T) extern "C" BlockKernel<double> ADDRESS_OF(NAME, N, T);
-#define DECLARE_ROWS_32(NAME, N, T) extern "C" RowsKernel<float> ROWS_ADDRESS_OF(NAME, N, T);
-#define DECLARE_ROWS_64(NAME, N, T) extern "C" RowsKernel<double> ROWS_ADDRESS_OF(NAME, N, T);
-#define DECLARE_PAIRS_32(NAME, N, T) extern "C" BlockKernel<float> PAIRS_ADDRESS_OF(NAME, N, T);
-#define DECLARE_PAIRS_64(NAME, N, T) extern "C" BlockKernel<double> PAIRS_ADDRESS_OF(NAME, N, T);
+#define DECLARE(NAME, N, T) extern "C" BlockKernel<Real_##T> ADDRESS_OF(NAME, N, T);
+#define DECLARE_ROWS(NAME, N, T) extern "C" RowsKernel<Real_##T> ROWS_ADDRESS_OF(NAME, N, T);
+#define DECLARE_PAIRS(NAME, N, T) extern "C" BlockKernel<Real_##T> PAIRS_ADDRESS_OF(NAME, N, T);
 // The lengths at which single complex binary32 kernels move whole vectors only.
 #define EIGHTS(F, NAME, T) \
     F(NAME, 8, T)          \
@@ -28,112 +30,87 @@
     F(NAME, 56, T)         \
     F(NAME, 64, T)
 
-ORVGEN_LENGTHS(DECLARE_32, DFTFwd_CToC, 32fc)
-ORVGEN_LENGTHS(DECLARE_32, DFTInv_CToC, 32fc)
-ORVGEN_LENGTHS(DECLARE_32, DFTFwd_RToCCS, 32f)
-ORVGEN_LENGTHS(DECLARE_32, DFTInv_CCSToR, 32f)
-ORVGEN_LENGTHS(DECLARE_32, Hartley, 32f)
-ORVGEN_LENGTHS(DECLARE_64, DFTFwd_CToC, 64fc)
-ORVGEN_LENGTHS(DECLARE_64, DFTInv_CToC, 64fc)
-ORVGEN_LENGTHS(DECLARE_64, DFTFwd_RToCCS, 64f)
-ORVGEN_LENGTHS(DECLARE_64, DFTInv_CCSToR, 64f)
-ORVGEN_LENGTHS(DECLARE_64, Hartley, 64f)
-// Lengths at which the inverse from CCS sums in an order of its own.
-DECLARE_32(DFTInv_PackToR, 7, 32f)
-DECLARE_32(DFTInv_PackToR, 49, 32f)
-DECLARE_64(DFTInv_PackToR, 7, 64f)
-DECLARE_64(DFTInv_PackToR, 49, 64f)
-EIGHTS(DECLARE_ROWS_32, DFTFwd_CToC, 32fc)
-EIGHTS(DECLARE_ROWS_32, DFTInv_CToC, 32fc)
-ORVGEN_LENGTHS(DECLARE_ROWS_64, DFTFwd_CToC, 64fc)
-ORVGEN_LENGTHS(DECLARE_ROWS_64, DFTInv_CToC, 64fc)
-ORVGEN_LENGTHS(DECLARE_PAIRS_32, DFTFwd_CToC, 32fc)
-ORVGEN_LENGTHS(DECLARE_PAIRS_32, DFTInv_CToC, 32fc)
-ORVGEN_LENGTHS(DECLARE_PAIRS_32, DFTFwd_RToCCS, 32f)
-ORVGEN_LENGTHS(DECLARE_PAIRS_32, DFTInv_CCSToR, 32f)
-ORVGEN_LENGTHS(DECLARE_PAIRS_64, DFTFwd_CToC, 64fc)
-ORVGEN_LENGTHS(DECLARE_PAIRS_64, DFTInv_CToC, 64fc)
-ORVGEN_LENGTHS(DECLARE_PAIRS_64, DFTFwd_RToCCS, 64f)
-ORVGEN_LENGTHS(DECLARE_PAIRS_64, DFTInv_CCSToR, 64f)
+// The kernels of the real type T. From Pack there are those of the lengths at which the inverse
+// from CCS sums in an order of its own.
+#define DECLARE_ALL(T, ROWS_LENGTHS)                 \
+    ORVGEN_LENGTHS(DECLARE, DFTFwd_CToC, T##c)       \
+    ORVGEN_LENGTHS(DECLARE, DFTInv_CToC, T##c)       \
+    ORVGEN_LENGTHS(DECLARE, DFTFwd_RToCCS, T)        \
+    ORVGEN_LENGTHS(DECLARE, DFTInv_CCSToR, T)        \
+    ORVGEN_LENGTHS(DECLARE, Hartley, T)              \
+    DECLARE(DFTInv_PackToR, 7, T)                    \
+    DECLARE(DFTInv_PackToR, 49, T)                   \
+    ROWS_LENGTHS(DECLARE_ROWS, DFTFwd_CToC, T##c)    \
+    ROWS_LENGTHS(DECLARE_ROWS, DFTInv_CToC, T##c)    \
+    ORVGEN_LENGTHS(DECLARE_PAIRS, DFTFwd_CToC, T##c) \
+    ORVGEN_LENGTHS(DECLARE_PAIRS, DFTInv_CToC, T##c) \
+    ORVGEN_LENGTHS(DECLARE_PAIRS, DFTFwd_RToCCS, T)  \
+    ORVGEN_LENGTHS(DECLARE_PAIRS, DFTInv_CCSToR, T)
+DECLARE_ALL(32f, EIGHTS)
+DECLARE_ALL(64f, ORVGEN_LENGTHS)
+
+// By kind, all lengths in their order.
+template <class R>
+struct KernelsByKind {
+    using Lengths = BlockKernel<R> * [kLengths.count()];
+    Lengths forward, inverse, realForward, realInverse, hartley;
+
+    BlockKernel<R>* find(Kind kind, int n) const {
+        const int at = n - kLengths.first;
+        switch (kind) {
+            case Kind::Forward:
+                return forward[at];
+            case Kind::Inverse:
+                return inverse[at];
+            case Kind::RealForward:
+                return realForward[at];
+            case Kind::Hartley:
+                return hartley[at];
+            default:
+                return realInverse[at];
+        }
+    }
+};
 
 template <class R>
 struct Kernels;
+#define KERNELS_OF(T, ROWS_LENGTHS)                                                             \
+    template <>                                                                                 \
+    struct Kernels<Real_##T> {                                                                  \
+        static constexpr KernelsByKind<Real_##T> blocks = {                                     \
+            .forward = {ORVGEN_LENGTHS(ADDRESS, DFTFwd_CToC, T##c)},                            \
+            .inverse = {ORVGEN_LENGTHS(ADDRESS, DFTInv_CToC, T##c)},                            \
+            .realForward = {ORVGEN_LENGTHS(ADDRESS, DFTFwd_RToCCS, T)},                         \
+            .realInverse = {ORVGEN_LENGTHS(ADDRESS, DFTInv_CCSToR, T)},                         \
+            .hartley = {ORVGEN_LENGTHS(ADDRESS, Hartley, T)}};                                  \
+        static constexpr KernelsByKind<Real_##T> pairs = {                                      \
+            .forward = {ORVGEN_LENGTHS(PAIRS_ADDRESS, DFTFwd_CToC, T##c)},                      \
+            .inverse = {ORVGEN_LENGTHS(PAIRS_ADDRESS, DFTInv_CToC, T##c)},                      \
+            .realForward = {ORVGEN_LENGTHS(PAIRS_ADDRESS, DFTFwd_RToCCS, T)},                   \
+            .realInverse = {ORVGEN_LENGTHS(PAIRS_ADDRESS, DFTInv_CCSToR, T)},                   \
+            .hartley = {}};                                                                     \
+        static constexpr BlockKernel<Real_##T>* fromPack7 = ADDRESS_OF(DFTInv_PackToR, 7, T);   \
+        static constexpr BlockKernel<Real_##T>* fromPack49 = ADDRESS_OF(DFTInv_PackToR, 49, T); \
+        static constexpr RowsKernel<Real_##T>* forwardRows[] = {                                \
+            ROWS_LENGTHS(ROWS_ADDRESS, DFTFwd_CToC, T##c)};                                     \
+        static constexpr RowsKernel<Real_##T>* inverseRows[] = {                                \
+            ROWS_LENGTHS(ROWS_ADDRESS, DFTInv_CToC, T##c)};                                     \
+    };
+KERNELS_OF(32f, EIGHTS)
+KERNELS_OF(64f, ORVGEN_LENGTHS)
 
-// Rows of all lengths in their order; InverseFromPack is looked up as InverseFromCcs.
-template <>
-struct Kernels<float> {
-    using Row = BlockKernel<float>*;
-    static constexpr Row forward[] = {ORVGEN_LENGTHS(ADDRESS, DFTFwd_CToC, 32fc)};
-    static constexpr Row inverse[] = {ORVGEN_LENGTHS(ADDRESS, DFTInv_CToC, 32fc)};
-    static constexpr Row realForward[] = {ORVGEN_LENGTHS(ADDRESS, DFTFwd_RToCCS, 32f)};
-    static constexpr Row realInverse[] = {ORVGEN_LENGTHS(ADDRESS, DFTInv_CCSToR, 32f)};
-    static constexpr Row hartley[] = {ORVGEN_LENGTHS(ADDRESS, Hartley, 32f)};
-    static constexpr RowsKernel<float>* forwardRows[] = {EIGHTS(ROWS_ADDRESS, DFTFwd_CToC, 32fc)};
-    static constexpr RowsKernel<float>* inverseRows[] = {EIGHTS(ROWS_ADDRESS, DFTInv_CToC, 32fc)};
-    static constexpr Row forwardPairs[] = {ORVGEN_LENGTHS(PAIRS_ADDRESS, DFTFwd_CToC, 32fc)};
-    static constexpr Row inversePairs[] = {ORVGEN_LENGTHS(PAIRS_ADDRESS, DFTInv_CToC, 32fc)};
-    static constexpr Row realForwardPairs[] = {ORVGEN_LENGTHS(PAIRS_ADDRESS, DFTFwd_RToCCS, 32f)};
-    static constexpr Row realInversePairs[] = {ORVGEN_LENGTHS(PAIRS_ADDRESS, DFTInv_CCSToR, 32f)};
-    static constexpr Row fromPack7 = ADDRESS_OF(DFTInv_PackToR, 7, 32f);
-    static constexpr Row fromPack49 = ADDRESS_OF(DFTInv_PackToR, 49, 32f);
-};
-template <>
-struct Kernels<double> {
-    using Row = BlockKernel<double>*;
-    static constexpr Row forward[] = {ORVGEN_LENGTHS(ADDRESS, DFTFwd_CToC, 64fc)};
-    static constexpr Row inverse[] = {ORVGEN_LENGTHS(ADDRESS, DFTInv_CToC, 64fc)};
-    static constexpr Row realForward[] = {ORVGEN_LENGTHS(ADDRESS, DFTFwd_RToCCS, 64f)};
-    static constexpr Row realInverse[] = {ORVGEN_LENGTHS(ADDRESS, DFTInv_CCSToR, 64f)};
-    static constexpr Row hartley[] = {ORVGEN_LENGTHS(ADDRESS, Hartley, 64f)};
-    static constexpr RowsKernel<double>* forwardRows[] = {
-        ORVGEN_LENGTHS(ROWS_ADDRESS, DFTFwd_CToC, 64fc)};
-    static constexpr RowsKernel<double>* inverseRows[] = {
-        ORVGEN_LENGTHS(ROWS_ADDRESS, DFTInv_CToC, 64fc)};
-    static constexpr Row forwardPairs[] = {ORVGEN_LENGTHS(PAIRS_ADDRESS, DFTFwd_CToC, 64fc)};
-    static constexpr Row inversePairs[] = {ORVGEN_LENGTHS(PAIRS_ADDRESS, DFTInv_CToC, 64fc)};
-    static constexpr Row realForwardPairs[] = {ORVGEN_LENGTHS(PAIRS_ADDRESS, DFTFwd_RToCCS, 64f)};
-    static constexpr Row realInversePairs[] = {ORVGEN_LENGTHS(PAIRS_ADDRESS, DFTInv_CCSToR, 64f)};
-    static constexpr Row fromPack7 = ADDRESS_OF(DFTInv_PackToR, 7, 64f);
-    static constexpr Row fromPack49 = ADDRESS_OF(DFTInv_PackToR, 49, 64f);
-};
-
+// On split elements and real ones.
 template <class R>
 BlockKernel<R>* kernelOf(Kind kind, int n) {
-    using Ks = Kernels<R>;
-    const int row = n - kLengths.first;
-    switch (kind) {
-        case Kind::Forward:
-            return Ks::forward[row];
-        case Kind::Inverse:
-            return Ks::inverse[row];
-        case Kind::RealForward:
-            return Ks::realForward[row];
-        case Kind::InverseFromPack:
-            if (n == 7) return Ks::fromPack7;
-            if (n == 49) return Ks::fromPack49;
-            [[fallthrough]];
-        case Kind::InverseFromCcs:
-            return Ks::realInverse[row];
-        default:
-            return Ks::hartley[row];
-    }
+    if (kind == Kind::InverseFromPack && n == 7) return Kernels<R>::fromPack7;
+    if (kind == Kind::InverseFromPack && n == 49) return Kernels<R>::fromPack49;
+    return Kernels<R>::blocks.find(kind, n);
 }
 
-// The kernel on interleaved elements.
+// On interleaved elements.
 template <class R>
 BlockKernel<R>* pairsKernelOf(Kind kind, int n) {
-    using Ks = Kernels<R>;
-    const int row = n - kLengths.first;
-    switch (kind) {
-        case Kind::Forward:
-            return Ks::forwardPairs[row];
-        case Kind::Inverse:
-            return Ks::inversePairs[row];
-        case Kind::RealForward:
-            return Ks::realForwardPairs[row];
-        default:
-            return Ks::realInversePairs[row];
-    }
+    return Kernels<R>::pairs.find(kind, n);
 }
 
 // The kernel for rows of complex elements, where there is one and it is ahead of the transposes: in
@@ -144,7 +121,7 @@ RowsKernel<R>* rowsKernelOf(Kind kind, int n) {
     constexpr bool isSingle = sizeof(R) == 4;
     constexpr int shortest = isSingle ? (Vectors<R>::lanes == 16 ? 24 : 8) : 2;
     const bool hasKernel = n >= shortest && (!isSingle || n % 8 == 0);
-    const int row = isSingle ? n / 8 - 1 : n - 2;
+    const int row = isSingle ? n / 8 - 1 : n - kLengths.first;
     if (!hasKernel) return nullptr;
     if (kind == Kind::Forward) return Ks::forwardRows[row];
     return kind == Kind::Inverse ? Ks::inverseRows[row] : nullptr;
