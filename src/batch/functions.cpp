@@ -144,14 +144,27 @@ OrvStatus onReals(const R* src, R* dst, std::int32_t length, std::int32_t flag) 
                     flag);
 }
 
+// Whether contiguous transforms are left to the single functions without a task. One is never worth
+// a vector.
 template <class R>
 [[gnu::always_inline]] inline bool areFew(const Meaning& meaning, std::int32_t n,
                                           std::size_t count) {
-    return count > 0 && meaning.behindSrc.bytesOf(n) == 0 && areFewRows<R>(meaning.kind, n, count);
+    if (count == 0 || meaning.behindSrc.bytesOf(n) != 0) return false;
+    if (count == 1 || !meaning.lengths.has(n)) return true;
+    switch (knownTarget()) {
+        case orvTargetAVX512:
+            return areFewRows<R>(meaning.kind, n, count, kAvx512Bytes);
+        case orvTargetAVX2:
+            return areFewRows<R>(meaning.kind, n, count, kAvx2Bytes);
+        case orvTargetSSE2:
+            return true;
+        default:
+            return false;
+    }
 }
 
-// A few contiguous transforms, at least one: the calls that the caller would write, of which the
-// first one tests for all.
+// Such transforms, at least one: the calls that the caller would write, of which the first one
+// tests for all.
 template <auto function, class Element, class S, class D>
 [[gnu::always_inline]] inline OrvStatus fewRows(const S* src, std::ptrdiff_t srcDistance, D* dst,
                                                 std::ptrdiff_t dstDistance, std::int32_t n,
