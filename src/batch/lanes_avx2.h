@@ -102,8 +102,9 @@ struct Vectors<float> {
         unroll<4>([&](auto c) ORVGEN_DCT4_INLINE_LAMBDA { v[c] = load(from + c * 8); });
         transposeParts(v, u);
         unroll<8>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            constexpr int part = l / 4;
             put(l, [&](float* p) ORVGEN_DCT4_INLINE_LAMBDA {
-                _mm_storeu_ps(p, _mm256_extractf128_ps(_mm256_castpd_ps(u[l % 4]), l / 4));
+                _mm_storeu_ps(p, _mm256_extractf128_ps(_mm256_castpd_ps(u[l % 4]), part));
             });
         });
     }
@@ -112,8 +113,9 @@ struct Vectors<float> {
         const V x = load(from), y = load(from + 8);
         const V v[2] = {_mm256_unpacklo_ps(x, y), _mm256_unpackhi_ps(x, y)};
         unroll<8>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            constexpr int part = l / 4;
             put(l, [&](float* p) ORVGEN_DCT4_INLINE_LAMBDA {
-                const __m128 two = _mm256_extractf128_ps(v[l / 2 % 2], l / 4);
+                const __m128 two = _mm256_extractf128_ps(v[l / 2 % 2], part);
                 if constexpr (l % 2 == 0)
                     _mm_storel_pi(reinterpret_cast<__m64*>(p), two);
                 else
@@ -154,8 +156,9 @@ struct Vectors<float> {
     template <class Put>
     ORVGEN_DCT4_INLINE static void scatterPairs(V v, const Put& put) {
         unroll<4>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            constexpr int part = l / 2;
             put(l, [&](float* p) ORVGEN_DCT4_INLINE_LAMBDA {
-                const __m128 two = _mm256_extractf128_ps(v, l / 2);
+                const __m128 two = _mm256_extractf128_ps(v, part);
                 if constexpr (l % 2 == 0)
                     _mm_storel_pi(reinterpret_cast<__m64*>(p), two);
                 else
@@ -215,8 +218,9 @@ struct Vectors<double> {
         const V x = load(from), y = load(from + 4);
         const V v[2] = {_mm256_unpacklo_pd(x, y), _mm256_unpackhi_pd(x, y)};
         unroll<4>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            constexpr int part = l / 2;
             put(l, [&](double* p) ORVGEN_DCT4_INLINE_LAMBDA {
-                _mm_storeu_pd(p, _mm256_extractf128_pd(v[l % 2], l / 2));
+                _mm_storeu_pd(p, _mm256_extractf128_pd(v[l % 2], part));
             });
         });
     }
@@ -246,8 +250,9 @@ struct Vectors<double> {
     template <class Put>
     ORVGEN_DCT4_INLINE static void scatterPairs(V v, const Put& put) {
         unroll<2>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            constexpr int part = l;
             put(l, [&](double* p) ORVGEN_DCT4_INLINE_LAMBDA {
-                _mm_storeu_pd(p, _mm256_extractf128_pd(v, l));
+                _mm_storeu_pd(p, _mm256_extractf128_pd(v, part));
             });
         });
     }

@@ -148,8 +148,9 @@ struct Vectors<float> {
         unroll<4>([&](auto c) ORVGEN_DCT4_INLINE_LAMBDA { v[c] = load(from + c * 16); });
         transposeParts(v, u);
         unroll<16>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            constexpr int part = l / 4;
             put(l, [&](float* p) ORVGEN_DCT4_INLINE_LAMBDA {
-                _mm_storeu_ps(p, _mm512_extractf32x4_ps(_mm512_castpd_ps(u[l % 4]), l / 4));
+                _mm_storeu_ps(p, _mm512_extractf32x4_ps(_mm512_castpd_ps(u[l % 4]), part));
             });
         });
     }
@@ -158,8 +159,9 @@ struct Vectors<float> {
         const V x = load(from), y = load(from + 16);
         const V v[2] = {_mm512_unpacklo_ps(x, y), _mm512_unpackhi_ps(x, y)};
         unroll<16>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            constexpr int part = l / 4;
             put(l, [&](float* p) ORVGEN_DCT4_INLINE_LAMBDA {
-                const __m128 two = _mm512_extractf32x4_ps(v[l / 2 % 2], l / 4);
+                const __m128 two = _mm512_extractf32x4_ps(v[l / 2 % 2], part);
                 if constexpr (l % 2 == 0)
                     _mm_storel_pi(reinterpret_cast<__m64*>(p), two);
                 else
@@ -208,8 +210,9 @@ struct Vectors<float> {
     template <class Put>
     ORVGEN_DCT4_INLINE static void scatterPairs(V v, const Put& put) {
         unroll<8>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            constexpr int part = l / 2;
             put(l, [&](float* p) ORVGEN_DCT4_INLINE_LAMBDA {
-                const __m128 two = _mm512_extractf32x4_ps(v, l / 2);
+                const __m128 two = _mm512_extractf32x4_ps(v, part);
                 if constexpr (l % 2 == 0)
                     _mm_storel_pi(reinterpret_cast<__m64*>(p), two);
                 else
@@ -317,8 +320,9 @@ struct Vectors<double> {
         const V x = load(from), y = load(from + 8);
         const V v[2] = {_mm512_unpacklo_pd(x, y), _mm512_unpackhi_pd(x, y)};
         unroll<8>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            constexpr int part = l / 2;
             put(l, [&](double* p) ORVGEN_DCT4_INLINE_LAMBDA {
-                _mm_storeu_pd(p, _mm512_extractf64x2_pd(v[l % 2], l / 2));
+                _mm_storeu_pd(p, _mm512_extractf64x2_pd(v[l % 2], part));
             });
         });
     }
@@ -350,8 +354,9 @@ struct Vectors<double> {
     template <class Put>
     ORVGEN_DCT4_INLINE static void scatterPairs(V v, const Put& put) {
         unroll<4>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            constexpr int part = l;
             put(l, [&](double* p) ORVGEN_DCT4_INLINE_LAMBDA {
-                _mm_storeu_pd(p, _mm512_extractf64x2_pd(v, l));
+                _mm_storeu_pd(p, _mm512_extractf64x2_pd(v, part));
             });
         });
     }
