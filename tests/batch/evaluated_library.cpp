@@ -15,23 +15,24 @@ const void* addressOf(F* function) {
     return reinterpret_cast<const void*>(function);
 }
 
-// The file, and how far from where it says things stand in this program.
+// The file that this program runs with, and how far from where it says things stand here.
 struct Loaded {
-    ElfImage file{ORVGEN_BATCH_LIBRARY};
-    std::uint64_t base = 0;
+    explicit Loaded(const Dl_info& mapped)
+        : file(mapped.dli_fname), base(reinterpret_cast<std::uint64_t>(mapped.dli_fbase)) {}
+    ElfImage file;
+    std::uint64_t base;
 
-    Loaded() {
-        Dl_info mapped{};
-        if (dladdr(addressOf(orvgBatchTargets), &mapped) == 0)
-            throw std::runtime_error("the program runs without the batch library");
-        base = reinterpret_cast<std::uint64_t>(mapped.dli_fbase);
-    }
     EvaluatedLibrary::Function at(const Symbol& s) const {
         return {s.name, reinterpret_cast<const void*>(base + s.address), s.size};
     }
 };
 const Loaded& loaded() {
-    static const Loaded library;
+    static const Loaded library = [] {
+        Dl_info mapped{};
+        if (dladdr(addressOf(orvgBatchTargets), &mapped) == 0)
+            throw std::runtime_error("the program runs without the batch library");
+        return Loaded(mapped);
+    }();
     return library;
 }
 const Symbol& symbol(const std::string& name) {
