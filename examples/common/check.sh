@@ -58,6 +58,7 @@ pictures() {
         refused "is written as .png, .svg or .pdf" "$@" "$folder/$name"
         [[ ! -e $folder/$name ]] || fail "wrote $name"
     done
+    refused "the picture's name is empty" "$@" ""
     mkdir "$folder/folder.png"
     refused "is a folder, not a picture" "$@" "$folder/folder.png"
     refused "there is no folder" "$@" "$folder/absent/a.png"
@@ -70,6 +71,8 @@ pictures() {
 }
 
 finish() {
+    "$program" --help >/dev/full 2>"$folder/err"
+    [[ $? == 1 && $(wc -l <"$folder/err") == 1 ]] || fail "--help onto a full device: $(cat "$folder/err")"
     [[ $failures == 0 ]] && echo "all as it should be"
     exit $((failures > 0))
 }

@@ -67,6 +67,7 @@ std::string encoded(cairo_surface_t* recorded, int width, int height, Format for
 }  // namespace
 
 void checkPictureFile(const std::string& path) {
+    if (path.empty()) throw BadInput("the picture's name is empty");
     std::error_code none;
     if (fs::is_directory(path, none)) throw BadInput(path + ": is a folder, not a picture");
     formatOf(path);

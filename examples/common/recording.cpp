@@ -81,6 +81,7 @@ std::string durationText(double seconds) {
 
 // Why there is no recording at that place; nothing where one may be.
 void checkPlace(const std::string& path) {
+    if (path.empty()) throw BadInput("the recording's name is empty");
     std::error_code none;
     if (fs::is_directory(path, none)) throw BadInput(path + ": is a folder, not a recording");
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),

@@ -5,6 +5,7 @@
 source "$(dirname "$0")/../common/check.sh"
 
 refused "no such file" "$folder/absent.wav" "$folder/none.png"
+refused "the recording's name is empty" "" "$folder/none.png"
 refused "is a folder, not a recording" "$folder" "$folder/none.png"
 echo "words, not sound" >"$folder/text.wav"
 refused "not a recording" "$folder/text.wav" "$folder/none.png"

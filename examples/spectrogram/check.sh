@@ -14,6 +14,7 @@ tone() {
 refused "no such file" "$folder/absent.wav" "$folder/none.png"
 echo "words, not sound" >"$folder/text.wav"
 refused "not a recording" "$folder/text.wav" "$folder/none.png"
+refused "the recording's name is empty" "" "$folder/none.png"
 refused "is a folder, not a recording" "$folder" "$folder/none.png"
 tone "$folder/short.wav" 63
 refused "too short" "$folder/short.wav" "$folder/none.png"

@@ -65,19 +65,21 @@ int runProgram(const char* name, const char* description, int argc, char** argv,
         std::cerr << name << ": " << what << "\n";
         return status;
     };
+    const auto written = [&](int status) {
+        std::cout.flush();
+        return std::cout ? status : failed("cannot write to the output", EXIT_FAILURE);
+    };
     try {
         CLI::App app(description, name);
         try {
             declare(app);
             app.parse(argc, argv);
         } catch (const CLI::Success& e) {
-            return app.exit(e);
+            return written(app.exit(e));
         } catch (const CLI::ParseError& e) {
             return failed(inWords(e) + " (see --help)", 2);
         }
-        const int status = body();
-        std::cout.flush();
-        return std::cout ? status : failed("cannot write to the output", EXIT_FAILURE);
+        return written(body());
     } catch (const BadInput& e) {
         return failed(e.what(), 2);
     } catch (const std::exception& e) {
