@@ -62,13 +62,15 @@ errs() { grep -q -e "$1" "$copy/err" || problem "not said: $1"; }
 # Wrong calls.
 for arguments in nonsense lib ../dev "setup" "setup nonsense" "setup build nonsense" "audit x" "package x" "tidy x" \
     "accuracy x" "digests x" "figures x" "faults nonsense" "faults list x" "format x" "format --check x" "help nonsense" "help test x" \
-    "test list x" "which a b" "which nothing" \
+    "test list x" "which a b" "which nothing" "which no/such/folder" \
     "fuzz x" "fuzz wht 0" "fuzz wht 1 2" "abi x" "release" "release x" "test a b c" "test nothing" "test -R nothing" "test -L" "test wht -R" "show" \
     "show --all-plans x"; do
     read -ra words <<<"$arguments"
     gives 2 "${words[@]}"
     logs_not "--build"
 done
+gives 2 test ""
+logs_not "-j"
 gives 2 test -R nothing
 errs "no test for: -R nothing"
 ORVGEN_PRESET=nonsense gives 2 run

@@ -89,6 +89,7 @@ fi
 [[ $# == 0 || ! ${!#} =~ ^(-L|-LE|-R|-E|-I|--label-regex|--label-exclude|--tests-regex|--exclude-regex|--tests-information)$ ]] ||
     misused "test: ${!#} takes a value (./dev help test)"
 chosen=("$@")
+[[ $# == 0 || -n $1 ]] || misused "test: the name is empty (./dev test list)"
 if [[ $# -gt 0 && $1 != -* ]]; then
     takes 2 "$@"
     chosen=(-R "$1")

@@ -17,13 +17,16 @@ build_of() {
     esac
 }
 
+# Before anything is said. (Where there is not even its folder, readlink fails.)
+if [[ $# == 1 ]]; then
+    program=$(cd "$caller" && readlink -f "$1") || true
+    [[ -f $program ]] || misused "which: no program $1"
+fi
 echo "levels of this processor: $("$loader" --help | sed -n 's/^  \(x86-64-v[0-9]\) (supported.*/\1/p' | sort | xargs)"
 if [[ $# == 0 ]]; then
     /sbin/ldconfig -p | grep -F "$library" || echo "the loader's cache does not know $library"
     exit
 fi
-program=$(cd "$caller" && readlink -f "$1")
-[[ -f $program ]] || misused "which: no program $1"
 found=$(file_under)
 [[ -n $found ]] || fail "$1 does not load $library by itself (a static program, or one that loads it as it runs?)"
 echo "$1 gets $(build_of "$found"): $found"
