@@ -122,6 +122,24 @@ TEST(Pages, NameWhatIsThere) {
     EXPECT_GT(seen, 200);
 }
 
+TEST(Pages, TellEveryOptionOfCMake) {
+    const std::string page = textOf(kTree / "docs/builds.md");
+    static const std::regex option("(^|\n)(option|set)\\((ORVGEN_\\w+) [^\n]*");
+    int seen = 0;
+    for (const char* room : {"cmake", "src", "python"})
+        for (const auto& entry : fs::recursive_directory_iterator(kTree / room)) {
+            const fs::path& file = entry.path();
+            if (file.filename() != "CMakeLists.txt" && file.extension() != ".cmake") continue;
+            const std::string text = textOf(file);
+            for (std::sregex_iterator at(text.begin(), text.end(), option), end; at != end; ++at) {
+                if ((*at)[2] == "set" && at->str().find(" CACHE ") == std::string::npos) continue;
+                ++seen;
+                EXPECT_NE(page.find("`" + (*at)[3].str() + "`"), std::string::npos) << (*at)[3];
+            }
+        }
+    EXPECT_GE(seen, 11);
+}
+
 TEST(Pages, NameNothingElse) {
     const Names names;
     int seen = 0;
