@@ -14,8 +14,8 @@ namespace {
 constexpr double kSpillWeight = 0.1;
 constexpr double kInstructionWeight = 0.02;
 // Some processors lower their clock for a while after any instruction on vectors of 32 bytes, by 15
-// percent at most; newer ones do not.
-constexpr double kWideClockLoss = 1.1;
+// percent at most; newer ones do not, and count twice.
+constexpr double kWideClockLoss = 1.05;
 
 // Pairs make fewer instructions that wait longer for one another; calls in a row overlap less on a
 // core than in a model.
@@ -28,8 +28,9 @@ bool isWide(const Code& code) {
 
 // What forms with pairs and without are compared by.
 double costOfPairs(const Code& form, const Block& block, const Target& target) {
-    const double alone = (aloneCycles(block.instructions, kThreePipe, target) +
-                          aloneCycles(block.instructions, kFourPipe, target)) /
+    const auto [one, other] = coresOf(target);
+    const double alone = (aloneCycles(block.instructions, one, target) +
+                          aloneCycles(block.instructions, other, target)) /
                          2;
     return (block.cost + kAloneWeight * alone) * (isWide(form) ? kWideClockLoss : 1.0);
 }
@@ -40,13 +41,14 @@ std::optional<Block> tryBlock(const Code& code, const Target& target,
                               const AllocationOptions& options, int frameLimit, Search search) {
     std::optional<Allocation> best;
     Block block;
+    const auto cores = coresOf(target);
     for (const std::vector<int>& order : candidateOrders(code, target, search)) {
         Allocation allocation = allocate(code, order, target, options);
         const int frame = frameBytes(allocation.slotSizes);
         if (frameLimit >= 0 && frame > frameLimit) continue;
         const auto mean = [&](auto figure) {
-            return (figure(allocation.instructions, kThreePipe, target) +
-                    figure(allocation.instructions, kFourPipe, target)) /
+            return (figure(allocation.instructions, cores[0], target) +
+                    figure(allocation.instructions, cores[1], target)) /
                    2;
         };
         const double cycles = mean(modelCycles);

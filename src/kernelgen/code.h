@@ -60,14 +60,17 @@ struct PoolEntry {
 };
 
 // The forms in which a code wants the scale: in all lanes of so many copies of a type, and a
-// binary32 scale also as binary64 behind it.
+// binary32 scale also as binary64 behind it, so many times as it takes the bytes of the type.
 struct ScaleForm {
     Type type = Type::F32;
     bool widened = false;
     int copies = 1;
+    int widenedCopies = 1;
 
     int widenedAt() const { return std::max(8, bytesOf(type)); }
-    int stride() const { return widened ? 2 * widenedAt() : copies * bytesOf(type); }
+    int stride() const {
+        return widened ? (1 + widenedCopies) * widenedAt() : copies * bytesOf(type);
+    }
 };
 
 struct Code {

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "compile.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <iterator>
 
 #include "count.h"
 #include "layout.h"
@@ -71,9 +73,12 @@ class KernelCompiler {
     // With pairs among the forms, and of two trips of a loop with the pairs of them. Pairs take
     // twice the room of what they are made of.
     Step pairedStep(const Pass& pass, const AllocationOptions& allocation) const {
-        std::vector<Code> forms = pass.forms;
-        for (const Code& form : pass.forms)
-            for (Code& pairs : pairForms(form)) forms.push_back(std::move(pairs));
+        std::vector<Code> forms;
+        for (const Code& form : pass.forms) {
+            std::vector<Code> pairs = pairForms(form);
+            if (pass.frameLimit == 0 || !isHopeless(form, pairs)) forms.push_back(form);
+            std::ranges::move(pairs, std::back_inserter(forms));
+        }
         Step once{pass, compileForms(forms, target_, allocation, 2 * pass.frameLimit)};
         if (pass.trips % 2 != 0) return once;
         std::vector<Code> pairs;
@@ -153,9 +158,10 @@ class KernelCompiler {
         if (!form.widened) return printPoolEntry(entry) + "\n";
         while (entry.bytes() < form.widenedAt()) entry.lanes.push_back(0.0);
         const bool vector = lanesOf(form.type) > 1;
+        const auto widened = static_cast<std::size_t>(form.widenedCopies * (vector ? 2 : 1));
         return printPoolEntry(entry) + "\n" +
                printPoolEntry({vector ? Type::F64x2 : Type::F64,
-                               std::vector<double>(vector ? 2U : 1U, value), "the same, widened"}) +
+                               std::vector<double>(widened, value), "the same, widened"}) +
                "\n";
     }
 

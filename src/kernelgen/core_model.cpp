@@ -23,7 +23,7 @@ struct Work {
     bool crosses = false;  // a movement between the parts of a vector goes before
 };
 
-Work workOf(const MachineInstruction& m, const Target& target) {
+Work workOf(const MachineInstruction& m, const CoreModel& core, const Target& target) {
     const OpcodeRow& row = rowOf(m.op);
     Work w{.unit = row.unit, .operations = row.operations};
     if (row.form == Form::Store)
@@ -35,7 +35,8 @@ Work workOf(const MachineInstruction& m, const Target& target) {
     else if (m.hasAddress)
         w.loads = 1;
     if (m.op == Opcode::SpreadSS && target.threeOperands()) w.operations = 0;
-    w.crosses = m.op == Opcode::WidenUpperPS && !m.hasAddress;
+    w.crosses = (m.op == Opcode::WidenUpperPS && !m.hasAddress) ||
+                (core.conversionsCross && m.width == 32 && row.unit == Unit::Convert);
     if (m.clearsFirst || m.op == Opcode::LoadHalves || w.crosses) w.instructions = 2;
     if (m.op == Opcode::LoadRows || m.op == Opcode::StoreRows) w.instructions = m.width / 16;
     return w;
@@ -133,7 +134,7 @@ class Core {
     }
 
     void step(const MachineInstruction& m) {
-        const Work w = workOf(m, target_);
+        const Work w = workOf(m, model_, target_);
         int start = 0;
         for (int i = 0; i < w.instructions; ++i) start = dispatch();
         int ready = start;
@@ -183,6 +184,10 @@ class Core {
 
 }  // namespace
 
+std::array<CoreModel, 2> coresOf(const Target& target) {
+    return {kThreePipe, target.pairs ? kFourPipeShort : kFourPipe};
+}
+
 double modelCycles(const std::vector<MachineInstruction>& block, const CoreModel& model,
                    const Target& target) {
     Core core(model, target);
@@ -206,7 +211,7 @@ double portBound(const std::vector<MachineInstruction>& block, const CoreModel& 
     std::map<unsigned, int> work;
     int loads = 0, stores = 0;
     for (const MachineInstruction& m : block) {
-        const Work w = workOf(m, target);
+        const Work w = workOf(m, model, target);
         loads += w.loads;
         stores += w.stores;
         if (w.operations > 0) work[unitOf(model, w.unit, m.width).ports] += w.operations;

@@ -3,6 +3,8 @@
 // They choose between orders of one kernel; figures to publish are measured.
 #pragma once
 
+#include <array>
+
 #include "code.h"
 #include "target.h"
 
@@ -23,7 +25,8 @@ struct CoreModel {
     int loadPorts, storePorts;
     int loadLatency, forwardLatency;
     Units units;
-    Units wideUnits;  // for vectors of 64 bytes
+    Units wideUnits;                // for vectors of 64 bytes
+    bool conversionsCross = false;  // those of 32 bytes move data between the halves first
 };
 
 // The wide server cores that kernels are ordered for; none of the two is preferred.
@@ -71,6 +74,28 @@ inline constexpr CoreModel kFourPipe{.width = 8,
                                                    .logic = {.ports = 0b1111, .latency = 1},
                                                    .convert = {.ports = 0b1100, .latency = 4},
                                                    .cross = {.ports = 0b0110, .latency = 4}}};
+
+// Four pipes once more, as measured on Zen 5: movements on all of them, which take longer than
+// sums. Of the instructions that its schedulers hold, those that could run wait for others of their
+// own scheduler: back-to-back calls run as fast as with this many.
+inline constexpr CoreModel kFourPipeShort{.width = 8,
+                                          .scheduler = 60,
+                                          .loadPorts = 2,
+                                          .storePorts = 2,
+                                          .loadLatency = 7,
+                                          .forwardLatency = 8,
+                                          .units = {.add = {.ports = 0b0011, .latency = 2},
+                                                    .mul = {.ports = 0b1100, .latency = 3},
+                                                    .shuffle = {.ports = 0b1111, .latency = 2},
+                                                    .interleave = {.ports = 0b1111, .latency = 2},
+                                                    .logic = {.ports = 0b1111, .latency = 2},
+                                                    .convert = {.ports = 0b0011, .latency = 3},
+                                                    .cross = {.ports = 0b0110, .latency = 3}},
+                                          .wideUnits = kFourPipe.wideUnits,
+                                          .conversionsCross = true};
+
+// Those that kernels of a target are ordered for.
+std::array<CoreModel, 2> coresOf(const Target& target);
 
 double modelCycles(const std::vector<MachineInstruction>& block, const CoreModel& model,
                    const Target& target);

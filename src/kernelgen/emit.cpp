@@ -62,6 +62,8 @@ class InstructionPrinter {
                 return {clear()};
             case Opcode::UpperHalf:
                 return {line(name(), d(), s(), "1")};
+            case Opcode::UpperPair:
+                return {line(name(), d(), s(), "8")};
             case Opcode::StoreUpper:
                 return {line(name(), at(m_.width / 2), vectorName(m_.src, m_.width), "1")};
             case Opcode::StoreZero4:

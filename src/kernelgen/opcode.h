@@ -43,6 +43,7 @@ enum class Opcode : std::uint8_t {
     WidenUpperPS,  // the upper half
     NarrowPD,      // a vector of binary64 to half a one of binary32
     UpperHalf,     // of a vector
+    UpperPair,     // the upper two numbers of binary32 of 16 bytes, zeros above
     JoinHalves,    // two halves to a vector
     HalvesOfTwo,   // two of the four halves of two vectors
     Shufps,

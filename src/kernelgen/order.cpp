@@ -74,6 +74,18 @@ Order depthFirst(const Dependences& d, const Code& code, bool longestFirst) {
     return order;
 }
 
+// What the longest chain of others waits for goes first.
+Order longestChainFirst(const Dependences& d, std::size_t size) {
+    std::vector<int> height(size, 0);
+    for (auto i = d.body.rbegin(); i != d.body.rend(); ++i)
+        for (const int u : d.users[at(*i)])
+            height[at(*i)] = std::max(height[at(*i)], height[at(u)] + d.latency(*i));
+    Order order = d.body;
+    std::stable_sort(order.begin(), order.end(),
+                     [&](int x, int y) { return height[at(x)] > height[at(y)]; });
+    return order;
+}
+
 // Producers before consumers, cut in the middle again and again: what is computed in one part is
 // used there, and little is live across a cut.
 class Bisection {
@@ -236,6 +248,7 @@ std::vector<std::vector<int>> candidateOrders(const Code& code, const Target& ta
     std::vector<int> liveLimits = {target.registers};
     if (search == Search::Long) {
         bases.insert(bases.begin() + 1, {depthFirst(d, code, false), depthFirst(d, code, true)});
+        if (target.pairs) bases.push_back(longestChainFirst(d, n));
         liveLimits = {target.registers - 4, target.registers - 2, target.registers};
     }
     std::vector<Order> orders;

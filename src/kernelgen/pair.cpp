@@ -2,7 +2,8 @@
 #include "pair.h"
 
 #include <algorithm>
-#include <optional>
+#include <iterator>
+#include <utility>
 
 #include "core_model.h"
 
@@ -12,6 +13,9 @@ namespace {
 
 constexpr long kWork = 3'000'000;
 constexpr unsigned kSearches = 6;
+constexpr unsigned kSearchesForFours = 3;
+constexpr std::size_t kKept = 2;    // of the forms of one kind
+constexpr double kHopeless = 0.75;  // an estimate of this part decides before any order is tried
 constexpr double kInstructionWeight = 0.1;
 
 // What the core models see before registers are given out.
@@ -32,37 +36,67 @@ double estimate(const Code& code) {
             ++shuffles;
     }
     const double narrow = std::max(fp / 2, shuffles);
-    return (portBound(block, kThreePipe, kLevel3) + portBound(block, kFourPipe, kLevel3) + narrow) /
-               3 +
+    const auto [three, four] = coresOf(kLevel3);
+    return (portBound(block, three, kLevel3) + portBound(block, four, kLevel3) + narrow) / 3 +
            kInstructionWeight * static_cast<double>(block.size());
 }
 
-Code write(const Code& code, const DataFlow& flow, const Pairing& pairing, Grain grain) {
-    return grain == Grain::Scalars ? writeScalarPairs(code, flow, pairing)
-                                   : writeVectorPairs(code, flow, pairing);
+Code write(const Code& code, const DataFlow& flow, const Pairing& pairing) {
+    switch (flow.grain) {
+        case Grain::Scalars:
+            return writeScalarPairs(code, flow, pairing);
+        case Grain::Vectors:
+            return writeVectorPairs(code, flow, pairing);
+        case Grain::Pairs:
+            break;
+    }
+    return writeFours(code, flow, pairing);
+}
+
+// What the searches find in the code, each at its estimate.
+using Found = std::vector<std::pair<double, Code>>;
+
+Found search(const Code& code, Grain grain, unsigned searches) {
+    const DataFlow flow(code, grain);
+    Found found;
+    for (unsigned k = 0; k < searches; ++k) {
+        const Pairing pairing =
+            findPairs(flow, {.withinStages = k % 2 == 1, .seed = k < 2 ? 0 : k, .work = kWork});
+        if (std::ranges::all_of(pairing.mate, [](int mate) { return mate < 0; })) continue;
+        Code paired = write(code, flow, pairing);
+        const double cost = estimate(paired);
+        found.emplace_back(cost, std::move(paired));
+    }
+    return found;
+}
+
+// The best of them, no two alike.
+Found best(Found found) {
+    std::ranges::stable_sort(found, {}, &Found::value_type::first);
+    const auto areAlike = [](const auto& x, const auto& y) { return x.first == y.first; };
+    found.erase(std::unique(found.begin(), found.end(), areAlike), found.end());
+    if (found.size() > kKept) found.resize(kKept);
+    return found;
 }
 
 }  // namespace
 
 std::vector<Code> pairForms(const Code& code) {
-    const DataFlow flow(code);
+    const Found pairs = best(search(code, Grain::Scalars, kSearches));
+    Found fours;
+    for (const auto& [cost, paired] : pairs)
+        std::ranges::move(search(paired, Grain::Pairs, kSearchesForFours),
+                          std::back_inserter(fours));
     std::vector<Code> forms;
-    for (const Grain grain : {Grain::Scalars, Grain::Vectors}) {
-        std::optional<Code> best;
-        double least = 0;
-        for (unsigned k = 0; k < kSearches; ++k) {
-            const Pairing pairing = findPairs(
-                flow, grain, {.withinStages = k % 2 == 1, .seed = k < 2 ? 0 : k, .work = kWork});
-            if (std::ranges::all_of(pairing.mate, [](int mate) { return mate < 0; })) continue;
-            Code paired = write(code, flow, pairing, grain);
-            const double cost = estimate(paired);
-            if (best && cost >= least) continue;
-            least = cost;
-            best = std::move(paired);
-        }
-        if (best) forms.push_back(*std::move(best));
-    }
+    for (const Found& found :
+         {pairs, best(std::move(fours)), best(search(code, Grain::Vectors, kSearches))})
+        for (const auto& [cost, form] : found) forms.push_back(form);
     return forms;
+}
+
+bool isHopeless(const Code& code, const std::vector<Code>& pairs) {
+    const double least = kHopeless * estimate(code);
+    return std::ranges::any_of(pairs, [&](const Code& form) { return estimate(form) < least; });
 }
 
 Code twoTrips(const Code& trip, const Pass& pass) {

@@ -17,13 +17,16 @@ namespace orvgen::kernelgen {
 // The code in the best forms that the search finds, by what is put together; none, if nothing in it
 // is alike.
 std::vector<Code> pairForms(const Code& code);
+// Whether one of these forms is so much better that the code itself need not be tried.
+bool isHopeless(const Code& code, const std::vector<Code>& pairs);
 
 // Two trips of a loop as one: the second works where the pointers of the pass would have moved to.
 Code twoTrips(const Code& trip, const Pass& pass);
 
 // The code with the pairs of this pairing as one instruction each: scalars on vectors of 16 bytes,
-// vectors of 16 bytes on vectors of 32.
+// vectors of 16 bytes on vectors of 32, pairs of numbers on vectors of four.
 Code writeScalarPairs(const Code& code, const DataFlow& flow, const Pairing& pairing);
 Code writeVectorPairs(const Code& code, const DataFlow& flow, const Pairing& pairing);
+Code writeFours(const Code& code, const DataFlow& flow, const Pairing& pairing);
 
 }  // namespace orvgen::kernelgen

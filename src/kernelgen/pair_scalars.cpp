@@ -9,10 +9,9 @@ namespace orvgen::kernelgen {
 namespace {
 
 // Selections of lanes.
-constexpr int kExchange = 0b01;         // shufpd: upper lane of the first, lower of the second
-constexpr int kUpperOfSecond = 0b10;    // blends
-constexpr int kUpperToLower = 0x55;     // shufps
-constexpr int kExchangeSingles = 0xE1;  // shufps: lanes 0 and 1, zeros stay
+constexpr int kExchange = 0b01;       // shufpd: upper lane of the first, lower of the second
+constexpr int kUpperOfSecond = 0b10;  // blends
+constexpr int kUpperToLower = 0x55;   // shufps
 // insertps: lane of the second, lane that it goes to, lanes that become zero.
 constexpr int insertion(int from, int to) { return from << 6 | to << 4 | 0b1100; }
 constexpr int kJoin = insertion(0, 1);

@@ -34,7 +34,7 @@ Code PairWriter::run() {
 const Instruction& PairWriter::instruction(int i) const { return code_.instructions[at(i)]; }
 
 bool PairWriter::areNeighbours(int lower, int upper) const {
-    return kernelgen::areNeighbours(instruction(lower), instruction(upper));
+    return kernelgen::areNeighbours(instruction(lower), instruction(upper), flow_.grain);
 }
 
 Register PairWriter::whole(int i) const {
@@ -120,8 +120,10 @@ void PairWriter::emit(int i) {
 void PairWriter::emitAlone(int i) {
     Instruction x = instruction(i);
     const std::vector<int>& operands = flow_.operands[at(i)];
-    x.a = alone(operands[0]);
-    if (operands.size() > 1) x.b = alone(operands[1]);
+    x.a = x.b = kNoRegister;
+    takeOperands(x, operands);
+    if (x.a == kNoRegister) x.a = alone(operands[0]);
+    if (operands.size() > 1 && x.b == kNoRegister) x.b = alone(operands[1]);
     if (x.hasAddress && x.address.base == Base::Pool)
         x.address = pool_.entry(code_.pool[at(x.address.offset)]);
     x.dst = alone_[at(i)] = out_.fresh();
@@ -175,7 +177,8 @@ void PairWriter::emitStore(int i) {
                                               : std::pair(values.first, offset - size));
         if (other == stores_.end() || done_[at(other->second)]) continue;
         const Instruction& lower = below ? x : instruction(other->second);
-        if (!kernelgen::areNeighbours(lower, below ? instruction(other->second) : x)) continue;
+        if (!kernelgen::areNeighbours(lower, below ? instruction(other->second) : x, flow_.grain))
+            continue;
         done_[at(other->second)] = true;
         storeBoth(lower, r);
         return;

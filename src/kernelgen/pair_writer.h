@@ -33,6 +33,8 @@ class PairWriter {
     // Two values, neither of them a pair as it stands, brought together.
     virtual Register loadBoth(int a, int b) = 0;
     virtual Register gather(int a, int b) = 0;
+    // Operands that an instruction that stays alone takes in another way than by alone().
+    virtual void takeOperands(Instruction& /*one*/, const std::vector<int>& /*operands*/) {}
     virtual void storeBoth(const Instruction& lower, Register pair) = 0;
     // Whether the upper half could be stored where it stands.
     virtual bool storeUpper(const Instruction& one, Register pair) = 0;

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <map>
-#include <optional>
 #include <tuple>
 
 namespace orvgen::kernelgen {
@@ -27,8 +26,11 @@ constexpr double kLowerAlone = 0.1;    // of the lower ones
 constexpr double kSmallestPart = 0.7;  // by which a seed may put off a growth
 constexpr std::size_t kFreeSize = 4;   // pairs up to which it does not
 
-// The kinds of instructions that are put together.
-std::optional<Grain> grainOf(Opcode op) {
+// An operation stands at a multiple of this depth; fewer movements follow each other.
+constexpr int kMovements = 64;
+
+// Numbers are put together by these.
+bool isOfScalars(Opcode op) {
     switch (op) {
         case Opcode::LoadSS:
         case Opcode::LoadSD:
@@ -42,7 +44,15 @@ std::optional<Grain> grainOf(Opcode op) {
         case Opcode::Narrow:
         case Opcode::StoreSS:
         case Opcode::StoreSD:
-            return Grain::Scalars;
+            return true;
+        default:
+            return false;
+    }
+}
+
+// Vectors of 16 bytes by these.
+bool isOfVectors(Opcode op) {
+    switch (op) {
         case Opcode::LoadHalf:
         case Opcode::LoadHalves:
         case Opcode::Load16:
@@ -69,17 +79,56 @@ std::optional<Grain> grainOf(Opcode op) {
         case Opcode::Store16At8:
         case Opcode::Store16Split:
         case Opcode::StoreAligned:
-            return Grain::Vectors;
+            return true;
         default:
-            return std::nullopt;
+            return false;
     }
+}
+
+// Pairs of numbers by these; of the movements only those that stay within the pairs.
+bool isOfPairs(const Instruction& i) {
+    switch (i.op) {
+        case Opcode::LoadHalf:
+        case Opcode::LoadHalves:
+        case Opcode::Load16:
+        case Opcode::AddPS:
+        case Opcode::SubPS:
+        case Opcode::MulPS:
+        case Opcode::AddPD:
+        case Opcode::SubPD:
+        case Opcode::MulPD:
+        case Opcode::WidenPS:
+        case Opcode::NarrowPD:
+        case Opcode::Shufpd:
+        case Opcode::Unpckhpd:
+        case Opcode::BlendPD:
+        case Opcode::BlendPS:
+        case Opcode::StoreLow:
+        case Opcode::Store16:
+            return true;
+        case Opcode::Shufps:
+            return i.immediate == kExchangeSingles;
+        default:
+            return false;
+    }
+}
+
+bool isOfGrain(const Instruction& i, Grain grain) {
+    switch (grain) {
+        case Grain::Scalars:
+            return isOfScalars(i.op);
+        case Grain::Vectors:
+            return isOfVectors(i.op);
+        case Grain::Pairs:
+            return isOfPairs(i);
+    }
+    return false;
 }
 
 class Search {
   public:
-    Search(const DataFlow& flow, Grain grain, const PairingSearch& options)
+    Search(const DataFlow& flow, const PairingSearch& options)
         : flow_(flow),
-          grain_(grain),
           options_(options),
           random_(options.seed),
           workLeft_(options.work),
@@ -88,7 +137,7 @@ class Search {
         pairing_.upper.assign(flow.instructions.size(), 0);
         for (int i = 0; i < static_cast<int>(flow.instructions.size()); ++i) {
             const Instruction& x = instruction(i);
-            if (isLoad(x.op) || grainOf(x.op) != grain_) continue;
+            if (isLoad(x.op) || !isOfGrain(x, flow_.grain)) continue;
             kinds_[{x.op, x.immediate, flow_.depth[at(i)], baseOf(x)}].push_back(i);
         }
     }
@@ -143,7 +192,7 @@ class Search {
         return x.op == y.op && flow_.depth[at(p)] == flow_.depth[at(q)] &&
                x.immediate == y.immediate && baseOf(x) == baseOf(y) &&
                flow_.operands[at(p)].size() == flow_.operands[at(q)].size() &&
-               !(options_.withinStages && x.stage != y.stage) && grainOf(x.op) == grain_;
+               !(options_.withinStages && x.stage != y.stage) && isOfGrain(x, flow_.grain);
     }
 
     // ---- growth
@@ -220,7 +269,7 @@ class Search {
         return -1;
     }
     bool areNeighbours(int p, int q) const {
-        return kernelgen::areNeighbours(instruction(p), instruction(q));
+        return kernelgen::areNeighbours(instruction(p), instruction(q), flow_.grain);
     }
 
     // ---- what a growth saves
@@ -335,7 +384,6 @@ class Search {
     using Kind = std::tuple<Opcode, int, int, Base>;
 
     const DataFlow& flow_;
-    Grain grain_;
     PairingSearch options_;
     std::uint64_t random_;
     mutable long workLeft_;
@@ -351,23 +399,32 @@ class Search {
 
 }  // namespace
 
-bool areNeighbours(const Instruction& lower, const Instruction& upper) {
+bool areNeighbours(const Instruction& lower, const Instruction& upper, Grain grain) {
     // Some touch a part of a vector only, or two places.
-    const auto isOnePlace = [](Opcode op) {
-        return grainOf(op) == Grain::Scalars || (op != Opcode::LoadHalves && accessSize(op) == 16);
+    const auto isOnePlace = [&](const Instruction& i) {
+        if (i.op == Opcode::LoadHalves) return false;
+        if (grain == Grain::Vectors) return accessSize(i.op) == 16;
+        return (isLoad(i.op) || isStore(i.op)) && isOfGrain(i, grain);
     };
     const int size = accessSize(lower.op, lower.width);
-    return isOnePlace(lower.op) && isOnePlace(upper.op) &&
-           lower.address.base == upper.address.base && size == accessSize(upper.op, upper.width) &&
+    return isOnePlace(lower) && isOnePlace(upper) && lower.address.base == upper.address.base &&
+           size == accessSize(upper.op, upper.width) &&
            upper.address.offset == lower.address.offset + size;
 }
 
-DataFlow::DataFlow(const Code& code)
+DataFlow::DataFlow(const Code& code, Grain of)
     : instructions(code.instructions),
       operands(code.instructions.size()),
       users(code.instructions.size()),
-      depth(code.instructions.size(), 0) {
+      depth(code.instructions.size(), 0),
+      grain(of) {
     std::vector<int> definition(at(code.registers), -1);
+    const auto below = [&](int deepest, Opcode op) {
+        const Unit unit = rowOf(op).unit;
+        const bool moves = unit == Unit::Shuffle || unit == Unit::Interleave || unit == Unit::Logic;
+        if (grain != Grain::Pairs || moves) return deepest + 1;
+        return (deepest / kMovements + 1) * kMovements;
+    };
     for (int i = 0; i < static_cast<int>(instructions.size()); ++i) {
         const Instruction& x = instructions[at(i)];
         for (const Register r : {x.a, x.b}) {
@@ -375,14 +432,14 @@ DataFlow::DataFlow(const Code& code)
             const int o = definition[at(r)];
             users[at(o)].push_back({i, static_cast<int>(operands[at(i)].size())});
             operands[at(i)].push_back(o);
-            depth[at(i)] = std::max(depth[at(i)], depth[at(o)] + 1);
+            depth[at(i)] = std::max(depth[at(i)], below(depth[at(o)], x.op));
         }
         if (x.dst != kNoRegister) definition[at(x.dst)] = i;
     }
 }
 
-Pairing findPairs(const DataFlow& flow, Grain grain, const PairingSearch& search) {
-    return Search(flow, grain, search).run();
+Pairing findPairs(const DataFlow& flow, const PairingSearch& search) {
+    return Search(flow, search).run();
 }
 
 }  // namespace orvgen::kernelgen

@@ -19,11 +19,15 @@ namespace orvgen::kernelgen {
 enum class Grain : std::uint8_t {
     Scalars,  // two numbers to a vector of two lanes
     Vectors,  // two vectors of 16 bytes to one of 32
+    Pairs,    // two vectors of two lanes to one of four: of binary32 in 16 bytes, else in 32
 };
+
+// The shufps that exchanges the lanes of a pair of binary32; zeros above stay.
+inline constexpr int kExchangeSingles = 0xE1;
 
 // Where the values of straight code come from and go to. Instructions are named by their places.
 struct DataFlow {
-    explicit DataFlow(const Code& code);
+    DataFlow(const Code& code, Grain of);
 
     struct Use {
         int user;
@@ -32,11 +36,14 @@ struct DataFlow {
     const std::vector<Instruction>& instructions;
     std::vector<std::vector<int>> operands;
     std::vector<std::vector<Use>> users;
-    std::vector<int> depth;  // 0: a load, or a store of nothing
+    // 0: a load, or a store of nothing. Movements of lanes that pairs have brought do not count for
+    // what depends on them, so that like operations stay equally deep whether they needed any.
+    std::vector<int> depth;
+    const Grain grain;
 };
 
 // Whether one access to memory could do what these two do.
-bool areNeighbours(const Instruction& lower, const Instruction& upper);
+bool areNeighbours(const Instruction& lower, const Instruction& upper, Grain grain);
 
 struct Pairing {
     std::vector<int> mate;            // of each instruction; -1: it stays alone
@@ -56,6 +63,6 @@ struct PairingSearch {
     long work = 0;              // steps of growth after which the search is content with less
 };
 
-Pairing findPairs(const DataFlow& flow, Grain grain, const PairingSearch& search);
+Pairing findPairs(const DataFlow& flow, const PairingSearch& search);
 
 }  // namespace orvgen::kernelgen

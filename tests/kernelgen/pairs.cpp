@@ -23,7 +23,7 @@ std::vector<Opcode> opcodes(const Code& code) {
     return all;
 }
 
-// The only form; fails if there is none.
+// The first form, on two lanes; fails if there is none.
 Code pairsOf(const WrittenCode& c) {
     const std::vector<Code> forms = pairForms(c.code);
     if (forms.empty()) {
@@ -163,6 +163,37 @@ TEST(Pairs, ReadNothingElse) {
 TEST(Pairs, AreTheSameEveryTime) {
     const Code scalar = lower(smallRealKernel({"s"}, Arithmetic::Double).flow, {});
     EXPECT_EQ(opcodes(pairForms(scalar).front()), opcodes(pairForms(scalar).front()));
+}
+
+// ---- four lanes
+
+// The form on the widest vectors.
+Code foursOf(const WrittenCode& c) {
+    std::vector<Code> forms = pairForms(c.code);
+    const auto isWide = [](const Instruction& i) { return i.width == 32; };
+    for (Code& form : forms)
+        if (std::ranges::any_of(form.instructions, isWide)) return std::move(form);
+    ADD_FAILURE() << "nothing fills four lanes";
+    return {};
+}
+
+TEST(Fours, NeighboursTakeOneInstructionEach) {
+    WrittenCode c;
+    std::vector<Register> x;
+    for (int i = 0; i < 8; ++i) x.push_back(c.load(i));
+    for (std::size_t i = 0; i < 4; ++i) c.store(static_cast<int>(i), c.sum(x[i], x[i + 4]));
+    const Code code = foursOf(c);
+    EXPECT_EQ(opcodes(code),
+              (std::vector{Opcode::Load16, Opcode::Load16, Opcode::AddPD, Opcode::Store16}));
+    EXPECT_EQ(bytesRead(code), bytesRead(c.code));
+}
+
+// A memory operand of four bytes is one number: there is no lane to choose.
+TEST(Fours, ReadNoOtherLaneOutOfMemory) {
+    const Kernel kernel = smallRealKernel({"s"}, Arithmetic::Single);
+    for (const Code& form : pairForms(lower(kernel.flow, {})))
+        for (const Instruction& i : form.instructions)
+            EXPECT_TRUE(i.op != Opcode::JoinSS || i.immediate >> 6 == 0);
 }
 
 // ---- vectors

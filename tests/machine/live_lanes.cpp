@@ -137,6 +137,8 @@ class Shuffle {
             copy(4 * (imm & 1), last_, 0, 4);
         } else if (m_ == "extractf128") {
             copy(0, 0, 4 * (imm & 1), 4);
+        } else if (m_ == "psrldq") {
+            copy(0, 0, imm / 4, 4 - imm / 4);
         } else if (m_ == "perm2f128") {
             for (int b = 0; b < 2; ++b) {
                 const int select = imm >> (4 * b);
