@@ -73,12 +73,9 @@ class KernelCompiler {
     // With pairs among the forms, and of two trips of a loop with the pairs of them. Pairs take
     // twice the room of what they are made of.
     Step pairedStep(const Pass& pass, const AllocationOptions& allocation) const {
-        std::vector<Code> forms;
-        for (const Code& form : pass.forms) {
-            std::vector<Code> pairs = pairForms(form);
-            if (pass.frameLimit == 0 || !isHopeless(form, pairs)) forms.push_back(form);
-            std::ranges::move(pairs, std::back_inserter(forms));
-        }
+        std::vector<Code> forms = pass.forms;
+        for (const Code& form : pass.forms)
+            std::ranges::move(pairForms(form), std::back_inserter(forms));
         Step once{pass, compileForms(forms, target_, allocation, 2 * pass.frameLimit)};
         if (pass.trips % 2 != 0) return once;
         std::vector<Code> pairs;

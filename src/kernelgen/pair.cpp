@@ -14,8 +14,7 @@ namespace {
 constexpr long kWork = 3'000'000;
 constexpr unsigned kSearches = 6;
 constexpr unsigned kSearchesForFours = 3;
-constexpr std::size_t kKept = 2;    // of the forms of one kind
-constexpr double kHopeless = 0.75;  // an estimate of this part decides before any order is tried
+constexpr std::size_t kKept = 2;  // of the forms of one kind
 constexpr double kInstructionWeight = 0.1;
 
 // What the core models see before registers are given out.
@@ -92,11 +91,6 @@ std::vector<Code> pairForms(const Code& code) {
          {pairs, best(std::move(fours)), best(search(code, Grain::Vectors, kSearches))})
         for (const auto& [cost, form] : found) forms.push_back(form);
     return forms;
-}
-
-bool isHopeless(const Code& code, const std::vector<Code>& pairs) {
-    const double least = kHopeless * estimate(code);
-    return std::ranges::any_of(pairs, [&](const Code& form) { return estimate(form) < least; });
 }
 
 Code twoTrips(const Code& trip, const Pass& pass) {

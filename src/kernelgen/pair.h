@@ -17,8 +17,6 @@ namespace orvgen::kernelgen {
 // The code in the best forms that the search finds, by what is put together; none, if nothing in it
 // is alike.
 std::vector<Code> pairForms(const Code& code);
-// Whether one of these forms is so much better that the code itself need not be tried.
-bool isHopeless(const Code& code, const std::vector<Code>& pairs);
 
 // Two trips of a loop as one: the second works where the pointers of the pass would have moved to.
 Code twoTrips(const Code& trip, const Pass& pass);
