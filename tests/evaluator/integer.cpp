@@ -61,12 +61,12 @@ void setResult(State& s, Word result, int bytes) {
 }
 
 // Sum and difference with all their flags.
-Word sum(State& s, Word x, Word y, bool carry, int bytes) {
+Word sum(State& s, Word x, Word y, int bytes) {
     const Word mask = maskOf(bytes);
     x &= mask;
     y &= mask;
-    const Word r = (x + y + (carry ? 1 : 0)) & mask;
-    s.carry = r < x || (carry && r == x);
+    const Word r = (x + y) & mask;
+    s.carry = r < x;
     s.overflow = (~(x ^ y) & (x ^ r) & signOf(bytes)) != 0;
     setResult(s, r, bytes);
     return r;
@@ -87,9 +87,8 @@ Word bits(State& s, Word r, int bytes) {
     return r;
 }
 
-template <bool withCarry>
 void add(State& s, const Operation& op) {
-    setFirst(s, op, sum(s, first(s, op), second(s, op), withCarry && s.carry, op.width));
+    setFirst(s, op, sum(s, first(s, op), second(s, op), op.width));
 }
 template <bool withBorrow>
 void subtract(State& s, const Operation& op) {
@@ -116,7 +115,7 @@ template <bool up>
 void step(State& s, const Operation& op) {
     const bool carry = s.carry;  // is not touched
     const Word x = first(s, op);
-    setFirst(s, op, up ? sum(s, x, 1, false, op.width) : difference(s, x, 1, false, op.width));
+    setFirst(s, op, up ? sum(s, x, 1, op.width) : difference(s, x, 1, false, op.width));
     s.carry = carry;
 }
 
@@ -166,14 +165,12 @@ void shift(State& s, const Operation& op) {
     setResult(s, r, op.width);
     setFirst(s, op, r);
 }
-template <bool left>
-void rotate(State& s, const Operation& op) {
-    const unsigned count = shiftCount(s, op) % (8U * op.width), all = 8U * op.width;
+void rotateRight(State& s, const Operation& op) {
+    const unsigned count = shiftCount(s, op) % (8U * op.width);
     if (count == 0) return;
     const Word x = first(s, op);
-    const unsigned by = left ? count : all - count;
-    const Word r = (x << by | x >> (all - by)) & maskOf(op.width);
-    s.carry = left ? (r & 1) != 0 : (r & signOf(op.width)) != 0;
+    const Word r = x >> count | x << (8U * op.width - count);
+    s.carry = (r & signOf(op.width)) != 0;
     setFirst(s, op, r);
 }
 
@@ -188,17 +185,14 @@ void multiplyTwo(State& s, const Operation& op) {
     s.carry = s.overflow = product != extended(r, op.width);
     setFirst(s, op, r);
 }
-template <bool isSigned>
-void multiplyWide(State& s, const Operation& op) {
+// By rax, into rdx and rax.
+void multiplyOne(State& s, const Operation& op) {
     if (op.width < 4) throw Stop{"a product of short registers"};
-    const Word x = s.general[rax] & maskOf(op.width), y = first(s, op);
-    const Wide product = isSigned ? static_cast<Wide>(extended(x, op.width)) * extended(y, op.width)
-                                  : static_cast<Wide>(static_cast<UnsignedWide>(x) * y);
-    const Word low = static_cast<Word>(product) & maskOf(op.width);
-    const Word high = static_cast<Word>(product >> (8 * op.width)) & maskOf(op.width);
-    writeRegister(s, rax, op.width, low);
-    writeRegister(s, rdx, op.width, high);
-    s.carry = s.overflow = isSigned ? product != extended(low, op.width) : high != 0;
+    const Wide product =
+        static_cast<Wide>(extended(s.general[rax], op.width)) * extended(first(s, op), op.width);
+    writeRegister(s, rax, op.width, static_cast<Word>(product));
+    writeRegister(s, rdx, op.width, static_cast<Word>(product >> (8 * op.width)));
+    s.carry = s.overflow = product != extended(s.general[rax], op.width);
 }
 template <bool isSigned>
 void divide(State& s, const Operation& op) {
@@ -218,39 +212,18 @@ void divide(State& s, const Operation& op) {
         writeRegister(s, rdx, op.width, static_cast<Word>(dividend % divisor));
     }
 }
-// The sign of rax in all bits of rdx.
-template <int bytes>
+// The sign of rax in all bits of rdx, and that of eax in the upper half of rax.
 void spreadSign(State& s, const Operation&) {
-    writeRegister(s, rdx, bytes, extended(s.general[rax], bytes) < 0 ? ~Word{0} : 0);
+    s.general[rdx] = extended(s.general[rax], 8) < 0 ? ~Word{0} : 0;
 }
-template <int bytes>
 void extendRax(State& s, const Operation&) {
-    writeRegister(s, rax, bytes, static_cast<Word>(extended(s.general[rax], bytes / 2)));
+    s.general[rax] = static_cast<Word>(extended(s.general[rax], 4));
 }
 
 void testBit(State& s, const Operation& op) {
     if (op.memoryOperand == 0 && op.first != kNone) throw Stop{"a bit of a string of bits"};
     s.carry = (first(s, op) >> (second(s, op) & (8U * op.width - 1)) & 1) != 0;
 }
-// The lowest and the highest bit; with `counts` the instructions that are defined for zero.
-template <bool highest, bool counts>
-void findBit(State& s, const Operation& op) {
-    const Word x = second(s, op) & maskOf(op.width);
-    const int all = 8 * op.width;
-    s.zero = x == 0;
-    if constexpr (counts) {
-        const int n = x == 0    ? all
-                      : highest ? std::countl_zero(x) - (64 - all)
-                                : std::countr_zero(x);
-        s.carry = x == 0;
-        s.zero = n == 0;
-        setFirst(s, op, static_cast<Word>(n));
-    } else if (x != 0) {
-        setFirst(s, op,
-                 static_cast<Word>(highest ? 63 - std::countl_zero(x) : std::countr_zero(x)));
-    }
-}
-
 bool holds(const State& s, std::uint8_t condition) {
     const bool values[] = {s.overflow,
                            s.carry,
@@ -299,21 +272,6 @@ void leave(State& s, const Operation&) {
 }
 void nothing(State&, const Operation&) {}
 
-// rep stos and rep movs, upwards.
-template <int bytes>
-void fillString(State& s, const Operation&) {
-    for (Word& n = s.general[1]; n > 0; --n, s.general[rdi] += bytes)
-        copyNumber(pointer<void>(s.general[rdi]), &s.general[rax], bytes);
-}
-template <int bytes>
-void copyString(State& s, const Operation&) {
-    for (Word& n = s.general[1]; n > 0; --n) {
-        copyNumber(pointer<void>(s.general[rdi]), pointer<void>(s.general[rsi]), bytes);
-        s.general[rdi] += bytes;
-        s.general[rsi] += bytes;
-    }
-}
-
 // The answers that tell of wide vectors; all else is zero.
 void identify(State& s, const Operation&) {
     const Features& f = s.features;
@@ -339,20 +297,15 @@ void tellStates(State& s, const Operation&) {
 }
 
 const std::map<std::string_view, Handler> plain = {
-    {"adc", add<true>},
-    {"add", add<false>},
+    {"add", add},
     {"and", bitAnd},
-    {"bsf", findBit<false, false>},
-    {"bsr", findBit<true, false>},
     {"bt", testBit},
     {"call", call},
-    {"cdq", spreadSign<4>},
-    {"cdqe", extendRax<8>},
+    {"cdqe", extendRax},
     {"cmp", compare},
     {"cmpxchg", compareExchange},
     {"cpuid", identify},
-    {"cqo", spreadSign<8>},
-    {"cwde", extendRax<4>},
+    {"cqo", spreadSign},
     {"dec", step<false>},
     {"div", divide<false>},
     {"endbr64", nothing},
@@ -361,34 +314,25 @@ const std::map<std::string_view, Handler> plain = {
     {"jmp", jump},
     {"lea", loadAddress},
     {"leave", leave},
-    {"lzcnt", findBit<true, true>},
     {"mov", move},
-    {"movsb", copyString<1>},
-    {"movsq", copyString<8>},
     {"movsx", moveSigned},
     {"movsxd", moveSigned},
     {"movzx", move},
-    {"mul", multiplyWide<false>},
     {"neg", negate},
     {"nop", nothing},
     {"not", bitNot},
     {"or", bitOr},
-    {"pause", nothing},
     {"pop", popOperand},
     {"prefetcht0", nothing},
     {"push", pushOperand},
     {"ret", ret},
-    {"rol", rotate<true>},
-    {"ror", rotate<false>},
+    {"ror", rotateRight},
     {"sar", shift<Shift::arithmetic>},
     {"sbb", subtract<true>},
     {"shl", shift<Shift::left>},
     {"shr", shift<Shift::right>},
-    {"stosb", fillString<1>},
-    {"stosq", fillString<8>},
     {"sub", subtract<false>},
     {"test", test},
-    {"tzcnt", findBit<false, true>},
     {"xchg", exchange},
     {"xgetbv", tellStates},
     {"xor", bitXor},
@@ -398,7 +342,7 @@ const std::map<std::string_view, Handler> plain = {
 
 Handler integerHandler(std::string_view name, Operation& op) {
     if (const auto it = plain.find(name); it != plain.end()) return it->second;
-    if (name == "imul") return op.operands == 1 ? multiplyWide<true> : multiplyTwo;
+    if (name == "imul") return op.operands == 1 ? multiplyOne : multiplyTwo;
     const std::pair<std::string_view, Handler> conditional[] = {
         {"cmov", moveIf}, {"set", set}, {"j", jumpIf}};
     for (const auto& [start, handler] : conditional) {
