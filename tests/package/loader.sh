@@ -5,7 +5,8 @@
 set -eu
 name=$1 build=$2 cmake=$3 cc=$4 libdir=$5
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-folder=$(mktemp -d)
+# Paths may hold spaces.
+folder=$(mktemp -d -t "orvgen loader.XXXXXX")
 trap 'rm -rf "$folder"' EXIT
 prefix=$folder/usr
 library=liborvgenm7.so.6.1
@@ -42,6 +43,16 @@ maps() {
     [[ $(readlink -f "$found") == "$(readlink -f "$expected")" ]] || fail "$found, not $expected: $*"
     echo "$* -> $found"
 }
+# tells EXPECTED COMMAND...: ./dev which names that file and the build that it is of.
+tells() {
+    local expected=$1 said text="the build for every processor"
+    shift
+    [[ $expected != "$second" || $runs_v3 == yes ]] || expected=$first
+    [[ $expected != "$second" ]] || text="the build for x86-64-v3"
+    said=$("$@" "$here/../../dev" which "$folder/which") || fail "dev which: $said"
+    grep -qFx "$folder/which gets $text: $expected" <<<"$said" || fail "dev which: $said"
+    grep -qFx "with no level but none: the build for every processor, $first" <<<"$said" || fail "dev which: $said"
+}
 # Without a mask, and under each: a mask is the list of levels that may be searched.
 maps_by_level() {
     maps "$second" "$@" "$folder/which"
@@ -66,6 +77,11 @@ case $name in
         install_package
         compile
         maps_by_level env LD_LIBRARY_PATH="$prefix/$libdir"
+        tells "$second" env LD_LIBRARY_PATH="$prefix/$libdir"
+        # Where the caller is.
+        (cd "$prefix" && LD_LIBRARY_PATH=$libdir "$here/../../dev" which "$folder/which" >"$folder/log" 2>&1) || fail "$(cat "$folder/log")"
+        ! "$here/../../dev" which "$folder/which" >"$folder/log" 2>&1 || fail "found in no folder"
+        grep -q "^dev: .*the loader does not find $library" "$folder/log" || fail "$(cat "$folder/log")"
         # The folder itself, by which the build tree is tested: whatever the mask.
         [[ $runs_v3 == no ]] ||
             maps "$second" env LD_LIBRARY_PATH="$(dirname "$second")" "$loader" --glibc-hwcaps-mask none "$folder/which"
@@ -116,6 +132,7 @@ case $name in
         compile -Wl,-rpath,"$prefix/$libdir"
         rm -r "$prefix/$libdir/glibc-hwcaps"
         maps "$first" "$folder/which"
+        tells "$first" env
         ;;
     *) fail "unknown case $name" ;;
 esac

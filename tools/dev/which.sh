@@ -7,12 +7,15 @@ loader=/lib64/ld-linux-x86-64.so.2
 library=liborvgenm7.so.6.1
 [[ -x $loader ]] || fail "no loader of glibc here: $loader"
 
-# file_under MASK...: what the loader gives the program, asked by its own list; nothing runs.
-file_under() { "$loader" "$@" --list "$program" 2>/dev/null | awk -v name="$library" '$1 == name { print $3; exit }'; }
+# file_under MASK...: what the loader gives the program, asked by its own list; nothing runs. (Its option --list gives up
+# where a library is missing.)
+file_under() {
+    (cd "$caller" && LD_TRACE_LOADED_OBJECTS=1 "$loader" "$@" "$program" 2>/dev/null || true) |
+        sed -n "s/^[[:space:]]*${library//./\\.} => \(.*\)/\1/p" | sed 's/ (0x[0-9a-f]*)$//'
+}
 build_of() {
     case $1 in
         */glibc-hwcaps/x86-64-v3/* | */lib-x86-64-v3/*) echo "the build for x86-64-v3" ;;
-        not) echo "not found" ;;
         *) echo "the build for every processor" ;;
     esac
 }
@@ -29,6 +32,9 @@ if [[ $# == 0 ]]; then
 fi
 found=$(file_under)
 [[ -n $found ]] || fail "$1 does not load $library by itself (a static program, or one that loads it as it runs?)"
+if [[ $found == "not found" ]]; then
+    fail "$1 does not start here: the loader does not find $library (its rpath, LD_LIBRARY_PATH, ldconfig)"
+fi
 echo "$1 gets $(build_of "$found"): $found"
 for level in x86-64-v4 x86-64-v3 x86-64-v2 none; do
     under=$(file_under --glibc-hwcaps-mask "$level")
