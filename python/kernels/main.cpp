@@ -2,10 +2,8 @@
 // write_kernels KERNELS FILE: every generated kernel with its plan, its operations, its code and
 // the bound on its error, as CSV, from the flows and the heads of the assembly in the folder
 // KERNELS.
-#include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <sstream>
 
 #include "generator/head.h"
 #include "generator/operations.h"
@@ -15,14 +13,6 @@ namespace {
 
 using namespace orvgen;
 
-std::string contentOf(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    if (!file || text.str().empty()) throw std::runtime_error("cannot read " + path.string());
-    return text.str();
-}
-
 std::string quoted(const std::string& text) {
     std::string inside;
     for (const char c : text) inside += c == '"' ? std::string("\"\"") : std::string(1, c);
@@ -30,11 +20,11 @@ std::string quoted(const std::string& text) {
 }
 
 void writeRow(std::ostream& out, const KernelFamily& family, int length,
-              const std::filesystem::path& kernels) {
+              const std::string& kernels) {
     const kernelgen::Kernel kernel = family.kernel(length);
     const generator::Operations o = generator::operationsOf(kernel);
     const kernelgen::KernelFigures f =
-        generator::figuresInHead(contentOf(kernels / (kernel.name.exported() + ".s")));
+        generator::figuresInHead(generator::assemblyOf(kernels, kernel.name.exported()));
     const kernelgen::ErrorBound bound = generator::errorBoundOf(kernel);
     out << kernel.name.exported() << ',' << nameOf(*family.info) << ',' << kernel.length << ','
         << quoted(kernel.method) << ',' << o.additions << ',' << o.multiplications() << ','

@@ -6,8 +6,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <sstream>
 
+#include "generator/head.h"
 #include "generator/registry.h"
 #include "kernel_data.h"
 
@@ -16,14 +16,6 @@ namespace {
 using namespace orvgen;
 using site::Json;
 
-std::string contentOf(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    if (!file || text.str().empty()) throw std::runtime_error("cannot read " + path.string());
-    return text.str();
-}
-
 void write(const std::filesystem::path& path, const std::string& text) {
     std::ofstream file(path, std::ios::binary);
     file << text;
@@ -31,14 +23,14 @@ void write(const std::filesystem::path& path, const std::string& text) {
     if (!file) throw std::runtime_error("cannot write " + path.string());
 }
 
-void writeAll(const std::filesystem::path& kernels, const std::string& tables,
+void writeAll(const std::string& kernels, const std::string& tables,
               const std::filesystem::path& folder) {
     std::filesystem::create_directories(folder / "kernels");
     std::vector<Json> families, rows, marks;
     for (const KernelFamily& family : generator::allFamilies()) {
         for (const int length : family.info->numbers) {
             const kernelgen::Kernel kernel = family.kernel(length);
-            const std::string assembly = contentOf(kernels / (kernel.name.exported() + ".s"));
+            const std::string assembly = generator::assemblyOf(kernels, kernel.name.exported());
             rows.push_back(
                 site::rowOf(kernel, static_cast<int>(families.size()), length, assembly));
             write(folder / "kernels" / (kernel.name.exported() + ".js"),

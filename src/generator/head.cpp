@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "head.h"
 
+#include <fstream>
+#include <iterator>
 #include <regex>
 #include <stdexcept>
 
@@ -16,6 +18,14 @@ double numberIn(const std::string& head, const char* pattern) {
 }
 
 }  // namespace
+
+std::string assemblyOf(const std::string& folder, const std::string& kernel) {
+    const std::string path = folder + "/" + kernel + ".s";
+    std::ifstream file(path, std::ios::binary);
+    std::string text{std::istreambuf_iterator<char>(file), {}};
+    if (text.empty()) throw std::runtime_error("cannot read " + path);
+    return text;
+}
 
 kernelgen::KernelFigures figuresInHead(const std::string& assembly) {
     std::size_t end = 0;

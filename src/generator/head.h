@@ -9,6 +9,9 @@
 
 namespace orvgen::generator {
 
+// The assembly of a kernel in the folder that the build writes. Throws where there is none.
+std::string assemblyOf(const std::string& folder, const std::string& kernel);
+
 // Throws if the text has no such head.
 kernelgen::KernelFigures figuresInHead(const std::string& assembly);
 

@@ -5,12 +5,13 @@
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
-#include <fstream>
 #include <regex>
 #include <set>
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include "support/text_file.h"
 
 namespace orvgen::test {
 namespace {
@@ -19,13 +20,6 @@ namespace fs = std::filesystem;
 const fs::path kTree = ORVGEN_TREE;
 const std::vector<std::string> kRooms = {"bench",  "cmake", "docs", "examples", "include",
                                          "python", "site",  "src",  "tests",    "tools"};
-
-std::string textOf(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
 
 // The tree as pages may speak of it.
 class Names {

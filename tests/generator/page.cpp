@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <map>
 #include <regex>
 #include <set>
@@ -12,6 +11,7 @@
 
 #include "generator/head.h"
 #include "generator/registry.h"
+#include "support/text_file.h"
 
 namespace orvgen::test {
 namespace {
@@ -118,10 +118,8 @@ TEST(PlanPage, LeadsToFunctions) {
         const std::string page = planPageOf(length);
         for (auto at = std::sregex_iterator(page.begin(), page.end(), place);
              at != std::sregex_iterator(); ++at) {
-            std::ifstream file(ORVGEN_DCT4_SOURCES "/" + (*at)[3].str());
-            std::stringstream text;
-            text << file.rdbuf();
-            EXPECT_NE(text.str().find(" " + (*at)[1].str() + "("), std::string::npos) << (*at)[0];
+            const std::string text = textOf(ORVGEN_DCT4_SOURCES "/" + (*at)[3].str());
+            EXPECT_NE(text.find(" " + (*at)[1].str() + "("), std::string::npos) << (*at)[0];
             found.insert((*at)[1]);
         }
     }

@@ -7,13 +7,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
-#include <sstream>
 
 #include "accuracy_page.h"
 #include "generator/operations.h"
 #include "generator/registry.h"
 #include "kernelgen/error_bound.h"
+#include "support/text_file.h"
 
 namespace {
 
@@ -21,15 +20,8 @@ using namespace orvgen::test;
 
 const char* const kAgain = "write the page again: ./dev accuracy";
 
-std::string publishedPage() {
-    std::ifstream file(ORVGEN_ACCURACY_PAGE);
-    std::stringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
-
 const AccuracyCells& published() {
-    static const AccuracyCells cells = readAccuracyPage(publishedPage());
+    static const AccuracyCells cells = readAccuracyPage(textOf(ORVGEN_ACCURACY_PAGE));
     return cells;
 }
 
@@ -85,7 +77,7 @@ TEST(AccuracyOfWalshHadamard, IsWithinItsBoundsAndAsPublished) {
 
 TEST(AccuracyPage, IsTheTableWithItsText) {
     ASSERT_EQ(published().size(), orvgen::allKernels().size());
-    EXPECT_EQ(publishedPage(), accuracyPage(published())) << kAgain;
+    EXPECT_EQ(textOf(ORVGEN_ACCURACY_PAGE), accuracyPage(published())) << kAgain;
 }
 
 }  // namespace

@@ -1,23 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "figures.h"
 
-#include <fstream>
-#include <sstream>
-
 #include "frame/names.h"
 #include "generator/head.h"
 
 namespace orvgen::test {
-namespace {
-
-std::string contentOf(const std::string& kernel) {
-    std::ifstream file(ORVGEN_KERNEL_DIR "/" + kernel + ".s");
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
-
-}  // namespace
 
 std::vector<std::string> kernelsWithFigures() {
     std::vector<std::string> names;
@@ -26,7 +13,8 @@ std::vector<std::string> kernelsWithFigures() {
 }
 
 KernelFigures figuresOf(const std::string& kernel) {
-    const kernelgen::KernelFigures f = generator::figuresInHead(contentOf(kernel));
+    const kernelgen::KernelFigures f =
+        generator::figuresInHead(generator::assemblyOf(ORVGEN_KERNEL_DIR, kernel));
     return {.instructions = f.instructions,
             .spills = f.spills,
             .frame = f.frameBytes,

@@ -4,22 +4,18 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <regex>
 
 #include "generator/plans_page.h"
 #include "generator/registry.h"
+#include "support/text_file.h"
 
 namespace orvgen::test {
 namespace {
 
 const std::filesystem::path kDocs = ORVGEN_DOCS;
 
-std::string documented() {
-    std::ifstream file(kDocs / "plans.md");
-    return {std::istreambuf_iterator<char>(file), {}};
-}
+std::string documented() { return textOf(kDocs / "plans.md"); }
 
 TEST(PlansPage, IsTheOneOfTheDocumentation) {
     EXPECT_EQ(generator::plansPage(generator::allFamilies()), documented())
