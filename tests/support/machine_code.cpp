@@ -18,85 +18,88 @@ struct VectorRow {
     Kind kind;
     Lanes lanes;
     int bytes;
-    bool aligned;
-    bool mergesFirst;
+    // A memory operand has to be aligned; the first operand is read too.
+    enum Traits : std::uint8_t { plain = 0, aligned = 1, merges = 2, both = 3 } traits = plain;
+
+    bool isAligned() const { return (traits & aligned) != 0; }
+    bool mergesFirst() const { return (traits & merges) != 0; }
 };
 
 constexpr VectorRow vectorRows[] = {
-    {"movaps", Kind::move, Lanes::whole, 16, true, false},
-    {"movapd", Kind::move, Lanes::whole, 16, true, false},
-    {"movdqa", Kind::move, Lanes::whole, 16, true, false},
-    {"movups", Kind::move, Lanes::whole, 16, false, false},
-    {"movupd", Kind::move, Lanes::whole, 16, false, false},
-    {"movdqu", Kind::move, Lanes::whole, 16, false, false},
-    {"movss", Kind::move, Lanes::scalar32, 4, false, false},
-    {"movsd", Kind::move, Lanes::scalar64, 8, false, false},
-    {"movd", Kind::move, Lanes::scalar32, 4, false, false},
-    {"movq", Kind::move, Lanes::scalar64, 8, false, false},
-    {"movlps", Kind::move, Lanes::scalar64, 8, false, true},
-    {"movlpd", Kind::move, Lanes::scalar64, 8, false, true},
-    {"movhps", Kind::move, Lanes::scalar64, 8, false, true},
-    {"movhpd", Kind::move, Lanes::scalar64, 8, false, true},
-    {"movlhps", Kind::shuffle, Lanes::packed32, 0, false, true},
-    {"movhlps", Kind::shuffle, Lanes::packed32, 0, false, true},
-    {"movddup", Kind::shuffle, Lanes::packed64, 8, false, false},
-    {"shufps", Kind::shuffle, Lanes::packed32, 16, true, true},
-    {"shufpd", Kind::shuffle, Lanes::packed64, 16, true, true},
-    {"unpcklps", Kind::shuffle, Lanes::packed32, 16, true, true},
-    {"unpckhps", Kind::shuffle, Lanes::packed32, 16, true, true},
-    {"unpcklpd", Kind::shuffle, Lanes::packed64, 16, true, true},
-    {"unpckhpd", Kind::shuffle, Lanes::packed64, 16, true, true},
-    {"pshufd", Kind::shuffle, Lanes::packed32, 16, true, false},
-    {"pslldq", Kind::shuffle, Lanes::whole, 0, false, true},
-    {"psrldq", Kind::shuffle, Lanes::whole, 0, false, true},
-    {"xorps", Kind::logic, Lanes::whole, 16, true, true},
-    {"xorpd", Kind::logic, Lanes::whole, 16, true, true},
-    {"pxor", Kind::logic, Lanes::whole, 16, true, true},
-    {"orps", Kind::logic, Lanes::whole, 16, true, true},
-    {"orpd", Kind::logic, Lanes::whole, 16, true, true},
-    {"por", Kind::logic, Lanes::whole, 16, true, true},
-    {"andps", Kind::logic, Lanes::whole, 16, true, true},
-    {"andpd", Kind::logic, Lanes::whole, 16, true, true},
-    {"pand", Kind::logic, Lanes::whole, 16, true, true},
-    {"andnps", Kind::logic, Lanes::whole, 16, true, true},
-    {"andnpd", Kind::logic, Lanes::whole, 16, true, true},
-    {"pandn", Kind::logic, Lanes::whole, 16, true, true},
-    {"addps", Kind::add, Lanes::packed32, 16, true, true},
-    {"subps", Kind::add, Lanes::packed32, 16, true, true},
-    {"addpd", Kind::add, Lanes::packed64, 16, true, true},
-    {"subpd", Kind::add, Lanes::packed64, 16, true, true},
-    {"addss", Kind::add, Lanes::scalar32, 4, false, true},
-    {"subss", Kind::add, Lanes::scalar32, 4, false, true},
-    {"addsd", Kind::add, Lanes::scalar64, 8, false, true},
-    {"subsd", Kind::add, Lanes::scalar64, 8, false, true},
-    {"mulps", Kind::multiply, Lanes::packed32, 16, true, true},
-    {"mulpd", Kind::multiply, Lanes::packed64, 16, true, true},
-    {"mulss", Kind::multiply, Lanes::scalar32, 4, false, true},
-    {"mulsd", Kind::multiply, Lanes::scalar64, 8, false, true},
-    {"cvtss2sd", Kind::convert, Lanes::scalar64, 4, false, true},
-    {"cvtsd2ss", Kind::convert, Lanes::scalar32, 8, false, true},
-    {"cvtps2pd", Kind::convert, Lanes::packed64, 8, false, false},
-    {"cvtpd2ps", Kind::convert, Lanes::packed32, 16, true, false},
+    {"movaps", Kind::move, Lanes::whole, 16, VectorRow::aligned},
+    {"movapd", Kind::move, Lanes::whole, 16, VectorRow::aligned},
+    {"movdqa", Kind::move, Lanes::whole, 16, VectorRow::aligned},
+    {"movups", Kind::move, Lanes::whole, 16},
+    {"movupd", Kind::move, Lanes::whole, 16},
+    {"movdqu", Kind::move, Lanes::whole, 16},
+    {"movss", Kind::move, Lanes::scalar32, 4},
+    {"movsd", Kind::move, Lanes::scalar64, 8},
+    {"movd", Kind::move, Lanes::scalar32, 4},
+    {"movq", Kind::move, Lanes::scalar64, 8},
+    {"movlps", Kind::move, Lanes::scalar64, 8, VectorRow::merges},
+    {"movlpd", Kind::move, Lanes::scalar64, 8, VectorRow::merges},
+    {"movhps", Kind::move, Lanes::scalar64, 8, VectorRow::merges},
+    {"movhpd", Kind::move, Lanes::scalar64, 8, VectorRow::merges},
+    {"movlhps", Kind::shuffle, Lanes::packed32, 0, VectorRow::merges},
+    {"movhlps", Kind::shuffle, Lanes::packed32, 0, VectorRow::merges},
+    {"movddup", Kind::shuffle, Lanes::packed64, 8},
+    {"shufps", Kind::shuffle, Lanes::packed32, 16, VectorRow::both},
+    {"shufpd", Kind::shuffle, Lanes::packed64, 16, VectorRow::both},
+    {"unpcklps", Kind::shuffle, Lanes::packed32, 16, VectorRow::both},
+    {"unpckhps", Kind::shuffle, Lanes::packed32, 16, VectorRow::both},
+    {"unpcklpd", Kind::shuffle, Lanes::packed64, 16, VectorRow::both},
+    {"unpckhpd", Kind::shuffle, Lanes::packed64, 16, VectorRow::both},
+    {"pshufd", Kind::shuffle, Lanes::packed32, 16, VectorRow::aligned},
+    {"pslldq", Kind::shuffle, Lanes::whole, 0, VectorRow::merges},
+    {"psrldq", Kind::shuffle, Lanes::whole, 0, VectorRow::merges},
+    {"xorps", Kind::logic, Lanes::whole, 16, VectorRow::both},
+    {"xorpd", Kind::logic, Lanes::whole, 16, VectorRow::both},
+    {"pxor", Kind::logic, Lanes::whole, 16, VectorRow::both},
+    {"orps", Kind::logic, Lanes::whole, 16, VectorRow::both},
+    {"orpd", Kind::logic, Lanes::whole, 16, VectorRow::both},
+    {"por", Kind::logic, Lanes::whole, 16, VectorRow::both},
+    {"andps", Kind::logic, Lanes::whole, 16, VectorRow::both},
+    {"andpd", Kind::logic, Lanes::whole, 16, VectorRow::both},
+    {"pand", Kind::logic, Lanes::whole, 16, VectorRow::both},
+    {"andnps", Kind::logic, Lanes::whole, 16, VectorRow::both},
+    {"andnpd", Kind::logic, Lanes::whole, 16, VectorRow::both},
+    {"pandn", Kind::logic, Lanes::whole, 16, VectorRow::both},
+    {"addps", Kind::add, Lanes::packed32, 16, VectorRow::both},
+    {"subps", Kind::add, Lanes::packed32, 16, VectorRow::both},
+    {"addpd", Kind::add, Lanes::packed64, 16, VectorRow::both},
+    {"subpd", Kind::add, Lanes::packed64, 16, VectorRow::both},
+    {"addss", Kind::add, Lanes::scalar32, 4, VectorRow::merges},
+    {"subss", Kind::add, Lanes::scalar32, 4, VectorRow::merges},
+    {"addsd", Kind::add, Lanes::scalar64, 8, VectorRow::merges},
+    {"subsd", Kind::add, Lanes::scalar64, 8, VectorRow::merges},
+    {"mulps", Kind::multiply, Lanes::packed32, 16, VectorRow::both},
+    {"mulpd", Kind::multiply, Lanes::packed64, 16, VectorRow::both},
+    {"mulss", Kind::multiply, Lanes::scalar32, 4, VectorRow::merges},
+    {"mulsd", Kind::multiply, Lanes::scalar64, 8, VectorRow::merges},
+    {"cvtss2sd", Kind::convert, Lanes::scalar64, 4, VectorRow::merges},
+    {"cvtsd2ss", Kind::convert, Lanes::scalar32, 8, VectorRow::merges},
+    {"cvtps2pd", Kind::convert, Lanes::packed64, 8},
+    {"cvtpd2ps", Kind::convert, Lanes::packed32, 16, VectorRow::aligned},
 };
 
 // Those that have no two-operand form.
 constexpr VectorRow vexRows[] = {
-    {"broadcastss", Kind::move, Lanes::packed32, 4, false, false},
-    {"broadcastsd", Kind::move, Lanes::packed64, 8, false, false},
-    {"broadcastf128", Kind::move, Lanes::whole, 16, false, false},
-    {"insertf128", Kind::shuffle, Lanes::whole, 16, false, false},
-    {"extractf128", Kind::shuffle, Lanes::whole, 16, false, false},
-    {"perm2f128", Kind::shuffle, Lanes::whole, 32, false, false},
-    {"permpd", Kind::shuffle, Lanes::packed64, 32, false, false},
-    {"permilps", Kind::shuffle, Lanes::packed32, 16, false, false},
-    {"permilpd", Kind::shuffle, Lanes::packed64, 16, false, false},
-    {"movsldup", Kind::shuffle, Lanes::packed32, 16, false, false},
-    {"movshdup", Kind::shuffle, Lanes::packed32, 16, false, false},
-    {"insertps", Kind::shuffle, Lanes::packed32, 4, false, false},
-    {"blendps", Kind::shuffle, Lanes::packed32, 16, false, false},
-    {"blendpd", Kind::shuffle, Lanes::packed64, 16, false, false},
-    {"addsubps", Kind::add, Lanes::packed32, 16, false, false},
-    {"addsubpd", Kind::add, Lanes::packed64, 16, false, false},
+    {"broadcastss", Kind::move, Lanes::packed32, 4},
+    {"broadcastsd", Kind::move, Lanes::packed64, 8},
+    {"broadcastf128", Kind::move, Lanes::whole, 16},
+    {"insertf128", Kind::shuffle, Lanes::whole, 16},
+    {"extractf128", Kind::shuffle, Lanes::whole, 16},
+    {"perm2f128", Kind::shuffle, Lanes::whole, 32},
+    {"permpd", Kind::shuffle, Lanes::packed64, 32},
+    {"permilps", Kind::shuffle, Lanes::packed32, 16},
+    {"permilpd", Kind::shuffle, Lanes::packed64, 16},
+    {"movsldup", Kind::shuffle, Lanes::packed32, 16},
+    {"movshdup", Kind::shuffle, Lanes::packed32, 16},
+    {"insertps", Kind::shuffle, Lanes::packed32, 4},
+    {"blendps", Kind::shuffle, Lanes::packed32, 16},
+    {"blendpd", Kind::shuffle, Lanes::packed64, 16},
+    {"addsubps", Kind::add, Lanes::packed32, 16},
+    {"addsubpd", Kind::add, Lanes::packed64, 16},
 };
 
 // Integer instructions of gates, frames and pass loops; IntegerCore executes exactly these.
@@ -214,7 +217,7 @@ void classifyVex(Instruction& in) {
         if (o.type != Operand::Type::memory) continue;
         o.size = perm2 ? 32 : fixed ? row.bytes : row.bytes * in.width / 16;
         if (row.bytes == 0) in.kind = Kind::foreign;
-        in.aligned = row.aligned && in.mnemonic.starts_with("mova");
+        in.aligned = row.isAligned() && in.mnemonic.starts_with("mova");
     }
     // Half of a vector goes to memory as it stands.
     if (in.mnemonic == "extractf128" && in.memory() == &in.operands[0]) in.kind = Kind::move;
@@ -256,13 +259,13 @@ void classify(Instruction& in, bool jump, bool call, bool ret) {
     in.kind = row.kind;
     in.lanes = row.lanes;
     in.sse3 = m == "movddup";
-    in.mergesFirst = row.mergesFirst;
+    in.mergesFirst = row.mergesFirst();
     const Operand* memory = in.memory();
     if (memory) {
         for (Operand& o : in.operands) {
             if (o.type == Operand::Type::memory) o.size = row.bytes;
         }
-        in.aligned = row.aligned;
+        in.aligned = row.isAligned();
         if (row.bytes == 0) in.kind = Kind::foreign;
     } else if (m == "movss" || m == "movsd") {
         in.mergesFirst = true;
