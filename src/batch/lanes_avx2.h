@@ -145,6 +145,30 @@ struct Vectors<float> {
         high = _mm256_permute2f128_ps(a, b, 0x31);
     }
 
+    // Numbers from anywhere side by side: at(Index<l>) is where number l stands.
+    template <class At>
+    ORVGEN_DCT4_INLINE static V gatherNumbers(const At& at) {
+        return _mm256_insertf128_ps(_mm256_castps128_ps256(four(Index<0>{}, at)),
+                                    four(Index<4>{}, at), 1);
+    }
+    template <int l, class At>
+    ORVGEN_DCT4_INLINE static __m128 four(Index<l>, const At& at) {
+        __m128 v = _mm_load_ss(at(Index<l>{}));
+        v = _mm_insert_ps(v, _mm_load_ss(at(Index<l + 1>{})), 0x10);
+        v = _mm_insert_ps(v, _mm_load_ss(at(Index<l + 2>{})), 0x20);
+        return _mm_insert_ps(v, _mm_load_ss(at(Index<l + 3>{})), 0x30);
+    }
+    // And back; put(Index<l>, write) as in fromSlots.
+    template <class Put>
+    ORVGEN_DCT4_INLINE static void scatterNumbers(V v, const Put& put) {
+        unroll<8>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            put(l, [&](float* p) ORVGEN_DCT4_INLINE_LAMBDA {
+                const __m128 part = _mm256_extractf128_ps(v, l / 4);
+                _mm_store_ss(p, _mm_shuffle_ps(part, part, l % 4));
+            });
+        });
+    }
+
     // Pairs from anywhere side by side: at(Index<l>) is where pair l stands.
     template <class At>
     ORVGEN_DCT4_INLINE static V gatherPairs(const At& at) {
@@ -242,6 +266,27 @@ struct Vectors<double> {
         high = _mm256_permute2f128_pd(a, b, 0x31);
     }
 
+    template <class At>
+    ORVGEN_DCT4_INLINE static V gatherNumbers(const At& at) {
+        return _mm256_insertf128_pd(_mm256_castpd128_pd256(two(Index<0>{}, at)),
+                                    two(Index<2>{}, at), 1);
+    }
+    template <int l, class At>
+    ORVGEN_DCT4_INLINE static __m128d two(Index<l>, const At& at) {
+        return _mm_loadh_pd(_mm_load_sd(at(Index<l>{})), at(Index<l + 1>{}));
+    }
+    template <class Put>
+    ORVGEN_DCT4_INLINE static void scatterNumbers(V v, const Put& put) {
+        unroll<4>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            put(l, [&](double* p) ORVGEN_DCT4_INLINE_LAMBDA {
+                const __m128d part = _mm256_extractf128_pd(v, l / 2);
+                if constexpr (l % 2 == 0)
+                    _mm_storel_pd(p, part);
+                else
+                    _mm_storeh_pd(p, part);
+            });
+        });
+    }
     template <class At>
     ORVGEN_DCT4_INLINE static V gatherPairs(const At& at) {
         return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_loadu_pd(at(Index<0>{}))),

@@ -195,6 +195,32 @@ struct Vectors<float> {
         high = _mm512_permutex2var_ps(re, second, im);
     }
 
+    // Numbers from anywhere side by side: at(Index<l>) is where number l stands.
+    template <class At>
+    ORVGEN_DCT4_INLINE static V gatherNumbers(const At& at) {
+        V v = _mm512_castps128_ps512(four(Index<0>{}, at));
+        v = _mm512_insertf32x4(v, four(Index<4>{}, at), 1);
+        v = _mm512_insertf32x4(v, four(Index<8>{}, at), 2);
+        return _mm512_insertf32x4(v, four(Index<12>{}, at), 3);
+    }
+    template <int l, class At>
+    ORVGEN_DCT4_INLINE static __m128 four(Index<l>, const At& at) {
+        __m128 v = _mm_load_ss(at(Index<l>{}));
+        v = _mm_insert_ps(v, _mm_load_ss(at(Index<l + 1>{})), 0x10);
+        v = _mm_insert_ps(v, _mm_load_ss(at(Index<l + 2>{})), 0x20);
+        return _mm_insert_ps(v, _mm_load_ss(at(Index<l + 3>{})), 0x30);
+    }
+    // And back; put(Index<l>, write) as in fromSlots.
+    template <class Put>
+    ORVGEN_DCT4_INLINE static void scatterNumbers(V v, const Put& put) {
+        unroll<16>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            put(l, [&](float* p) ORVGEN_DCT4_INLINE_LAMBDA {
+                const __m128 part = _mm512_extractf32x4_ps(v, l / 4);
+                _mm_store_ss(p, _mm_shuffle_ps(part, part, l % 4));
+            });
+        });
+    }
+
     // Pairs from anywhere side by side: at(Index<l>) is where pair l stands.
     template <class At>
     ORVGEN_DCT4_INLINE static V gatherPairs(const At& at) {
@@ -343,6 +369,29 @@ struct Vectors<double> {
         high = _mm512_permutex2var_pd(re, _mm512_setr_epi64(4, 12, 5, 13, 6, 14, 7, 15), im);
     }
 
+    template <class At>
+    ORVGEN_DCT4_INLINE static V gatherNumbers(const At& at) {
+        V v = _mm512_castpd128_pd512(two(Index<0>{}, at));
+        v = _mm512_insertf64x2(v, two(Index<2>{}, at), 1);
+        v = _mm512_insertf64x2(v, two(Index<4>{}, at), 2);
+        return _mm512_insertf64x2(v, two(Index<6>{}, at), 3);
+    }
+    template <int l, class At>
+    ORVGEN_DCT4_INLINE static __m128d two(Index<l>, const At& at) {
+        return _mm_loadh_pd(_mm_load_sd(at(Index<l>{})), at(Index<l + 1>{}));
+    }
+    template <class Put>
+    ORVGEN_DCT4_INLINE static void scatterNumbers(V v, const Put& put) {
+        unroll<8>([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            put(l, [&](double* p) ORVGEN_DCT4_INLINE_LAMBDA {
+                const __m128d part = _mm512_extractf64x2_pd(v, l / 2);
+                if constexpr (l % 2 == 0)
+                    _mm_storel_pd(p, part);
+                else
+                    _mm_storeh_pd(p, part);
+            });
+        });
+    }
     template <class At>
     ORVGEN_DCT4_INLINE static V gatherPairs(const At& at) {
         const auto two = [&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {

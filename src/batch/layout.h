@@ -216,6 +216,104 @@ void scatterElements(const R* from, int step, const Block<R>& block, int element
     }
 }
 
+// The same of complete blocks, vector by vector: a store of one number after the other would make
+// the kernel wait for them when it loads vectors. Not inlined: so many addresses leave no registers
+// to whoever calls.
+template <class R>
+[[gnu::noinline]] void gatherNumbers(const R* p, const Array<const R>& a, const Block<R>& block,
+                                     int elements, R* to, int step) {
+    using Vs = Vectors<R>;
+    const R* from = p + block.first * a.distance;
+    for (int j = 0; j < elements; ++j, from += a.stride, to += step)
+        Vs::store(to, Vs::gatherNumbers(
+                          [&](auto l) ORVGEN_DCT4_INLINE_LAMBDA { return from + l * a.distance; }));
+}
+template <class R>
+[[gnu::noinline]] void scatterNumbers(const R* from, int step, const Block<R>& block, int elements,
+                                      const Array<R>& a, R* p) {
+    using Vs = Vectors<R>;
+    R* to = p + block.first * a.distance;
+    for (int j = 0; j < elements; ++j, to += a.stride, from += step)
+        Vs::scatterNumbers(Vs::load(from),
+                           [&](auto l, const auto& write)
+                               ORVGEN_DCT4_INLINE_LAMBDA { write(to + l * a.distance); });
+}
+
+// Interleaved pairs of complete blocks, as a whole. The order in which they stand in two vectors is
+// the one from which shuffles within 16 bytes put the numbers of all transforms in order.
+template <class R, bool second>
+constexpr int transformOfPair(int pair) {
+    constexpr int some = 8 / sizeof(R);  // pairs in 16 bytes
+    return pair / some * 2 * some + pair % some + (second ? some : 0);
+}
+template <class R>
+[[gnu::noinline]] void gatherPairs(const Array<const R>& a, const Block<R>& block, int pairs,
+                                   R* to) {
+    using Vs = Vectors<R>;
+    const R* from = a.re + block.first * a.distance;
+    const auto half = [&](auto second) ORVGEN_DCT4_INLINE_LAMBDA {
+        return Vs::gatherPairs([&](auto l) ORVGEN_DCT4_INLINE_LAMBDA {
+            return from + transformOfPair<R, second>(l) * a.distance;
+        });
+    };
+    for (int j = 0; j < pairs; ++j, from += a.stride, to += 2 * Vs::lanes) {
+        typename Vs::V re, im;
+        Vs::splitPairsInAnyOrder(half(Index<0>{}), half(Index<1>{}), re, im);
+        Vs::store(to, re);
+        Vs::store(to + Vs::lanes, im);
+    }
+}
+template <class R>
+[[gnu::noinline]] void scatterPairs(const R* from, int pairs, const Block<R>& block,
+                                    const Array<R>& a) {
+    using Vs = Vectors<R>;
+    R* to = a.re + block.first * a.distance;
+    const auto half = [&](typename Vs::V v, auto second) ORVGEN_DCT4_INLINE_LAMBDA {
+        Vs::scatterPairs(v, [&](auto l, const auto& write) ORVGEN_DCT4_INLINE_LAMBDA {
+            write(to + transformOfPair<R, second>(l) * a.distance);
+        });
+    };
+    for (int j = 0; j < pairs; ++j, to += a.stride, from += 2 * Vs::lanes) {
+        typename Vs::V low, high;
+        Vs::joinPairsInAnyOrder(Vs::load(from), Vs::load(from + Vs::lanes), low, high);
+        half(low, Index<0>{});
+        half(high, Index<1>{});
+    }
+}
+
+// Elements anywhere: numbers, pairs, or pairs that are apart.
+template <class R>
+[[gnu::noinline]] void gatherAnywhere(const Array<const R>& a, const Form& form,
+                                      const Block<R>& block, R* to) {
+    constexpr int lanes = Vectors<R>::lanes;
+    const int n = form.elements;
+    if (block.valid < lanes) {
+        const int step = form.paired && !form.apart ? 2 * lanes : lanes;
+        gatherElements(a.re, a, block, n, to, step);
+        if (form.paired) gatherElements(a.im, a, block, n, to + (form.apart ? n : 1) * lanes, step);
+        return;
+    }
+    if (form.paired && !form.apart) return gatherPairs(a, block, n, to);
+    gatherNumbers(a.re, a, block, n, to, lanes);
+    if (form.apart) gatherNumbers(a.im, a, block, n, to + n * lanes, lanes);
+}
+template <class R>
+[[gnu::noinline]] void scatterAnywhere(const R* from, const Form& form, const Block<R>& block,
+                                       const Array<R>& a) {
+    constexpr int lanes = Vectors<R>::lanes;
+    const int n = form.elements;
+    if (block.valid < lanes) {
+        const int step = form.paired && !form.apart ? 2 * lanes : lanes;
+        scatterElements(from, step, block, n, a, a.re);
+        if (form.paired)
+            scatterElements(from + (form.apart ? n : 1) * lanes, step, block, n, a, a.im);
+        return;
+    }
+    if (form.paired && !form.apart) return scatterPairs(from, n, block, a);
+    scatterNumbers(from, lanes, block, n, a, a.re);
+    if (form.apart) scatterNumbers(from + n * lanes, lanes, block, n, a, a.im);
+}
+
 // Block i of the group stands at to + i * step.
 template <class R>
 void gather(const Array<const R>& a, const Form& form, const Group<R>& group, R* to,
@@ -238,13 +336,8 @@ void gather(const Array<const R>& a, const Form& form, const Group<R>& group, R*
         } else if (group.isComplete() && form.path == Path::PairedColumns) {
             form.inOrder ? gatherPairedColumns<R, true>(a, block, form.elements, to)
                          : gatherPairedColumns<R, false>(a, block, form.elements, to);
-        } else if (form.paired) {
-            const int next = form.apart ? lanes : 2 * lanes;
-            R* const im = to + (form.apart ? form.elements : 1) * lanes;
-            gatherElements(a.re, a, block, form.elements, to, next);
-            gatherElements(a.im, a, block, form.elements, im, next);
         } else {
-            gatherElements(a.re, a, block, form.elements, to, lanes);
+            gatherAnywhere(a, form, block, to);
         }
     }
 }
@@ -269,13 +362,8 @@ void scatter(const R* from, std::ptrdiff_t step, const Form& form, const Group<R
         } else if (group.isComplete() && form.path == Path::PairedColumns) {
             form.inOrder ? scatterPairedColumns<R, true>(from, form.elements, block, a)
                          : scatterPairedColumns<R, false>(from, form.elements, block, a);
-        } else if (form.paired) {
-            const int next = form.apart ? lanes : 2 * lanes;
-            const R* const im = from + (form.apart ? form.elements : 1) * lanes;
-            scatterElements(from, next, block, form.elements, a, a.re);
-            scatterElements(im, next, block, form.elements, a, a.im);
         } else {
-            scatterElements(from, lanes, block, form.elements, a, a.re);
+            scatterAnywhere(from, form, block, a);
         }
     }
 }

@@ -89,6 +89,12 @@ template <int size>
 void extract(Words& w) {
     w.copy(0, size * w.bits(0, w.sourceWords() / size == 4 ? 2 : 1), size);
 }
+// As if the second source stood below the first.
+template <int size>
+void align(Words& w) {
+    const int words = w.words(), by = (w.imm() & (words / size - 1)) * size;
+    for (int i = 0; i < words; ++i) w.set(i, i + by < words ? kSecond + i + by : i + by - words);
+}
 void insertps(Words& w, bool fromMemory) {
     w.copy(0, 0, 4);
     w.set(w.bits(4, 2), kSecond + (fromMemory ? 0 : w.bits(6, 2)));
@@ -220,6 +226,8 @@ void clearUpper(State& s, const Operation&) {
 void setMask(State& s, const Operation& op) { s.masks[op.to] = s.general[op.first] & 0xffff; }
 
 const std::map<std::string_view, void (*)(Words&)> picked = {
+    {"alignd", align<1>},
+    {"alignq", align<2>},
     {"broadcastf64x4", spread<8>},
     {"broadcasti64x4", spread<8>},
     {"broadcastsd", spread<2>},
@@ -228,6 +236,7 @@ const std::map<std::string_view, void (*)(Words&)> picked = {
     {"extractf32x4", extract<4>},
     {"extractf64x2", extract<4>},
     {"extractf64x4", extract<8>},
+    {"extractps", extract<1>},
     {"insertf128", insert<4>},
     {"insertf32x4", insert<4>},
     {"insertf32x8", insert<8>},
