@@ -5,7 +5,8 @@
 set -u
 unset GTEST_FILTER
 tree=$1
-copy=$(mktemp -d)
+# Paths may hold spaces.
+copy=$(mktemp -d -t "a dev.XXXXXX")
 trap 'rm -rf "$copy"' EXIT
 mkdir -p "$copy/tree/build/release/bin" "$copy/bin" "$copy/elsewhere"
 cp -r "$tree/dev" "$tree/tools" "$tree/CMakePresets.json" "$copy/tree/"
@@ -16,7 +17,7 @@ stand_in() {
     chmod +x "$1"
 }
 stand_in "$copy/bin/dpkg-query" <<<'echo "ii "'
-stand_in "$copy/bin/ninja" <<<'#!/bin/sh'
+stand_in "$copy/bin/ninja" <<<'printf "%s: what\n" bin/test_wht lib/other.so'
 stand_in "$copy/bin/cmake" <<<"echo \"cmake \$*\" >>'$copy/log'; exit \${CMAKE_FAILS:-0}"
 stand_in "$copy/bin/ctest" <<EOF
 #!/usr/bin/env bash
@@ -26,6 +27,7 @@ case "\$*" in
     *--print-labels*) printf 'All Labels:\n  wht\n' ;;
     *-N*)
         number=0
+        [[ "\$*" != *-V* ]] || echo "1: Test command: \${PWD// /\\\\ }/build/release/bin/test_wht \"a b\" \"/lib/other.so\""
         for name in "\${tests[@]}"; do
             number=\$((number + 1))
             [[ "\$*" == *-R* && ! \$name =~ \$(sed 's/.*-R \([^ ]*\).*/\1/' <<<"\$*") ]] || echo "  Test #\$number: \$name"
@@ -110,6 +112,7 @@ logs "python $copy/tree/bench/python/main.py --out $copy/tree/build/release/benc
 # One test: the one of that name, else those that have it in their names; of these the cases asked for.
 gives 0 test test_wht "Contract.*"
 logs "ctest --preset release -j $(nproc) --output-junit test-results.junit -R ^test_wht(\.v3)?(\.[0-9]+)?\$ GTEST_FILTER=Contract.*"
+logs "cmake --build --preset release -j $(nproc) --target bin/test_wht"
 gives 0 test test_wht_bits
 logs "ctest --preset release -j $(nproc) --output-junit test-results.junit -R ^test_wht_bits(\.v3)?(\.[0-9]+)?\$ GTEST_FILTER="
 gives 0 test wht

@@ -13,14 +13,18 @@ files_of_tests() {
         NR == FNR { sub(/:[^:]*$/, ""); known[$0] = 1; next }
         # A program that is not built yet has no command.
         /^Could not find executable / {
-            file = substr($5, length(root) + 1)
+            file = substr($0, length("Could not find executable " root) + 1)
             files[file in known ? file : "all"]
         }
         /^[0-9]+: Test command: / {
             found = inside = 0
-            for (i = 4; i <= NF; ++i) {
-                file = $i
-                gsub(/"/, "", file)
+            # The program has its spaces escaped, its arguments stand in quotes.
+            sub(/^[0-9]+: Test command: /, "")
+            count = split($0, word, "\"")
+            sub(/ $/, "", word[1])
+            gsub(/\\ /, " ", word[1])
+            for (i = 1; i <= count; i += i == 1 ? 1 : 2) {
+                file = word[i]
                 if (index(file "/", root) != 1) continue
                 inside = 1
                 file = substr(file, length(root) + 1)
