@@ -31,16 +31,20 @@ def run(
         x = converted(kind, x)
         dtype = kind.types[x.dtype]
     shape = x.shape
+    # What is wrong is told outside of these, so that Python shows one error and not two.
     try:
         have = shape[axis]
     except (IndexError, TypeError):
+        have = -1
+    if have < 0:
         axis = checked_axis(kind.name, axis, x.ndim)
         have = shape[axis]
     n = kind.default(have) if n is None else whole(kind.name, "n", n)
     try:
-        task, m = kind.tasks[n, norm]
+        known = kind.tasks[n, norm]
     except (KeyError, TypeError):
-        task, m = kind.task(n, norm, dtype)
+        known = None
+    task, m = known or kind.task(n, norm, dtype)
     last = axis == -1 or axis == len(shape) - 1
     if m != have:
         shape = (*shape[:-1], m) if last else replaced(shape, axis, m)

@@ -268,6 +268,8 @@ def test_errors_begin_with_the_function_that_was_called(name):
             with pytest.raises((TypeError, ValueError)) as error:
                 function(a, *arguments[1:], **options)
             assert str(error.value).startswith(name + ": "), (options, str(error.value))
+            # One error, not one during the handling of another.
+            assert error.value.__context__ is None or error.value.__suppress_context__
 
 
 def test_an_axis_is_anything_that_counts(random):
