@@ -99,19 +99,33 @@ what_failed() {
         awk 'NR <= 3 { text = text (NR > 1 ? ", " : "") $0 } END { print text (NR > 3 ? " and " NR - 3 " more" : "") }'
 }
 
-# prepare NAME...: the tests of these faults are built, and pass in the copy before anything is seeded.
+# prepare NAME...: before anything is seeded, what these faults keep from being built is built in the copy, and the tests
+# that catch the others pass there.
 prepare() {
-    local name test all=()
+    local name test all=() targets=() log=$copy/build/before.log
     for name in "$@"; do
         read_fault "$name"
         for test in "${tests[@]}"; do
-            [[ $test == build\ * || " ${all[*]} " == *" ${test%% *} "* ]] || all+=("${test%% *}")
+            if [[ $test == 'build '* ]]; then
+                targets+=("${test#build }")
+            elif [[ " ${all[*]} " != *" ${test%% *} "* ]]; then
+                all+=("${test%% *}")
+            fi
         done
     done
+    if [[ ${#targets[@]} -gt 0 ]]; then
+        say "without faults this has to be built: $(printf '%s\n' "${targets[@]}" | sort -u | xargs)"
+        (cd "$copy" && cmake --preset "$preset" && cmake --build --preset "$preset" --target "${targets[@]}") \
+            </dev/null >"$log" 2>&1 || {
+            tail -n 30 "$log" >&2
+            fail "it is not (all of it: $log)"
+        }
+    fi
+    [[ ${#all[@]} -gt 0 ]] || return 0
     say "the tests in question have to pass without faults: ${all[*]}"
-    tested "$copy/build/before.log" "($(IFS='|' && echo "${all[*]}"))" || {
-        tail -n 30 "$copy/build/before.log" >&2
-        fail "they do not (all of it: $copy/build/before.log)"
+    tested "$log" "($(IFS='|' && echo "${all[*]}"))" || {
+        tail -n 30 "$log" >&2
+        fail "they do not (all of it: $log)"
     }
 }
 
