@@ -168,7 +168,8 @@ class FunctionPrinter {
             current = offset;
             text += line("cmp\tedx, " + number(flag)) + line("je\t" + body);
         }
-        return text + line("mov\teax, " + number(orvErrFlag)) + line("ret") + label(body);
+        text += line("mov\teax, " + number(orvErrFlag)) + line("ret");
+        return text + (target_.alignsBody ? "\t.p2align\t5\n" : "") + label(body);
     }
     // The displacement is written also where it is zero.
     static std::string atZero(const std::string& reg, int offset) {

@@ -25,6 +25,9 @@ struct Target {
     bool broadcasts;
     // What is alike in straight code may share instructions on wider vectors.
     bool pairs = false;
+    // Behind the gate the body begins at a multiple of 32 bytes: the calls of the shortest kernels
+    // take a tenth to a fifth longer where it begins with the last bytes of a line of 64.
+    bool alignsBody = false;
 
     bool threeOperands() const { return encoding != Encoding::Legacy; }
 };
@@ -50,7 +53,8 @@ inline constexpr Target kLevel3{.name = "x86-64-v3",
                                 .vectorBytes = 32,
                                 .unalignedOperands = true,
                                 .broadcasts = false,
-                                .pairs = true};
+                                .pairs = true,
+                                .alignsBody = true};
 // AVX512F alone: vectors of 64 bytes, and no EVEX encoding of shorter ones.
 inline constexpr Target kAvx512{.name = "avx512",
                                 .encoding = Encoding::Evex,

@@ -1,8 +1,13 @@
 // SPDX-License-Identifier: MIT
-// Where spill slots and constants stand.
+// Where spill slots, constants and bodies stand.
 #include "kernelgen/layout.h"
 
 #include <gtest/gtest.h>
+
+#include <string>
+
+#include "kernelgen/compile.h"
+#include "small_flows.h"
 
 namespace orvgen::test {
 namespace {
@@ -87,6 +92,18 @@ TEST(Layout, OfThePool) {
     EXPECT_EQ(offsets(block, uses), layout.offset);
     EXPECT_EQ(layout.order, (std::vector<std::size_t>{2, 1, 0}));
     EXPECT_EQ(layout.size, 40);
+}
+
+// In the second build at a multiple of 32 bytes, in the first right behind its gate.
+TEST(Layout, OfTheBody) {
+    const Kernel kernel = smallRealKernel({"s"}, Arithmetic::Double);
+    const std::string label = ".L" + kernel.name.exported() + "_body:\n";
+    const auto behindGate = [&](const Target& target, const std::string& padding) {
+        return compileKernel(kernel, target).assembly.find("\tret\n" + padding + label) !=
+               std::string::npos;
+    };
+    EXPECT_TRUE(behindGate(kLevel3, "\t.p2align\t5\n"));
+    EXPECT_TRUE(behindGate(kSse2, ""));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -82,6 +83,12 @@ class Walk {
     }
 
     std::size_t instructions() const { return depthAt_.size(); }
+    // But for the bytes that stand behind a return so that what follows them is aligned.
+    bool reachedAll() const {
+        return std::ranges::all_of(function_.instructions, [&](const Instruction& in) {
+            return in.kind == Kind::nop || depthAt_.contains(in.address);
+        });
+    }
 
   private:
     const UnwindTables& tables_;
@@ -175,7 +182,7 @@ TEST(Unwinding, IsRightAtEveryInstruction) {
         const Function& f = library().function(name);
         Walk walk(tables, f);
         EXPECT_EQ(walk.complaint(), "");
-        EXPECT_EQ(walk.instructions(), f.instructions.size()) << name << ": not all reached";
+        EXPECT_TRUE(walk.reachedAll()) << name << ": not all reached";
         instructions += walk.instructions();
         for (const Instruction& in : f.instructions) {
             if (in.mnemonic == "sub" && in.operands[0].number == 4) {
