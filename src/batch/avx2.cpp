@@ -16,6 +16,7 @@ namespace orvgen::batch::avx2 {
 
 // clang-format off
 #define ORVGEN_BATCH_TARGET avx2
+#define ORVGEN_BATCH_SHORT_ROWS(F, NAME, T) F(NAME, 8, T) F(NAME, 16, T)
 #include "batch/kernels.h"
 #include "batch/layout.h"
 #include "batch/far_rows.h"

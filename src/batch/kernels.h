@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The block kernels that the kernel compiler makes, by kind and length. Included by the file of
-// each target, in its namespace; ORVGEN_BATCH_TARGET is the target's name in those of the kernels.
+// each target, in its namespace; ORVGEN_BATCH_TARGET is the target's name in those of the kernels,
+// ORVGEN_BATCH_SHORT_ROWS lists the short rows in binary32 that it has kernels for.
 
 #define ORVGEN_JOIN(FORM, NAME, N, T, TARGET) owng##FORM##NAME##_##N##_##T##_##TARGET
 #define ORVGEN_KERNEL(FORM, NAME, N, T, TARGET) ORVGEN_JOIN(FORM, NAME, N, T, TARGET)
@@ -20,14 +21,13 @@ using Real_64fc = double;
 #define DECLARE_ROWS(NAME, N, T) extern "C" RowsKernel<Real_##T> ROWS_ADDRESS_OF(NAME, N, T);
 #define DECLARE_PAIRS(NAME, N, T) extern "C" BlockKernel<Real_##T> PAIRS_ADDRESS_OF(NAME, N, T);
 // The lengths at which single complex binary32 kernels move whole vectors only.
-#define EIGHTS(F, NAME, T) \
-    F(NAME, 8, T)          \
-    F(NAME, 16, T)         \
-    F(NAME, 24, T)         \
-    F(NAME, 32, T)         \
-    F(NAME, 40, T)         \
-    F(NAME, 48, T)         \
-    F(NAME, 56, T)         \
+#define EIGHTS(F, NAME, T)              \
+    ORVGEN_BATCH_SHORT_ROWS(F, NAME, T) \
+    F(NAME, 24, T)                      \
+    F(NAME, 32, T)                      \
+    F(NAME, 40, T)                      \
+    F(NAME, 48, T)                      \
+    F(NAME, 56, T)                      \
     F(NAME, 64, T)
 
 // The kernels of the real type T. From Pack there are those of the lengths at which the inverse
@@ -113,15 +113,15 @@ BlockKernel<R>* pairsKernelOf(Kind kind, int n) {
     return Kernels<R>::pairs.find(kind, n);
 }
 
-// The kernel for rows of complex elements, where there is one and it is ahead of the transposes: in
-// binary32 the vectors of 64 bytes win short rows transposed.
+// The kernel for rows of complex elements, where there is one.
 template <class R>
 RowsKernel<R>* rowsKernelOf(Kind kind, int n) {
     using Ks = Kernels<R>;
-    constexpr bool isSingle = sizeof(R) == 4;
-    constexpr int shortest = isSingle ? (Vectors<R>::lanes == 16 ? 24 : 8) : 2;
-    const bool hasKernel = n >= shortest && (!isSingle || n % 8 == 0);
-    const int row = isSingle ? n / 8 - 1 : n - kLengths.first;
+    constexpr int step = sizeof(R) == 4 ? 8 : 1;
+    constexpr int rows = static_cast<int>(std::size(Ks::forwardRows));
+    constexpr int shortest = kLengths.last - step * (rows - 1);
+    const bool hasKernel = n >= shortest && n % step == 0;
+    const int row = (n - shortest) / step;
     if (!hasKernel) return nullptr;
     if (kind == Kind::Forward) return Ks::forwardRows[row];
     return kind == Kind::Inverse ? Ks::inverseRows[row] : nullptr;
