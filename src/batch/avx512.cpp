@@ -23,6 +23,7 @@ namespace orvgen::batch::avx512 {
 #include "batch/far_rows.h"
 #include "batch/blocks.h"
 #include "batch/forms.h"
+#include "batch/far_columns.h"
 #include "batch/tiles.h"
 #include "batch/pairs.h"
 #include "batch/lane_transforms.h"

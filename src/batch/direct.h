@@ -52,4 +52,7 @@ extern template struct DirectsAvx512<double>;
 // stride, in bytes, is not above this (tiles.h).
 inline constexpr std::ptrdiff_t kSpreadBytes = 256;
 
+// So many transforms of any length are in some cache; of more a task asks (far_columns.h).
+inline constexpr std::size_t kNearTransforms = 8192;
+
 }  // namespace orvgen::batch

@@ -252,7 +252,7 @@ template <class R>
     if (direct == nullptr) return false;
     const std::size_t blocks = count >> direct->shift;
     if (blocks == 0 || blocks << direct->shift != count) return false;
-    if (blocks > 1 && (src.mayCrowd() || dst.mayCrowd())) return false;
+    if (blocks > 1 && (src.mayCrowd() || dst.mayCrowd() || count > kNearTransforms)) return false;
     direct->kernels[n - kLengths.first](
         src.re, src.second(direct->lanes), src.step, dst.re, dst.second(direct->lanes), dst.step,
         scaleOf(meaning.scale, flag), blocks, direct->src, direct->dst);

@@ -17,6 +17,10 @@ template <class R>
         Tiles<R>(task, form).run(blocks);
         return blocks << form.shift;
     }
+    if (areFarColumns(task)) {
+        runColumnsPrefetched(task, form, blocks);
+        return blocks << form.shift;
+    }
     constexpr std::ptrdiff_t bytes = sizeof(R);
     const auto second = [](auto* re, auto* im) {
         return im == re + 1 ? re + Vectors<R>::lanes : im;

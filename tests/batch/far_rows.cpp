@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Rows that no cache holds: which of them are left to the single functions, and that nobody sees it
-// in the results.
+// Rows and columns that no cache holds: which of them are left to the single functions, and that
+// nobody sees it in the results.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -221,6 +221,49 @@ TEST(FarRows, HaveTheBitsOfTheSingleFunctions) {
         ASSERT_EQ(orvgBatchUse(target), orvOk);
         compareFamilies<float>(target);
         compareFamilies<double>(target);
+    }
+    ASSERT_EQ(orvgBatchUse(0), orvOk);
+}
+
+// Far columns of complex elements, of which long ones are prefetched.
+template <class R>
+void compareColumns(const Family<R>& family, int n, int lanes) {
+    SCOPED_TRACE(family.name + " of " + std::to_string(n));
+    const auto row = static_cast<std::size_t>(2 * n);
+    const std::size_t count =
+        farBytes / sizeof(R) / (2 * row) + static_cast<std::size_t>(lanes) + 3;
+    const auto m = static_cast<std::ptrdiff_t>(count);
+    std::vector<R> x(count * row), y(x.size(), -7);
+    for (std::size_t i = 0; i < x.size(); ++i) x[i] = static_cast<R>(i % 10007) / 10007 - R{0.4F};
+    ASSERT_EQ(family.batch({{x.data(), nullptr}, m, 1}, {{y.data(), nullptr}, m, 1}, n, count,
+                           orvScaleNone),
+              orvOk);
+    std::vector<R> column(row + 4, 0), expected(row), found(row);
+    for (std::size_t t = 0; t < count; ++t) {
+        for (std::size_t j = 0; j < row; ++j) {
+            const std::size_t at = 2 * (j / 2 * count + t) + j % 2;
+            column[j] = x[at];
+            found[j] = y[at];
+        }
+        ASSERT_EQ(family.single(column.data(), expected.data(), n, orvScaleNone), orvOk);
+        ASSERT_EQ(std::memcmp(found.data(), expected.data(), row * sizeof(R)), 0) << "column " << t;
+    }
+}
+
+template <class R>
+void compareColumnsOfFamilies(std::uint32_t target) {
+    constexpr Side pairs = {.planes = 1, .width = 2, .bins = false};
+    for (const Family<R>& family : families<R>())
+        if (family.src == pairs && family.dst == pairs)
+            for (const int n : {39, 48, 61}) compareColumns(family, n, lanesOf<R>(target));
+}
+
+TEST(FarColumns, HaveTheBitsOfTheSingleFunctions) {
+    for (const std::uint32_t target : runnableTargets()) {
+        SCOPED_TRACE(nameOf(target));
+        ASSERT_EQ(orvgBatchUse(target), orvOk);
+        compareColumnsOfFamilies<float>(target);
+        compareColumnsOfFamilies<double>(target);
     }
     ASSERT_EQ(orvgBatchUse(0), orvOk);
 }
