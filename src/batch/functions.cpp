@@ -144,6 +144,16 @@ OrvStatus onReals(const R* src, R* dst, std::int32_t length, std::int32_t flag) 
                     flag);
 }
 
+// Those of the real families as they are: rows that no cache holds are a loop over them, of which
+// another jump is a tenth at a few points.
+template <auto function, class R, class Element>
+constexpr Single<R>* singleOf() {
+    if constexpr (std::is_same_v<Element, R>)
+        return function;
+    else
+        return onReals<function, R, Element>;
+}
+
 // Whether contiguous transforms are left to the single functions without a task. One is never worth
 // a vector.
 template <class R>
@@ -296,7 +306,7 @@ using namespace orvgen::batch;
         if (srcStride == 1 && dstStride == 1 && areFew<REAL_##T>(meaning, len, count))         \
             return fewRows<orvg##NAME##_##T, Orv##T>(src, srcDistance, dst, dstDistance, len,  \
                                                      count, flag);                             \
-        return transform<REAL_##T>(meaning, onReals<orvg##NAME##_##T, REAL_##T, Orv##T>,       \
+        return transform<REAL_##T>(meaning, singleOf<orvg##NAME##_##T, REAL_##T, Orv##T>(),    \
                                    array(src, srcStride, srcDistance),                         \
                                    array(dst, dstStride, dstDistance), len, count, flag);      \
     }                                                                                          \
