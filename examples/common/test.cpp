@@ -88,7 +88,7 @@ class PictureFile : public testing::Test {
             checkPictureFile(path);
             Painter painter(300, 200, {1, 1, 1}, {0, 0, 0}, {0, 0, 0});
             painter.text("a title that is much too long for its room", 10, 50, 20, 0, {0, 0, 0},
-                         false, 100);
+                         Painter::Weight::plain, 100);
             painter.write(path);
         } catch (const std::runtime_error& e) {
             return e.what();
